@@ -1,0 +1,6 @@
+#include "config/descriptors/decimal_descriptor.h"
+
+DecimalDescriptor::~DecimalDescriptor() = default;
+
+unsigned int DecimalDescriptor::GetPrecision() const { return precision; }
+void DecimalDescriptor::SetPrecision(unsigned int value) { precision = value; }
