@@ -1,0 +1,138 @@
+// Dirty, equality, copy, clone, reset and text rules of the two value
+// classes.
+#include <gtest/gtest.h>
+
+#include "config/descriptors/integer_descriptor.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/descriptors/string_descriptor.h"
+#include "config/values/integer_value.h"
+#include "config/values/string_value.h"
+
+TEST(ConfigValueTest, SetMarksDirtyOnlyOnChange) {
+  IntegerValue number(eConfigID_Default, 1, eCParam_IntegerValue, 5);
+  number.Set(5);
+  EXPECT_FALSE(number.IsDirty());
+  number.Set(6);
+  EXPECT_TRUE(number.IsDirty());
+
+  StringValue text(eConfigID_Default, 2, eCParam_StringValue, "abc");
+  text.Set("abc");
+  EXPECT_FALSE(text.IsDirty());
+  text.Set(std::string("abc\0", 4));  // same bytes, different length
+  EXPECT_TRUE(text.IsDirty());
+
+  IntegerValue identity(eConfigID_Default, 1, eCParam_IntegerValue, 0);
+  identity.SetParamID(1);
+  identity.SetConfigID(eConfigID_Default);
+  identity.SetParamType(eCParam_IntegerValue);
+  EXPECT_FALSE(identity.IsDirty());
+  identity.SetParamType(eCParam_EventValue);
+  EXPECT_TRUE(identity.IsDirty());
+}
+
+TEST(ConfigValueTest, EqualityIncludesDirtyFlagAndIdentity) {
+  IntegerValue a(eConfigID_Default, 9, eCParam_IntegerValue, 1);
+  IntegerValue b(eConfigID_Default, 9, eCParam_IntegerValue, 1);
+  EXPECT_TRUE(a.IsEqual(&b));
+  EXPECT_TRUE(a.IsEqual(&a));
+  b.SetDirty(true);
+  EXPECT_FALSE(a.IsEqual(&b)) << "a changed-but-unsaved value is not its saved twin";
+  b.SetDirty(false);
+  b.Set(2);
+  b.SetDirty(false);
+  EXPECT_FALSE(a.IsEqual(&b));
+
+  IntegerValue otherParam(eConfigID_Default, 10, eCParam_IntegerValue, 1);
+  EXPECT_FALSE(a.IsEqual(&otherParam));
+  StringValue text(eConfigID_Default, 9, eCParam_IntegerValue, "");
+  EXPECT_FALSE(a.IsEqual(&text));
+  Serializable plain(eClassID_IntegerValue);
+  EXPECT_FALSE(a.IsEqual(&plain)) << "same class ID but not a ConfigValue";
+  EXPECT_FALSE(a.IsEqual(nullptr));
+}
+
+TEST(ConfigValueTest, CopyTakesStoreAndValueOnly) {
+  IntegerValue target(eConfigID_Default, 1, eCParam_IntegerValue, 10);
+  IntegerValue source(static_cast<eConfigID_t>(4), 2, eCParam_EventValue, 20);
+  target.Copy(source);
+  unsigned int v;
+  target.Get(v);
+  EXPECT_EQ(20u, v);
+  EXPECT_EQ(4, target.GetConfigID());
+  EXPECT_EQ(1u, target.GetParamID());
+  EXPECT_EQ(eCParam_IntegerValue, target.GetParamType());
+  EXPECT_TRUE(target.IsDirty());
+
+  // A value of the other class leaves the value alone.
+  StringValue text(eConfigID_Default, 3, eCParam_StringValue, "x");
+  target.CopyValue(text);
+  target.Get(v);
+  EXPECT_EQ(20u, v);
+}
+
+TEST(ConfigValueTest, CloneIsCleanAndIndependent) {
+  StringValue text(static_cast<eConfigID_t>(2), 0x55, eCParam_StringValue, "abc");
+  text.SetDirty(true);
+  ConfigValue* clone = text.Clone();
+  StringValue* copy = dynamic_cast<StringValue*>(clone);
+  ASSERT_NE(nullptr, copy);
+  EXPECT_FALSE(copy->IsDirty());
+  EXPECT_EQ(eClassID_StringValue, copy->GetClassID());
+  EXPECT_EQ(2, copy->GetConfigID());
+  copy->Set("changed");
+  std::string v;
+  text.Get(v);
+  EXPECT_EQ("abc", v);
+  delete clone;
+
+  IntegerValue unset;  // class 17 until someone sets it; the clone is class 0
+  ConfigValue* integer = unset.Clone();
+  EXPECT_EQ(eClassID_IntegerValue, integer->GetClassID());
+  delete integer;
+}
+
+TEST(ConfigValueTest, ResetToFactoryUsesDescriptor) {
+  IntegerDescriptor* number = new IntegerDescriptor();
+  number->SetParamID(0xFEEDA001);
+  number->SetParamIDName("eParamID_ValueTestNumber");
+  number->SetFactoryDefault(77);
+  AddDescriptor(number);
+  StringDescriptor* text = new StringDescriptor();
+  text->SetParamID(0xFEEDA002);
+  text->SetParamIDName("eParamID_ValueTestText");
+  text->SetFactoryDefault("factory");
+  AddDescriptor(text);
+
+  IntegerValue a(eConfigID_Default, 0xFEEDA001, eCParam_IntegerValue, 1);
+  a.ResetToFactory();
+  unsigned int v;
+  a.Get(v);
+  EXPECT_EQ(77u, v);
+  EXPECT_TRUE(a.IsDirty());
+
+  StringValue b(eConfigID_Default, 0xFEEDA002, eCParam_StringValue, "user");
+  b.ResetToFactory();
+  std::string s;
+  b.Get(s);
+  EXPECT_EQ("factory", s);
+
+  // No descriptor, or one of the other class: nothing changes.
+  IntegerValue orphan(eConfigID_Default, 0xFEEDA0FF, eCParam_IntegerValue, 3);
+  orphan.ResetToFactory();
+  orphan.Get(v);
+  EXPECT_EQ(3u, v);
+  IntegerValue mismatched(eConfigID_Default, 0xFEEDA002, eCParam_IntegerValue, 4);
+  mismatched.ResetToFactory();
+  mismatched.Get(v);
+  EXPECT_EQ(4u, v);
+}
+
+TEST(ConfigValueTest, ToStringForms) {
+  IntegerValue number(eConfigID_Default, 0x1A, eCParam_EventValue, 255);
+  EXPECT_EQ("configID = 0, paramID = 0x1A, paramType = 4, value = 255 = 0Xff", number.ToString());
+  IntegerValue negative(eConfigID_Default, 0xABCDEF01, eCParam_IntegerValue, 0xFFFFFFFF);
+  EXPECT_EQ("configID = 0, paramID = 0xABCDEF01, paramType = 3, value = -1 = 0Xffffffff",
+            negative.ToString());
+  StringValue text(static_cast<eConfigID_t>(1), 0x100, eCParam_StringValue, "Rack 1");
+  EXPECT_EQ("configID = 1, paramID = 0x100, paramType = 12, value = Rack 1", text.ToString());
+}
