@@ -1,0 +1,45 @@
+#include "config/config_factory_impl.h"
+
+#include <cstdio>
+
+#include "config/config_uri.h"
+
+ConfigFactoryImpl* ConfigFactoryImpl::s_theSingleton = nullptr;
+
+ConfigFactoryImpl::ConfigFactoryImpl()
+    : _local_factory(new zyn::config::access::LocalConfigFactory()) {}
+
+ConfigFactoryImpl::~ConfigFactoryImpl() { delete _local_factory; }
+
+ConfigFactoryImpl* ConfigFactoryImpl::GetInstance() {
+  if (s_theSingleton == nullptr) s_theSingleton = new ConfigFactoryImpl();
+  return s_theSingleton;
+}
+
+void ConfigFactoryImpl::Run() {}
+
+Config* ConfigFactoryImpl::Connect(std::string uri) {
+  if (!IsNetworkURI(uri)) {
+    if (uri.find("local:") == std::string::npos) return nullptr;
+    Config* config = _local_factory->Connect(uri);
+    if (config == nullptr)
+      fprintf(stderr, "ConfigFactoryImpl::Connect - local factory return NULL Config* for uri = %s\n",
+              uri.c_str());
+    return config;
+  }
+  Config* config = ConnectNetwork(uri);
+  if (config == nullptr)
+    fprintf(stderr, "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n");
+  return config;
+}
+
+bool ConfigFactoryImpl::Disconnect(Config* config) {
+  if (config != nullptr && IsNetworkClient(config)) return DisconnectNetwork(config);
+  return _local_factory->Disconnect(config);
+}
+
+Config* ConfigFactoryImpl::ConnectNetwork(const std::string&) { return nullptr; }
+
+bool ConfigFactoryImpl::IsNetworkClient(Config*) { return false; }
+
+bool ConfigFactoryImpl::DisconnectNetwork(Config*) { return false; }

@@ -1,0 +1,64 @@
+#include "config/local_config_factory.h"
+
+#include <cstdio>
+
+#include "config/manager/config_manager.h"
+#include "support/semaphore_helper.h"
+
+namespace zyn {
+namespace config {
+namespace access {
+
+LocalConfigFactory::LocalConfigFactory() { SemaphoreHelper::InitSemaphore(&_lock); }
+
+LocalConfigFactory::~LocalConfigFactory() { SemaphoreHelper::DestroySemaphore(&_lock); }
+
+eConfigID_t LocalConfigFactory::GetConfigID(std::string uri) {
+  size_t at = uri.find("configid=");
+  int id = 0;
+  if (at == std::string::npos || sscanf(uri.c_str() + at, "configid=%d", &id) != 1) return eConfigID_Default;
+  return static_cast<eConfigID_t>(id);
+}
+
+Config* LocalConfigFactory::Connect(std::string uri) {
+  SemaphoreHelper lock(&_lock);
+  eConfigID_t id = GetConfigID(uri);
+  ConfigManager* manager = nullptr;
+  auto it = _configs.find(id);
+  if (it != _configs.end()) {
+    manager = static_cast<ConfigManager*>(it->second);
+  } else {
+    manager = new ConfigManager(id);
+    if (!manager->Init()) {
+      fprintf(stderr, "LocalConfigFactory::Connect - Init() failed\n");
+      delete manager;
+      return nullptr;
+    }
+    _configs[id] = manager;
+  }
+  manager->IncrementUseCount();
+  return manager;
+}
+
+bool LocalConfigFactory::Disconnect(Config* config) {
+  SemaphoreHelper lock(&_lock);
+  ConfigManager* manager = dynamic_cast<ConfigManager*>(config);
+  if (manager == nullptr) return false;
+  eConfigID_t id = manager->GetConfigID();
+  auto it = _configs.find(id);
+  // A manager of the same store made elsewhere is not this factory's.
+  if (it == _configs.end() || it->second != config) {
+    fprintf(stderr, "LocalConfigFactory::Disconnect - This instance not tracking configID %d\n",
+            static_cast<int>(id));
+    return false;
+  }
+  if (manager->DecrementUseCount() == 0) {
+    _configs.erase(it);
+    delete manager;
+  }
+  return true;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn

@@ -1,0 +1,147 @@
+// The Config defaults, the standard URIs and the factories that hand out the
+// in-process store.
+#include <gtest/gtest.h>
+
+#include "config/config_factory_impl.h"
+#include "config/config_uri.h"
+#include "config/local_config_factory.h"
+#include "config/manager/config_manager.h"
+#include "test_catalogue.h"
+
+namespace {
+
+// A Config that implements only what is mandatory.
+class BareConfig : public Config {
+ public:
+  bool Set(eParam_t, unsigned int) override { return true; }
+  unsigned int Get(eParam_t) override { return 0; }
+  eConfigID_t GetConfigID() override { return eConfigID_Default; }
+  timeval GetLastConfigUpdate() override { return {0, 0}; }
+  ParamDescriptor* GetParamDescriptor(eParam_t) override { return nullptr; }
+  ParamDescriptor* GetParamDescriptor(std::string) override { return nullptr; }
+  std::vector<unsigned int> GetParamIDs() override { return {}; }
+  bool Get(eParam_t, unsigned int&) override { return false; }
+  bool Set(eParam_t, std::string) override { return false; }
+  bool Get(eParam_t, std::string&) override { return false; }
+};
+
+template <typename F>
+std::string Stderr(F body) {
+  testing::internal::CaptureStderr();
+  body();
+  return testing::internal::GetCapturedStderr();
+}
+
+}  // namespace
+
+TEST(ConfigTest, OptionalSlotsAnswerNo) {
+  BareConfig config;
+  std::vector<eParam_t> ids;
+  unsigned int transaction = 7;
+  ConfigEvent event;
+  EXPECT_EQ(nullptr, config.GetSerializable(1));
+  EXPECT_FALSE(config.SetSerializable(1, nullptr));
+  EXPECT_FALSE(config.AddConfigEventListener(nullptr));
+  EXPECT_FALSE(config.AddConfigEventListener(1, nullptr));
+  EXPECT_FALSE(config.AddConfigEventListener(std::list<eParam_t>{1}, nullptr));
+  EXPECT_FALSE(config.RemoveConfigEventListener(nullptr));
+  EXPECT_FALSE(config.WaitForConfigEvent(event, 0, 0));
+  EXPECT_FALSE(config.Lock(1, Config::eParamLock_Write));
+  EXPECT_FALSE(config.Unlock(1));
+  EXPECT_FALSE(config.StartTransaction(ids, transaction));
+  EXPECT_FALSE(config.Commit(transaction));
+  EXPECT_FALSE(config.Rollback(transaction));
+  EXPECT_FALSE(config.AddUpdatePrecondition(nullptr));
+  EXPECT_FALSE(config.RemoveUpdatePrecondition(nullptr));
+}
+
+TEST(ConfigDeathTest, DataAccessIsMandatory) {
+  BareConfig config;
+  std::string data;
+  EXPECT_DEATH(config.GetData(1, data),
+               "classes/config/config:65: virtual bool Config::GetData\\(eParam_t, "
+               "std::string&\\): Assertion `false' failed");
+  EXPECT_DEATH(config.SetData(1, data), "classes/config/config:66: virtual bool Config::SetData");
+}
+
+TEST(ConfigURITest, StandardURIs) {
+  EXPECT_EQ("socket://127.0.0.1:43110/caching=true", GetConfigURI("socket"));
+  EXPECT_EQ("socket://127.0.0.1:43110", GetEventsURI("socket"));
+  EXPECT_EQ("udp://127.0.0.1:43110", GetConfigURI("udp"));
+  EXPECT_EQ("multicast://127.0.0.1:63110", GetEventsURI("udp"));
+  EXPECT_EQ("tcp://127.0.0.1:43110", GetConfigURI("tcp"));
+  EXPECT_EQ("tcp://127.0.0.1:43110", GetEventsURI("tcp"));
+  EXPECT_EQ("INVALID_URI", GetConfigURI("TCP"));
+  EXPECT_EQ("INVALID_URI", GetEventsURI("tcp "));
+  EXPECT_EQ(0, zyn::config::access::LocalConfigFactory::GetConfigID("local:"));
+  EXPECT_EQ(0, zyn::config::access::LocalConfigFactory::GetConfigID("local:configid=x"));
+  EXPECT_EQ(12, zyn::config::access::LocalConfigFactory::GetConfigID("x/configid=12/local:"));
+  EXPECT_EQ(-3, zyn::config::access::LocalConfigFactory::GetConfigID("local:configid=-3"));
+}
+
+TEST(LocalConfigFactoryTest, SharesOneManagerPerStore) {
+  test_catalogue::Register();
+  zyn::config::access::LocalConfigFactory factory;
+  Config* first = nullptr;
+  Config* second = nullptr;
+  Stderr([&] {
+    first = factory.Connect("local:configid=3");
+    second = factory.Connect("local:configid=3");
+  });
+  ASSERT_NE(nullptr, first);
+  EXPECT_EQ(first, second);
+  ConfigManager* manager = dynamic_cast<ConfigManager*>(first);
+  ASSERT_NE(nullptr, manager);
+  EXPECT_EQ(3, manager->GetConfigID());
+  EXPECT_EQ(2, manager->GetUseCount());
+  EXPECT_EQ(50u, first->Get(test_catalogue::kPercent)) << "values start at their default";
+  EXPECT_TRUE(first->Set(test_catalogue::kPercent, 7));
+
+  Config* other = nullptr;
+  Stderr([&] { other = factory.Connect("local:"); });
+  EXPECT_NE(first, other);
+  EXPECT_EQ(0, other->GetConfigID());
+
+  EXPECT_TRUE(factory.Disconnect(first));
+  EXPECT_EQ(1, manager->GetUseCount()) << "the first Disconnect keeps the manager";
+  EXPECT_TRUE(factory.Disconnect(second));
+  // The last Disconnect destroyed the store: the next Connect starts afresh.
+  Config* fresh = nullptr;
+  Stderr([&] { fresh = factory.Connect("local:configid=3"); });
+  EXPECT_EQ(50u, fresh->Get(test_catalogue::kPercent));
+  EXPECT_EQ(1, dynamic_cast<ConfigManager*>(fresh)->GetUseCount());
+  EXPECT_TRUE(factory.Disconnect(fresh));
+  EXPECT_TRUE(factory.Disconnect(other));
+}
+
+TEST(LocalConfigFactoryTest, RefusesWhatItDidNotHandOut) {
+  zyn::config::access::LocalConfigFactory factory;
+  EXPECT_FALSE(factory.Disconnect(nullptr));
+  BareConfig bare;
+  EXPECT_FALSE(factory.Disconnect(&bare));
+  ConfigManager stranger(static_cast<eConfigID_t>(9));
+  std::string err = Stderr([&] { EXPECT_FALSE(factory.Disconnect(&stranger)); });
+  EXPECT_EQ("LocalConfigFactory::Disconnect - This instance not tracking configID 9\n", err);
+}
+
+TEST(ConfigFactoryImplTest, RoutesByURI) {
+  test_catalogue::Register();
+  ConfigFactoryImpl* factory = ConfigFactoryImpl::GetInstance();
+  EXPECT_EQ(factory, ConfigFactoryImpl::GetInstance());
+
+  std::string err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("socket://127.0.0.1:43110")); });
+  EXPECT_EQ("", err) << "a socket URI is not this factory's, silently";
+
+  const char* kFailed = "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n";
+  err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("local:configid=4 udp://127.0.0.1:1")); });
+  EXPECT_EQ(kFailed, err) << "a network transport wins over local:";
+  err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("tcp://127.0.0.1:43110/caching=true")); });
+  EXPECT_EQ(kFailed, err);
+
+  Config* local = nullptr;
+  Stderr([&] { local = factory->Connect("local:configid=5"); });
+  ASSERT_NE(nullptr, local);
+  EXPECT_EQ(5, local->GetConfigID());
+  EXPECT_TRUE(factory->Disconnect(local));
+  EXPECT_FALSE(factory->Disconnect(nullptr));
+}
