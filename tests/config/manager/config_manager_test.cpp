@@ -1,0 +1,248 @@
+// The store: validation and clamping through Set, the update queue with its
+// preconditions, dependent-parameter notification, listeners and threads.
+#include "config/manager/config_manager.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "config/manager/update_precondition.h"
+#include "config/values/integer_value.h"
+#include "recording_listener.h"
+#include "test_catalogue.h"
+
+using namespace test_catalogue;
+
+namespace {
+
+template <typename F>
+std::string Stderr(F body) {
+  testing::internal::CaptureStderr();
+  body();
+  return testing::internal::GetCapturedStderr();
+}
+
+// A store of the test catalogue, initialised like the factory does it.
+class ConfigManagerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    Register();
+    Stderr([this] { manager.Init(); });
+  }
+  ConfigManager manager{eConfigID_Default};
+};
+
+// A precondition driven by a function, for queue manipulations.
+class ScriptedPrecondition : public zyn::config::UpdatePrecondition {
+ public:
+  typedef std::function<bool(zyn::config::IntegerUpdates&)> Script;
+  explicit ScriptedPrecondition(Script s) : script(std::move(s)) {}
+  bool IsUpdateValid(Config*, zyn::config::IntegerUpdates& updates) override {
+    return script(updates);
+  }
+  bool IsUpdateValid(Config*, zyn::config::StringUpdates&) override { return true; }
+  bool IsUpdateValid(Config*, unsigned int, Serializable&) override { return true; }
+
+ private:
+  Script script;
+};
+
+}  // namespace
+
+TEST_F(ConfigManagerTest, StartsAtFactoryDefaults) {
+  EXPECT_EQ(50u, manager.Get(kPercent));
+  EXPECT_EQ(1u, manager.Get(kMode));
+  std::string name;
+  EXPECT_TRUE(manager.Get(kName, name));
+  EXPECT_EQ("unit", name);
+  ConfigValue* value = dynamic_cast<ConfigValue*>(manager.GetSerializable(kPercent));
+  ASSERT_NE(nullptr, value);
+  EXPECT_FALSE(value->IsDirty()) << "store 0 values start clean";
+
+  ConfigManager other(static_cast<eConfigID_t>(2));
+  Stderr([&] { other.Init(); });
+  value = dynamic_cast<ConfigValue*>(other.GetSerializable(kPercent));
+  ASSERT_NE(nullptr, value);
+  EXPECT_EQ(2, value->GetConfigID());
+  EXPECT_TRUE(value->IsDirty()) << "moving a value to another store marks it";
+}
+
+TEST_F(ConfigManagerTest, SetClampsAndRefuses) {
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(100u, manager.Get(kPercent));
+  EXPECT_TRUE(manager.Set(kTenToHundred, 5));
+  EXPECT_EQ(10u, manager.Get(kTenToHundred));
+
+  std::string err = Stderr([&] { EXPECT_FALSE(manager.Set(kMode, 3)); });
+  EXPECT_EQ("ConfigManager::Set(uint32_t) - update precondition failed, returning false\n", err);
+  EXPECT_EQ(1u, manager.Get(kMode)) << "a refused update stores nothing";
+  EXPECT_TRUE(manager.Set(kMode, 2));
+  EXPECT_EQ(2u, manager.Get(kMode));
+
+  // A range that starts at its minimum and wraps through zero.
+  EXPECT_TRUE(manager.Set(kWrapped, 0xFFFFFFF8));
+  EXPECT_EQ(0xFFFFFFF8u, manager.Get(kWrapped));
+  EXPECT_TRUE(manager.Set(kWrapped, 0));
+  EXPECT_EQ(0u, manager.Get(kWrapped));
+  EXPECT_TRUE(manager.Set(kWrapped, 50));
+  EXPECT_EQ(10u, manager.Get(kWrapped));
+  EXPECT_TRUE(manager.Set(kWrapped, 1));
+  EXPECT_EQ(1u, manager.Get(kWrapped)) << "out of the wrapped range, yet not forced";
+
+  // "do_not_validate" skips the preconditions entirely.
+  EXPECT_TRUE(manager.Set(kRaw, 500));
+  EXPECT_EQ(500u, manager.Get(kRaw));
+}
+
+TEST_F(ConfigManagerTest, DependentMinimumKeepsTheFormula) {
+  ASSERT_TRUE(manager.Set(kPercent, 100));
+  EXPECT_TRUE(manager.Set(kLimited, 950));
+  EXPECT_EQ(950u, manager.Get(kLimited));
+  EXPECT_TRUE(manager.Set(kLimited, 800));
+  EXPECT_EQ(901u, manager.Get(kLimited)) << "moved to 1000 - 100 + 1";
+  // With the named parameter at 0 the value becomes limit + 1.
+  ASSERT_TRUE(manager.Set(kPercent, 0));
+  EXPECT_TRUE(manager.Set(kLimited, 5));
+  EXPECT_EQ(1001u, manager.Get(kLimited));
+}
+
+TEST_F(ConfigManagerTest, UnknownParameters) {
+  std::string err = Stderr([&] { EXPECT_FALSE(manager.Set(kUnknown, 1)); });
+  EXPECT_EQ("GetParamDescriptor Error in classes/config/manager/config_manager at line 103\n", err);
+  err = Stderr([&] { EXPECT_FALSE(manager.Set(kUnknown, std::string("x"))); });
+  EXPECT_EQ("GetParamDescriptor Error in classes/config/manager/config_manager at line 188\n", err);
+  EXPECT_EQ(0u, manager.Get(kUnknown));
+  unsigned int v = 9;
+  EXPECT_FALSE(manager.Get(kUnknown, v));
+  EXPECT_EQ(nullptr, manager.GetSerializable(kUnknown));
+  EXPECT_FALSE(manager.SetSerializable(kPercent, manager.GetSerializable(kPercent)));
+  err = Stderr([&] {
+    std::string s;
+    EXPECT_FALSE(manager.Get(kPercent, s));
+  });
+  EXPECT_EQ("ConfigManager::GetConfigParam - error - not a StringValue\n", err);
+  err = Stderr([&] { EXPECT_FALSE(manager.Set(kName, 5u)); });
+  EXPECT_EQ("ConfigManager::SetConfigParam() - configValue == NULL for paramID = FEEDC004\n", err);
+}
+
+TEST_F(ConfigManagerTest, StringsAndData) {
+  RecordingListener listener;
+  manager.AddConfigEventListener(&listener);
+  EXPECT_TRUE(manager.Set(kName, std::string("Rack 7")));
+  std::string data = "blob";
+  EXPECT_TRUE(manager.SetData(kName, data));
+  std::string read;
+  EXPECT_TRUE(manager.GetData(kName, read));
+  EXPECT_EQ("blob", read);
+  EXPECT_EQ("FEEDC004='Rack 7' FEEDC004='data:blob'", listener.Rendered());
+  manager.RemoveConfigEventListener(&listener);
+}
+
+TEST_F(ConfigManagerTest, PreconditionThatEmptiesTheQueue) {
+  manager.AddUpdatePrecondition(new ScriptedPrecondition([](zyn::config::IntegerUpdates& u) {
+    u.clear();
+    return true;
+  }));
+  RecordingListener listener;
+  manager.AddConfigEventListener(&listener);
+  EXPECT_FALSE(manager.Set(kPercent, 20));
+  EXPECT_EQ(50u, manager.Get(kPercent));
+  EXPECT_EQ("", listener.Rendered());
+  manager.RemoveConfigEventListener(&listener);
+}
+
+TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
+  // Writing kSource first queues kTenToHundred = 70 in front of it; the
+  // source update itself is then refused when its value is 4.
+  ConfigManager* store = &manager;
+  manager.AddUpdatePrecondition(new ScriptedPrecondition([store](zyn::config::IntegerUpdates& u) {
+    if (u.front().first == kSource && store->Get(kTenToHundred) != 70) {
+      u.push_front({kTenToHundred, 70});
+      return true;
+    }
+    return !(u.front().first == kSource && u.front().second == 4);
+  }));
+  RecordingListener listener;
+  manager.AddConfigEventListener(&listener);
+  EXPECT_TRUE(manager.Set(kSource, 3));
+  EXPECT_EQ(70u, manager.Get(kTenToHundred));
+  EXPECT_EQ(3u, manager.Get(kSource));
+  // The dependants of kSource follow its own event.
+  EXPECT_EQ("FEEDC002=70 FEEDC008=3 FEEDC001=50 FEEDC004='unit'", listener.Rendered());
+
+  ASSERT_TRUE(manager.Set(kTenToHundred, 10));
+  std::string err = Stderr([&] { EXPECT_FALSE(manager.Set(kSource, 4)); });
+  EXPECT_EQ("ConfigManager::Set(uint32_t) - update precondition failed, returning false\n", err);
+  EXPECT_EQ(70u, manager.Get(kTenToHundred)) << "the earlier round stays applied";
+  EXPECT_EQ(3u, manager.Get(kSource));
+  manager.RemoveConfigEventListener(&listener);
+}
+
+TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
+  RecordingListener listener, twice;
+  manager.AddConfigEventListener(kPercent, &listener);  // the ID is not a filter
+  manager.AddConfigEventListener(&twice);
+  manager.AddConfigEventListener(&twice);
+  std::thread writer([&] { manager.Set(kTenToHundred, 20); });
+  std::thread::id writerID = writer.get_id();
+  writer.join();
+  manager.Set(kTenToHundred, 20);  // an unchanged value is still notified
+  std::vector<RecordingListener::Event> events = listener.Events();
+  ASSERT_EQ(2u, events.size());
+  EXPECT_EQ(kTenToHundred, events[0].id);
+  EXPECT_EQ(writerID, events[0].thread);
+  EXPECT_EQ(0, events[0].when.tv_sec);
+  EXPECT_EQ(0, events[0].when.tv_usec);
+  EXPECT_EQ(4u, twice.Events().size()) << "a listener registered twice hears twice";
+
+  EXPECT_TRUE(manager.RemoveConfigEventListener(&twice));
+  EXPECT_TRUE(manager.RemoveConfigEventListener(&twice));
+  EXPECT_FALSE(manager.RemoveConfigEventListener(&twice));
+  EXPECT_TRUE(manager.RemoveConfigEventListener(&listener));
+  manager.Set(kTenToHundred, 30);
+  EXPECT_EQ(2u, listener.Events().size());
+  EXPECT_EQ(0, manager.GetLastConfigUpdate().tv_sec);
+}
+
+TEST_F(ConfigManagerTest, ConcurrentWritersAndReaders) {
+  RecordingListener listener;
+  manager.AddConfigEventListener(&listener);
+  std::atomic<bool> stop{false};
+  std::atomic<int> badReads{0};
+  auto reader = [&] {
+    while (!stop) {
+      if (manager.Get(kPercent) > 100) ++badReads;
+      std::string name;
+      manager.Get(kName, name);
+      if (name != "unit" && name != "a" && name != "bb") ++badReads;
+    }
+  };
+  auto writer = [&](unsigned int base, const char* text) {
+    for (unsigned int i = 0; i < 500; ++i) {
+      manager.Set(kPercent, base + i % 150);
+      manager.Set(kName, std::string(text));
+    }
+  };
+  std::thread r1(reader), r2(reader);
+  std::thread w1(writer, 0, "a"), w2(writer, 30, "bb");
+  w1.join();
+  w2.join();
+  stop = true;
+  r1.join();
+  r2.join();
+  EXPECT_EQ(0, badReads.load());
+  EXPECT_EQ(2000u, listener.Events().size());
+  EXPECT_LE(manager.Get(kPercent), 100u);
+  manager.RemoveConfigEventListener(&listener);
+}
+
+TEST_F(ConfigManagerTest, PreconditionsAreOwned) {
+  auto* precondition = new ScriptedPrecondition([](zyn::config::IntegerUpdates&) { return false; });
+  manager.AddUpdatePrecondition(precondition);
+  Stderr([&] { EXPECT_FALSE(manager.Set(kPercent, 1)); });
+  EXPECT_TRUE(manager.RemoveUpdatePrecondition(precondition));
+  EXPECT_FALSE(manager.RemoveUpdatePrecondition(precondition));
+  EXPECT_TRUE(manager.Set(kPercent, 1));
+  delete precondition;  // removal hands it back to us
+}

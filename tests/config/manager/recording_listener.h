@@ -1,0 +1,64 @@
+// A listener that records every notification with the thread it ran on.
+#ifndef TESTS_CONFIG_MANAGER_RECORDING_LISTENER_H
+#define TESTS_CONFIG_MANAGER_RECORDING_LISTENER_H
+
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "config/config_event_listener.h"
+
+class RecordingListener : public ConfigEventListener {
+ public:
+  struct Event {
+    eParam_t id;
+    unsigned int value;
+    std::string text;
+    bool isString;
+    timeval when;
+    std::thread::id thread;
+  };
+
+  bool ParamChanged(eParam_t id, unsigned int value, timeval when) override {
+    Record({id, value, "", false, when, std::this_thread::get_id()});
+    return true;
+  }
+  bool ParamChanged(eParam_t id, std::string value, timeval when) override {
+    Record({id, 0, value, true, when, std::this_thread::get_id()});
+    return true;
+  }
+  bool DataChanged(eParam_t id, std::string& data, timeval when) override {
+    Record({id, 0, "data:" + data, true, when, std::this_thread::get_id()});
+    return true;
+  }
+
+  std::vector<Event> Events() {
+    std::lock_guard<std::mutex> hold(lock);
+    return events;
+  }
+
+  // "id=value" per event, hexadecimal IDs, for compact comparisons.
+  std::string Rendered() {
+    std::string text;
+    char line[64];
+    for (const Event& e : Events()) {
+      if (e.isString)
+        snprintf(line, sizeof line, "%s%X='%s'", text.empty() ? "" : " ", e.id, e.text.c_str());
+      else
+        snprintf(line, sizeof line, "%s%X=%u", text.empty() ? "" : " ", e.id, e.value);
+      text += line;
+    }
+    return text;
+  }
+
+ private:
+  void Record(Event e) {
+    std::lock_guard<std::mutex> hold(lock);
+    events.push_back(e);
+  }
+  std::mutex lock;
+  std::vector<Event> events;
+};
+
+#endif  // TESTS_CONFIG_MANAGER_RECORDING_LISTENER_H
