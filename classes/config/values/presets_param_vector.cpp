@@ -4,18 +4,24 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <new>
 
+#include "config/config.h"
 #include "config/values/deserializer.h"
+#include "config/values/file.h"
 #include "config/values/serializer.h"
+#include "support/ctimeval.h"
 
 namespace zyn {
 namespace config {
 namespace values {
 
-PresetsParamVector::PresetsParamVector() : data(nullptr), size(0) {}
+PresetsParamVector::PresetsParamVector()
+    : data(nullptr), size(0), waitTimeoutMs(kDefaultWaitTimeoutMs) {}
 
 PresetsParamVector::~PresetsParamVector() { ClearData(); }
 
@@ -89,6 +95,101 @@ bool PresetsParamVector::Slurp(const std::string& path) {
     return false;
   }
   return true;
+}
+
+namespace {
+
+bool Holds(const std::vector<unsigned int>& states, unsigned int state) {
+  return std::find(states.begin(), states.end(), state) != states.end();
+}
+
+}  // namespace
+
+std::string PresetsParamVector::PresetFileName(unsigned int preset) {
+  return "/tmp/zyn/preset_" + std::to_string(preset) + ".bin";
+}
+
+bool PresetsParamVector::WaitForStates(Config* config, unsigned int paramID,
+                                       std::vector<unsigned int>& goodStates,
+                                       std::vector<unsigned int>& errorStates, long timeoutMs) {
+  fprintf(stderr, "PresetsParamVector::WaitForStates - called\n");
+  CTimeVal stopwatch;
+  stopwatch.start();
+  while (stopwatch.get_elapsed_ms() < timeoutMs) {
+    unsigned int state = config->Get(paramID);
+    if (Holds(goodStates, state)) {
+      fprintf(stderr, "PresetsParamVector::WaitForStates - normal return state = %d\n",
+              static_cast<int>(state));
+      return true;
+    }
+    // The number printed is the store's ID, not the preset's.
+    if (Holds(errorStates, state)) {
+      fprintf(stderr,
+              "PresetsParamVector::WaitForStates - detected an error state while waiting for "
+              "preset %d\n",
+              static_cast<int>(config->GetConfigID()));
+      return false;
+    }
+    timespec pause = {0, kPollIntervalMs * 1000000};
+    nanosleep(&pause, nullptr);
+  }
+  fprintf(stderr,
+          "PresetsParamVector::WaitForStates - detected an error while waiting for preset %d\n",
+          static_cast<int>(config->GetConfigID()));
+  return false;
+}
+
+bool PresetsParamVector::Load(eConfigID_t preset, Config* config) {
+  if (config == nullptr) {
+    fprintf(stderr, "PresetsParamVector::Load - failed to get current config\n");
+    return false;
+  }
+  config->Set(kRegisterLoadResultParamID, kRegisterInProgress);
+  config->Set(kRegisterLoadParamID, static_cast<unsigned int>(preset));
+  std::vector<unsigned int> good = {kRegisterDone};
+  std::vector<unsigned int> errors = {kRegisterFailed, kRegisterEmpty};
+  if (!WaitForStates(config, kRegisterLoadResultParamID, good, errors, waitTimeoutMs)) {
+    fprintf(stderr, "PresetsParamVector::Load - error/empty/timeout waiting for load\n");
+    return false;
+  }
+  unsigned int state = config->Get(kRegisterLoadResultParamID);
+  if (state == kRegisterDone) {
+    std::string path = PresetFileName(static_cast<unsigned int>(preset));
+    fprintf(stderr, "PresetsParamVector::Load - slurping %s preset file\n", path.c_str());
+    if (!Slurp(path)) {
+      perror("PresetsParamVector::Load");
+      return false;
+    }
+    unlink(path.c_str());
+    return true;
+  }
+  if (state == kRegisterEmpty) {
+    ClearData();
+    return false;
+  }
+  fprintf(stderr, "PresetsParamVector::Load - unknown result %d\n", static_cast<int>(state));
+  return false;
+}
+
+bool PresetsParamVector::Store(eConfigID_t preset, Config* config) {
+  if (data == nullptr || size == 0) return false;
+  if (config == nullptr) {
+    fprintf(stderr, "PresetsParamVector::Store - failed to get current config\n");
+    return false;
+  }
+  std::string path = PresetFileName(static_cast<unsigned int>(preset));
+  if (!File::write_file(path, data, size)) {
+    perror("PresetsParamVector::Save");
+    return false;
+  }
+  config->Set(kRegisterStoreResultParamID, kRegisterInProgress);
+  config->Set(kRegisterStoreParamID, static_cast<unsigned int>(preset));
+  std::vector<unsigned int> good = {kRegisterDone};
+  std::vector<unsigned int> errors = {kRegisterFailed, kRegisterEmpty};
+  bool stored = WaitForStates(config, kRegisterStoreResultParamID, good, errors, waitTimeoutMs);
+  if (!stored) fprintf(stderr, "PresetsParamVector::Store - WaitForState failed\n");
+  unlink(path.c_str());
+  return stored;
 }
 
 }  // namespace values
