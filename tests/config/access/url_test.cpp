@@ -1,0 +1,45 @@
+#include "config/access/url.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+using zyn::config::access::url;
+
+TEST(UrlTest, SplitsSchemeHostAndPortIgnoringTheRest) {
+  url parsed;
+  EXPECT_TRUE(parsed.parse("socket://127.0.0.1:43110/caching=true"));
+  EXPECT_EQ("socket", parsed.scheme);
+  EXPECT_EQ("127.0.0.1", parsed.host);
+  EXPECT_EQ("43110", parsed.port);
+}
+
+TEST(UrlTest, FewerThanThreeWordsLeaveTheFieldsUnchanged) {
+  url parsed;
+  ASSERT_TRUE(parsed.parse("tcp://host:1"));
+  CaptureStderr();
+  EXPECT_FALSE(parsed.parse("socket://127.0.0.1"));
+  EXPECT_FALSE(parsed.parse("::://"));
+  EXPECT_EQ(
+      "url::parse - unable to parse url, found 2 matches\n"
+      "url::parse - unable to parse url, found 0 matches\n",
+      GetCapturedStderr());
+  EXPECT_EQ("tcp", parsed.scheme);
+  EXPECT_EQ("host", parsed.host);
+  EXPECT_EQ("1", parsed.port);
+}
+
+TEST(UrlTest, OverlongTextIsBounded) {
+  url parsed;
+  std::string host(150, 'h');
+  EXPECT_TRUE(parsed.parse("s://" + host + ":9"));
+  EXPECT_EQ(std::string(url::kMaxWord, 'h'), parsed.host) << "a word keeps at most 99 bytes";
+  EXPECT_EQ(std::string(150 - url::kMaxWord, 'h'), parsed.port) << "and the rest moves on";
+
+  CaptureStderr();
+  EXPECT_FALSE(parsed.parse(std::string(url::kMaxText, '/') + "a://b:1"));
+  EXPECT_EQ("url::parse - unable to parse url, found 0 matches\n", GetCapturedStderr())
+      << "only the first kMaxText bytes are read";
+}
