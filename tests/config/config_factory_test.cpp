@@ -2,6 +2,8 @@
 // in-process store.
 #include <gtest/gtest.h>
 
+#include "test_stderr.h"
+
 #include "config/config_factory_impl.h"
 #include "config/config_uri.h"
 #include "config/local_config_factory.h"
@@ -24,13 +26,6 @@ class BareConfig : public Config {
   bool Set(eParam_t, std::string) override { return false; }
   bool Get(eParam_t, std::string&) override { return false; }
 };
-
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 }  // namespace
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "test_stderr.h"
+
 #include <atomic>
 #include <thread>
 
@@ -15,13 +17,6 @@
 using namespace test_catalogue;
 
 namespace {
-
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 // A store of the test catalogue, initialised like the factory does it.
 class ConfigManagerTest : public testing::Test {

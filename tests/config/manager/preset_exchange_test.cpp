@@ -1,6 +1,8 @@
 // Loading and storing a preset through a real store, with a second thread
 // playing the owner of the settings.
 #include <gtest/gtest.h>
+
+#include "test_stderr.h"
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,13 +19,6 @@
 using namespace zyn::config::values;
 
 namespace {
-
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 void RegisterPresetParameters() {
   static bool done = false;

@@ -2,20 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "test_stderr.h"
+
 #include "config/values/factories.h"
 #include "config/values/integer_value.h"
 #include "config/values/presets_param_vector.h"
 #include "config/values/vector.h"
 
 namespace {
-
-// Runs `body` with standard error captured and returns what it printed.
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 // Puts the registry back into its built-in state for the next test.
 class ClassFactoryTest : public testing::Test {

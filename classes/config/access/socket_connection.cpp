@@ -1,0 +1,508 @@
+#include "config/access/socket_connection.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <condition_variable>
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+#include <set>
+#include <vector>
+
+#include "config/access/connection_utilities.h"
+#include "config/access/socket.h"
+#include "config/access/stream_io.h"
+#include "config/config_factory_impl.h"
+#include "config/values/integer_value.h"
+#include "config/values/string_value.h"
+#include "support/semaphore_helper.h"
+
+namespace zyn {
+namespace config {
+namespace access {
+
+namespace {
+
+// Every live connection of the process, for a clean shutdown.
+struct LiveConnections {
+  std::mutex lock;
+  std::condition_variable gone;
+  std::set<SocketConnection*> all;
+};
+
+LiveConnections& Live() {
+  static LiveConnections* live = new LiveConnections();
+  return *live;
+}
+
+// The symbolic names of the requests the connection reads, for its messages.
+const char* SymbolicName(uint32_t msgtype) {
+  switch (msgtype) {
+    case XCFG_CONNECT_REQUEST:
+      return "XCFG_CONNECT_REQUEST";
+    case XCFG_DISCONNECT_REQUEST:
+      return "XCFG_DISCONNECT_REQUEST";
+    case XCFG_GET_PARAM_REQUEST:
+      return "XCFG_GET_PARAM_REQUEST";
+    case XCFG_SET_PARAM_REQUEST:
+      return "XCFG_SET_PARAM_REQUEST";
+    case XCFG_GET_STREAM_PARAM_REQUEST:
+      return "XCFG_GET_STREAM_PARAM_REQUEST";
+    case XCFG_SET_STREAM_PARAM_REQUEST:
+      return "XCFG_SET_STREAM_PARAM_REQUEST";
+    case XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST:
+      return "XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST";
+    case XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST:
+      return "XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST";
+    default:
+      return "N/A";
+  }
+}
+
+// A response header answering `request`: the request's fields echoed under
+// the response's code.
+XCONFIGMGR_HEADER_T Answer(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype) {
+  XCONFIGMGR_HEADER_T header = request;
+  header.msgtype = msgtype;
+  header.bufferSize = kXConfigBufferSize;
+  return header;
+}
+
+// The error a Connect Response carries when the store cannot be opened.
+constexpr uint32_t kStoreUnavailable = 1;
+
+}  // namespace
+
+SocketConnection::SocketConnection(Socket* socket)
+    : _store(nullptr),
+      _socket(socket),
+      _fd(socket->get_fd()),
+      _connection_id(0),
+      _registered(false),
+      _listening(false),
+      _stop(false),
+      _broken(false) {
+  SemaphoreHelper::InitSemaphore(&_send_lock);
+  // A client that stops reading must not hold the store's writers for long.
+  _socket->set_send_timeout(kSendTimeoutMs);
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  live.all.insert(this);
+}
+
+SocketConnection::~SocketConnection() {
+  {
+    LiveConnections& live = Live();
+    std::lock_guard<std::mutex> hold(live.lock);
+    live.all.erase(this);
+    live.gone.notify_all();
+  }
+  delete _socket;
+  SemaphoreHelper::DestroySemaphore(&_send_lock);
+}
+
+int SocketConnection::LiveCount() {
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  return static_cast<int>(live.all.size());
+}
+
+void SocketConnection::StopAll() {
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  for (SocketConnection* connection : live.all) connection->Stop();
+}
+
+bool SocketConnection::WaitForAll(long timeoutMs) {
+  LiveConnections& live = Live();
+  std::unique_lock<std::mutex> hold(live.lock);
+  return live.gone.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                            [&live] { return live.all.empty(); });
+}
+
+bool SocketConnection::Start() {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_attr_setstacksize(&attributes, kThreadStackSize);
+  pthread_t thread;
+  int rc = pthread_create(&thread, &attributes, pthread_start, this);
+  pthread_attr_destroy(&attributes);
+  if (rc != 0) {
+    errno = rc;
+    perror("SocketConnection::Start");
+    fprintf(stderr, "SocketConnection::Start - pthread_create failed\n");
+    return false;
+  }
+  return true;
+}
+
+void* SocketConnection::pthread_start(void* arg) {
+  SocketConnection* connection = static_cast<SocketConnection*>(arg);
+  connection->Run();
+  delete connection;
+  return nullptr;
+}
+
+void SocketConnection::Stop() {
+  _stop = true;
+  ::shutdown(_fd, SHUT_RDWR);  // wakes the blocked read
+}
+
+void SocketConnection::Run() {
+  ProcessMessages();
+  ReleaseStore();
+}
+
+void SocketConnection::ReleaseStore() {
+  if (_store == nullptr) return;
+  if (_listening) _store->RemoveConfigEventListener(this);
+  _listening = false;
+  ConfigFactoryImpl::GetInstance()->Disconnect(_store);
+  _store = nullptr;
+}
+
+void SocketConnection::ProcessMessages() {
+  char record[sizeof(XCONFIGMGR_REQUEST_T)];
+  while (!_stop) {
+    long n = RecvExact(_fd, record, 4);
+    if (n == 0) break;  // the client has gone
+    if (n != 4) {
+      fprintf(stderr, "SocketConnection::ProcessMessages - error calling recv for message type "
+                      "(connection pid = 0x%X)\n",
+              _connection_id);
+      break;
+    }
+    uint32_t msgtype = PeekMessageType(record);
+    size_t size = LocalRequestSize(msgtype);
+    if (size == 0) {
+      fprintf(stderr, "SocketConnection::ProcessMessages - Unknown message type %d\n",
+              static_cast<int>(msgtype));
+      break;
+    }
+    n = RecvExact(_fd, record + 4, size - 4);
+    if (n != static_cast<long>(size - 4)) {
+      fprintf(stderr,
+              "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = "
+              "0x%X)\n",
+              SymbolicName(msgtype), _connection_id);
+      break;
+    }
+    if (!Dispatch(msgtype, record)) break;
+  }
+}
+
+bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
+  if (msgtype == XCFG_CONNECT_REQUEST || msgtype == XCFG_DISCONNECT_REQUEST) {
+    XCONFIGMGR_CONNECTION_REQUEST_T request;
+    Unpack(record, request);
+    ConnectionUtilities::Dump(request);
+    if (msgtype == XCFG_CONNECT_REQUEST) return ProcessConnectRequest(request);
+    if (_store == nullptr) return false;
+    return ProcessDisconnectRequest(request);
+  }
+  // Every other request needs the store a Connect Request opens first.
+  if (_store == nullptr) {
+    fprintf(stderr, "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+                    "(connection pid = 0x%X)\n",
+            SymbolicName(msgtype), _connection_id);
+    return false;
+  }
+  if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
+      msgtype == XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST) {
+    XCONFIGMGR_EVENT_HANDLER_REQUEST_T request;
+    Unpack(record, request);
+    ConnectionUtilities::Dump(request);
+    return msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST
+               ? ProcessAddConfigEventListenerRequest(request)
+               : ProcessRemoveConfigEventListenerRequest(request);
+  }
+  XCONFIGMGR_REQUEST_T request;
+  Unpack(record, request);
+  ConnectionUtilities::Dump(request);
+  switch (msgtype) {
+    case XCFG_GET_PARAM_REQUEST:
+      return ProcessGetRequest(request);
+    case XCFG_SET_PARAM_REQUEST:
+      return ProcessSetRequest(request);
+    case XCFG_GET_STREAM_PARAM_REQUEST:
+      return ProcessGetStreamRequest(request);
+    default:
+      return ProcessSetStreamRequest(request);
+  }
+}
+
+bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
+  ReleaseStore();  // a second Connect Request moves the connection to its store
+  {
+    SemaphoreHelper lock(&_send_lock);
+    _connection_id = request.header.connectionID;
+  }
+  std::string uri = "local:configid=" + std::to_string(static_cast<int>(request.header.configID));
+  _store = ConfigFactoryImpl::GetInstance()->Connect(uri);
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{Answer(request.header, XCFG_CONNECT_RESPONSE),
+                                            _store != nullptr ? 0u : kStoreUnavailable};
+  if (!SendRecord(response))
+    fprintf(stderr, "SocketConnection::ProcessConnectRequest - unable to send response\n");
+  return true;
+}
+
+bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{Answer(request.header, XCFG_DISCONNECT_RESPONSE), 0};
+  if (!SendRecord(response)) {
+    perror("SocketConnection::ProcessDisconnectRequest - unable to send response");
+    fprintf(stderr, "SocketConnection::ProcessDisconnectRequest: unable to send response\n");
+  }
+  return true;
+}
+
+bool SocketConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
+  unsigned int value = _store->Get(request.paramID);
+  XCONFIGMGR_RESPONSE_T response{Answer(request.header, XCFG_GET_PARAM_RESPONSE),
+                                 request.paramID, 0, value, 0, 0};
+  if (!SendRecord(response))
+    fprintf(stderr, "SocketConnection::ProcessGetRequest - _socket->send failed\n");
+  return true;
+}
+
+bool SocketConnection::ProcessSetRequest(const XCONFIGMGR_REQUEST_T& request) {
+  _store->Set(request.paramID, request.value);  // never answered
+  return true;
+}
+
+bool SocketConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  SendStreamResponse(request);
+  return true;
+}
+
+bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0) {
+    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    return true;
+  }
+  // A payload longer than any value cannot be skipped safely: the stream
+  // cannot be resynchronised, so the connection ends.
+  if (request.streamLength > kXConfigStreamBufferSize) {
+    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    return false;
+  }
+  std::vector<char> payload(request.streamLength);
+  if (RecvExact(_fd, payload.data(), payload.size()) != static_cast<long>(payload.size())) {
+    perror("SocketConnection::ProcessSetStreamRequest");
+    return false;
+  }
+  ConnectionUtilities::Dump(request, payload.data(), payload.size());
+  ConfigValue* value = DecodePayload(payload.data(), payload.size());
+  int result = value != nullptr ? DoSetRequest(value) : 0;
+  delete value;
+  if (result == 0) {
+    XCONFIGMGR_RESPONSE_T response{Answer(request.header, XCFG_SET_STREAM_PARAM_RESPONSE),
+                                   request.paramID, kXConfigSetStringError, 0, 0, 0};
+    SendErrorResponse(response);
+  }
+  return true;
+}
+
+int SocketConnection::DoSetRequest(ConfigValue* value) {
+  switch (value->GetClassID()) {
+    case eClassID_IntegerValue: {
+      IntegerValue* integer = dynamic_cast<IntegerValue*>(value);
+      if (integer == nullptr) {
+        fprintf(stderr,
+                "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
+        return 0;
+      }
+      unsigned int v;
+      integer->Get(v);
+      return _store->Set(integer->GetParamID(), v);
+    }
+    case eClassID_StringValue: {
+      StringValue* text = dynamic_cast<StringValue*>(value);
+      if (text == nullptr) {
+        fprintf(stderr,
+                "SocketConnection::DoSetRequest - type error, configValue is not a StringValue\n");
+        return 0;
+      }
+      std::string v;
+      text->Get(v);
+      return _store->Set(text->GetParamID(), v);
+    }
+    default:
+      fprintf(stderr, "SocketConnection::DoSetRequest - returning error (unsupported classID)\n");
+      return 0;
+  }
+}
+
+bool SocketConnection::ProcessAddConfigEventListenerRequest(
+    const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
+  {
+    SemaphoreHelper lock(&_send_lock);
+    if (request.paramID == 0) {
+      _filter.clear();
+    } else if (std::find(_filter.begin(), _filter.end(), request.paramID) == _filter.end()) {
+      _filter.push_back(request.paramID);
+    }
+    _registered = true;
+  }
+  // Joining the store's listeners happens outside _send_lock: a writer
+  // notifying holds the store's listener lock and then takes _send_lock.
+  if (!_listening) {
+    _listening = true;
+    _store->AddConfigEventListener(this);
+  }
+  return true;
+}
+
+bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
+    const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{
+      Answer(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
+  SemaphoreHelper lock(&_send_lock);
+  _registered = false;  // the filter and the store registration are kept
+  if (!SendRecordLocked(response))
+    fprintf(stderr,
+            "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+            "response!\n");
+  return true;
+}
+
+bool SocketConnection::WantsEvent(unsigned int paramID) {
+  if (!_registered || _broken) return false;
+  return _filter.empty() || std::find(_filter.begin(), _filter.end(), paramID) != _filter.end();
+}
+
+bool SocketConnection::ParamChanged(unsigned int paramID, unsigned int value, timeval) {
+  SemaphoreHelper lock(&_send_lock);
+  if (!WantsEvent(paramID)) return true;
+  XCONFIGMGR_RESPONSE_T event{
+      MakeHeader(XCFG_PARAM_CHANGED_EVENT, _connection_id, kXConfigEventRequestID,
+                 static_cast<uint32_t>(_store->GetConfigID())),
+      paramID, 0, value, 0, kXConfigStreamBufferSize};
+  if (!SendRecordLocked(event)) {
+    perror("SocketConnection::ParamChanged - unable to send event to socket");
+    return false;
+  }
+  return true;
+}
+
+bool SocketConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
+  SemaphoreHelper lock(&_send_lock);
+  if (!WantsEvent(paramID)) return true;
+  // The payload is the store's value at the time of sending.
+  XCONFIGMGR_REQUEST_T event{
+      MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, _connection_id, kXConfigEventRequestID,
+                 static_cast<uint32_t>(_store->GetConfigID())),
+      paramID, 0, 0, 0};
+  std::vector<char> bytes;
+  if (!BuildStreamResponse(event, bytes) || !SendLocked(bytes.data(), bytes.size())) {
+    fprintf(stderr,
+            "SocketConnection::ParamChanged - call to SendStreamResponse failed, unable to send "
+            "event to %d\n",
+            static_cast<int>(_connection_id));
+    return false;
+  }
+  return true;
+}
+
+bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
+                                           std::vector<char>& bytes) {
+  uint32_t msgtype;
+  switch (request.header.msgtype) {
+    case XCFG_GET_STREAM_PARAM_REQUEST:
+      msgtype = XCFG_GET_STREAM_PARAM_RESPONSE;
+      break;
+    case XCFG_SET_STREAM_PARAM_REQUEST:
+      msgtype = XCFG_SET_STREAM_PARAM_RESPONSE;
+      break;
+    case XCFG_PARAM_STREAM_CHANGED_EVENT:
+      msgtype = XCFG_PARAM_STREAM_CHANGED_EVENT;
+      break;
+    default:
+      fprintf(stderr, "SocketConnection::SendStreamResponse - Invalid msgtype\n");
+      return false;
+  }
+  ConfigValue* value = dynamic_cast<ConfigValue*>(_store->GetSerializable(request.paramID));
+  if (value == nullptr) {
+    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    return false;
+  }
+  std::vector<char> payload = EncodePayload(value);
+  if (payload.empty()) {
+    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    return false;
+  }
+  XCONFIGMGR_RESPONSE_T response{Answer(request.header, msgtype), request.paramID, 0, 0,
+                                 static_cast<uint32_t>(payload.size()),
+                                 kXConfigStreamBufferSize};
+  bytes.resize(sizeof response + payload.size());
+  Pack(response, bytes.data());
+  memcpy(bytes.data() + sizeof response, payload.data(), payload.size());
+  ConnectionUtilities::Dump(response, payload.data(), payload.size());
+  return true;
+}
+
+bool SocketConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& request) {
+  std::vector<char> bytes;
+  if (!BuildStreamResponse(request, bytes)) return false;
+  if (!Send(bytes.data(), bytes.size())) {
+    perror("SendStreamResponse: socket send failed");
+    return false;
+  }
+  return true;
+}
+
+bool SocketConnection::SendErrorResponse(XCONFIGMGR_RESPONSE_T& response) {
+  response.streamLength = 0;
+  response.streamBufferSize = 0;
+  return SendError(response);
+}
+
+bool SocketConnection::SendErrorResponse(XCONFIGMGR_CONNECTION_RESPONSE_T& response) {
+  return SendError(response);
+}
+
+template <typename Response>
+bool SocketConnection::SendError(const Response& response) {
+  if (response.error == 0) fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+  if (!SendRecord(response)) {
+    perror("SendErrorResponse: mq_send failed");
+    return false;
+  }
+  return true;
+}
+
+template <typename Record>
+bool SocketConnection::SendRecord(const Record& record) {
+  SemaphoreHelper lock(&_send_lock);
+  return SendRecordLocked(record);
+}
+
+template <typename Record>
+bool SocketConnection::SendRecordLocked(const Record& record) {
+  char bytes[sizeof(Record)];
+  Pack(record, bytes);
+  ConnectionUtilities::Dump(record);
+  return SendLocked(bytes, sizeof bytes);
+}
+
+bool SocketConnection::Send(const char* bytes, size_t length) {
+  SemaphoreHelper lock(&_send_lock);
+  return SendLocked(bytes, length);
+}
+
+bool SocketConnection::SendLocked(const char* bytes, size_t length) {
+  if (_broken) return false;
+  if (SendAll(_fd, bytes, length)) return true;
+  // A failed or timed-out send leaves the stream mid-record: the client is
+  // cut off and the reading loop ends.
+  _broken = true;
+  _registered = false;
+  ::shutdown(_fd, SHUT_RDWR);
+  return false;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn

@@ -1,0 +1,124 @@
+#include "config/access/socket_factory.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "config/access/connection_utilities.h"
+#include "config/access/socket.h"
+#include "config/access/socket_client.h"
+#include "config/access/stream_io.h"
+#include "config/access/url.h"
+#include "config/access/xconfigmgr_records.h"
+#include "support/semaphore_helper.h"
+
+namespace zyn {
+namespace config {
+namespace access {
+
+SocketFactory::SocketFactory() : _request_counter(0) { SemaphoreHelper::InitSemaphore(&_semaphore); }
+
+SocketFactory::~SocketFactory() { SemaphoreHelper::DestroySemaphore(&_semaphore); }
+
+SocketClient* SocketFactory::Connect(std::string uri) {
+  url parts;
+  parts.parse(uri);
+  int port = kXConfigPort;
+  if (!parts.port.empty()) port = atoi(parts.port.c_str());
+  std::string host = parts.host;
+
+  int configID = 0;
+  size_t at = uri.find("configid=");
+  int matches = at == std::string::npos ? 0 : sscanf(uri.c_str() + at, "configid=%d", &configID);
+  if (matches != 1) {
+    fprintf(stderr, "SocketFactory::Connect - unable to read configid, matches = %d, uri = %s\n",
+            matches, uri.c_str());
+    configID = 0;
+  } else {
+    fprintf(stderr, "SocketFactory::Connect - connecting to configid %d\n", configID);
+  }
+
+  unsigned int connectionID = ConnectionUtilities::GetConnectionID();
+  Socket* socket = new Socket(Socket::kInternetDomain, Socket::kStream);
+  if (!socket->create()) {
+    fprintf(stderr, "SocketFactory::Connect - failed to create socket\n");
+    delete socket;
+    return nullptr;
+  }
+  if (!socket->connect(host, port)) {
+    fprintf(stderr, "SocketFactory::Connect - failed to connect to host %s, port %d\n",
+            host.c_str(), port);
+    delete socket;
+    return nullptr;
+  }
+  eConfigID_t id = static_cast<eConfigID_t>(configID);
+  if (!ConfirmConnection(socket, connectionID, id)) {
+    fprintf(stderr, "SocketFactory::Connect - failed to confirm connection with host %s\n",
+            host.c_str());
+    delete socket;
+    return nullptr;
+  }
+  return new SocketClient(connectionID, socket, &_semaphore, _request_counter, id);
+}
+
+bool SocketFactory::ConfirmConnection(Socket* socket, unsigned int connectionID,
+                                      eConfigID_t configID) {
+  return ConnectionExchange(socket, XCFG_CONNECT_REQUEST, XCFG_CONNECT_RESPONSE, connectionID,
+                            configID);
+}
+
+bool SocketFactory::ConfirmDisconnect(Socket* socket, unsigned int connectionID,
+                                      eConfigID_t configID) {
+  return ConnectionExchange(socket, XCFG_DISCONNECT_REQUEST, XCFG_DISCONNECT_RESPONSE,
+                            connectionID, configID);
+}
+
+bool SocketFactory::ConnectionExchange(Socket* socket, uint32_t msgtype, uint32_t expected,
+                                       unsigned int connectionID, eConfigID_t configID) {
+  SemaphoreHelper lock(&_semaphore);
+  XCONFIGMGR_CONNECTION_REQUEST_T request{
+      MakeHeader(msgtype, connectionID, static_cast<uint32_t>(_request_counter++),
+                 static_cast<uint32_t>(configID))};
+  char bytes[sizeof request];
+  Pack(request, bytes);
+  ConnectionUtilities::Dump(request);
+  if (!SendAll(socket->get_fd(), bytes, sizeof bytes)) {
+    fprintf(stderr, "SocketFactory::ConfirmConnection: send failed\n");
+    return false;
+  }
+  char answer[sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)];
+  if (RecvExact(socket->get_fd(), answer, sizeof answer) != static_cast<long>(sizeof answer)) {
+    perror("SocketFactory::ConfirmConnection - receive failed\n");
+    fprintf(stderr, "SocketFactory::ConfirmConnection - receive for connectionID %X failed\n",
+            connectionID);
+    return false;
+  }
+  XCONFIGMGR_CONNECTION_RESPONSE_T response;
+  Unpack(answer, response);
+  ConnectionUtilities::Dump(response);
+  if (response.header.msgtype != expected) {
+    fprintf(stderr, "SocketFactory::ConfirmConnection: unexpected msgtype == %d\n",
+            static_cast<int>(response.header.msgtype));
+    return false;
+  }
+  if (!IsValidResponse(request.header, response.header)) {
+    fprintf(stderr, "SocketFactory::ConfirmConnection: mismatched msgInfo\n");
+    return false;
+  }
+  if (response.error != 0) {
+    fprintf(stderr, "SocketFactory::ConfirmConnection: server responded with error %d\n",
+            static_cast<int>(response.error));
+    return false;
+  }
+  return true;
+}
+
+void SocketFactory::Disconnect(SocketClient* client) {
+  if (client == nullptr) return;
+  client->ConfirmDisconnect();
+  delete client;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn

@@ -1,0 +1,56 @@
+// SocketFactory opens clients of the local configuration protocol: for a
+// "socket://host:port" URI (with an optional "configid=N") it connects,
+// confirms the connection with a Connect Request and returns a SocketClient.
+// The factory owns the request counter and the semaphore that it and all of
+// its clients share: one exchange at a time per factory, so a program that
+// wants parallel requests uses one factory per thread.
+//
+// Clients must be released with Disconnect (or deleted) before the factory
+// is destroyed.
+#ifndef CLASSES_CONFIG_ACCESS_SOCKET_FACTORY_H
+#define CLASSES_CONFIG_ACCESS_SOCKET_FACTORY_H
+
+#include <semaphore.h>
+
+#include <string>
+
+#include "config/config_types.h"
+
+class Socket;
+
+namespace zyn {
+namespace config {
+namespace access {
+
+class SocketClient;
+
+class SocketFactory {
+ public:
+  SocketFactory();
+  virtual ~SocketFactory();
+  SocketFactory(const SocketFactory&) = delete;
+  SocketFactory& operator=(const SocketFactory&) = delete;
+
+  // A connected, confirmed client owned by the caller, or null with a
+  // message.
+  SocketClient* Connect(std::string uri);
+  // Sends Connect Request and checks the 28-byte answer.
+  bool ConfirmConnection(Socket* socket, unsigned int connectionID, eConfigID_t configID);
+  // Sends Disconnect Request and checks the answer.
+  bool ConfirmDisconnect(Socket* socket, unsigned int connectionID, eConfigID_t configID);
+  // Says goodbye for the client, stops its events thread and destroys it.
+  void Disconnect(SocketClient* client);
+
+ private:
+  bool ConnectionExchange(Socket* socket, uint32_t msgtype, uint32_t expected,
+                          unsigned int connectionID, eConfigID_t configID);
+
+  int _request_counter;  // guarded by _semaphore
+  sem_t _semaphore;
+};
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn
+
+#endif  // CLASSES_CONFIG_ACCESS_SOCKET_FACTORY_H

@@ -1,0 +1,106 @@
+#include "config/access/socket_server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <unistd.h>
+
+#include "config/access/socket.h"
+#include "config/access/socket_connection.h"
+
+namespace zyn {
+namespace config {
+namespace access {
+
+SocketServer::SocketServer(int port)
+    : _socket(nullptr), _stop(false), _port(port), _listen_fd(-1), _thread() {}
+
+SocketServer::~SocketServer() { delete _socket; }
+
+bool SocketServer::Init() {
+  delete _socket;
+  _socket = new Socket(Socket::kInternetDomain, Socket::kStream);
+  if (_socket == nullptr) {
+    fprintf(stderr, "SocketServer::Init - failed to new Socket\n");
+    return false;
+  }
+  if (!_socket->create()) {
+    fprintf(stderr, "SocketServer::Init - failed to create Socket\n");
+    return false;
+  }
+  if (!_socket->bind(_port)) {
+    fprintf(stderr, "SocketServer::Init - failed to bind Socket\n");
+    return false;
+  }
+  if (!_socket->listen()) {
+    fprintf(stderr, "SocketServer::Init - listen failed\n");
+    return false;
+  }
+  _listen_fd = _socket->get_fd();
+  // Port 0 asks the system for a free port; remember which one it gave.
+  sockaddr_in bound{};
+  socklen_t length = sizeof bound;
+  if (getsockname(_listen_fd, reinterpret_cast<sockaddr*>(&bound), &length) == 0)
+    _port = ntohs(bound.sin_port);
+  return true;
+}
+
+bool SocketServer::Start() {
+  int rc = pthread_create(&_thread, nullptr, pthread_start, this);
+  if (rc != 0) {
+    errno = rc;
+    perror("configd::main");
+    fprintf(stderr, "SocketServer::Start - pthread_create failed\n");
+    return false;
+  }
+  return true;
+}
+
+void* SocketServer::pthread_start(void* arg) {
+  SocketServer* server = static_cast<SocketServer*>(arg);
+  server->Run();
+  delete server;
+  return nullptr;
+}
+
+void SocketServer::Run() {
+  while (!_stop) {
+    SocketConnection* connection = WaitForConnection();
+    if (connection == nullptr) {
+      // Out of descriptors or a transient error: do not spin.
+      if (!_stop) usleep(1000);
+      continue;
+    }
+    if (!connection->Start()) {
+      fprintf(stderr, "SocketServer::Run - unable to start connection\n");
+      delete connection;
+      if (_stop) break;
+    }
+  }
+  fprintf(stderr, "SocketServer::Run - exiting\n");
+}
+
+void SocketServer::Stop() {
+  fprintf(stderr, "SocketServer::Stop - called\n");
+  // Shutting the listening socket down makes the waiting accept fail; the
+  // server thread closes it when it leaves. The flag is set last: once it
+  // is, the thread may delete the server at any moment.
+  if (_listen_fd >= 0) ::shutdown(_listen_fd, SHUT_RDWR);
+  _stop = true;
+}
+
+SocketConnection* SocketServer::WaitForConnection() {
+  Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
+  if (!_socket->accept(accepted)) {
+    delete accepted;
+    return nullptr;
+  }
+  return new SocketConnection(accepted);
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn

@@ -1,0 +1,62 @@
+// SocketServer accepts clients of the local configuration protocol on a TCP
+// port (43110 for the local transport) and hands each to a SocketConnection
+// running on a thread of its own.
+//
+// Lifecycle: SocketServer(port) -> Init (bound, listening) -> Start (the
+// server thread runs the accept loop) -> Stop (stop flag set, listening
+// socket shut) -> the server thread leaves Run and deletes the server.
+// After Start the server object belongs to its thread: keep only the thread
+// handle (GetThread) to join it after Stop. Stop may be called from any
+// thread; connections already accepted are not affected
+// (SocketConnection::StopAll ends them).
+#ifndef CLASSES_CONFIG_ACCESS_SOCKET_SERVER_H
+#define CLASSES_CONFIG_ACCESS_SOCKET_SERVER_H
+
+#include <pthread.h>
+
+#include <atomic>
+
+#include "support/runnable.h"
+
+class Socket;
+
+namespace zyn {
+namespace config {
+namespace access {
+
+class SocketConnection;
+
+class SocketServer : public Runnable {
+ public:
+  explicit SocketServer(int port);
+  ~SocketServer() override;
+
+  // The accept loop; ends with "SocketServer::Run - exiting".
+  void Run() override;
+  // Creates, binds (every interface) and listens. False with a message.
+  virtual bool Init();
+  // Starts the server thread; from then on the thread owns the server.
+  virtual bool Start();
+  virtual void Stop();
+
+  // The next accepted client, or null.
+  SocketConnection* WaitForConnection();
+  // The port actually bound (useful when constructed with port 0).
+  int GetPort() const { return _port; }
+  pthread_t GetThread() const { return _thread; }
+
+ private:
+  static void* pthread_start(void* arg);
+
+  Socket* _socket;
+  std::atomic<bool> _stop;
+  int _port;
+  int _listen_fd;
+  pthread_t _thread;
+};
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn
+
+#endif  // CLASSES_CONFIG_ACCESS_SOCKET_SERVER_H

@@ -1,0 +1,36 @@
+#include "config/access/stream_io.h"
+
+#include <sys/socket.h>
+
+#include <cerrno>
+
+namespace zyn {
+namespace config {
+namespace access {
+
+long RecvExact(int fd, char* buffer, size_t length) {
+  size_t got = 0;
+  while (got < length) {
+    ssize_t n = ::recv(fd, buffer + got, length - got, MSG_NOSIGNAL);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return -1;
+    if (n == 0) break;
+    got += static_cast<size_t>(n);
+  }
+  return static_cast<long>(got);
+}
+
+bool SendAll(int fd, const char* buffer, size_t length) {
+  size_t sent = 0;
+  while (sent < length) {
+    ssize_t n = ::send(fd, buffer + sent, length - sent, MSG_NOSIGNAL);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    sent += static_cast<size_t>(n);
+  }
+  return true;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace zyn

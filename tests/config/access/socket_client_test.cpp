@@ -1,0 +1,194 @@
+// The client side: SocketFactory and SocketClient against a real server.
+#include "config/access/socket_client.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "config/access/socket_factory.h"
+#include "loopback_server.h"
+
+using namespace zyn::config::access;
+using namespace test_catalogue;
+
+namespace {
+
+// Records delivered events and lets a test wait for a number of them.
+class WaitingListener : public ConfigEventListener {
+ public:
+  bool ParamChanged(eParam_t id, unsigned int value, timeval when) override {
+    std::lock_guard<std::mutex> hold(lock);
+    seen.push_back(std::to_string(id - 0xFEEDC000) + "=" + std::to_string(value));
+    stamped = stamped && when.tv_sec != 0;
+    arrived.notify_all();
+    return true;
+  }
+  bool ParamChanged(eParam_t id, std::string value, timeval) override {
+    std::lock_guard<std::mutex> hold(lock);
+    seen.push_back(std::to_string(id - 0xFEEDC000) + "='" + value + "'");
+    arrived.notify_all();
+    return true;
+  }
+  std::vector<std::string> WaitFor(size_t count, int timeoutMs = 5000) {
+    std::unique_lock<std::mutex> hold(lock);
+    arrived.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                     [&] { return seen.size() >= count; });
+    return seen;
+  }
+
+  std::mutex lock;
+  std::condition_variable arrived;
+  std::vector<std::string> seen;
+  bool stamped = true;
+};
+
+class SocketClientTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    server.store->Set(kPercent, 50);
+    server.store->Set(kName, std::string("unit"));
+    uri = "socket://127.0.0.1:" + std::to_string(server.port) + "/configid=0";
+  }
+  SocketClient* Open() {
+    testing::internal::CaptureStderr();
+    SocketClient* client = factory.Connect(uri);
+    testing::internal::GetCapturedStderr();
+    EXPECT_NE(nullptr, client);
+    return client;
+  }
+  LoopbackServer server;
+  SocketFactory factory;
+  std::string uri;
+};
+
+}  // namespace
+
+TEST_F(SocketClientTest, RequestsInOrder) {
+  SocketClient* client = Open();
+  ASSERT_NE(nullptr, client);
+  EXPECT_EQ(50u, client->Get(kPercent));
+  EXPECT_TRUE(client->Set(kPercent, 70));
+  EXPECT_EQ(70u, client->Get(kPercent)) << "a Get after a Set on one connection sees it";
+  unsigned int value = 0;
+  EXPECT_TRUE(client->Get(kPercent, value));
+  EXPECT_EQ(70u, value);
+
+  std::string text;
+  EXPECT_TRUE(client->Get(kName, text));
+  EXPECT_EQ("unit", text);
+  EXPECT_TRUE(client->Set(kName, std::string("Rack 4")));
+  EXPECT_TRUE(client->Get(kName, text));
+  EXPECT_EQ("Rack 4", text);
+
+  // A refused string set is answered later; the next exchange skips it.
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(client->Set(kPercent, std::string("not a number")));
+  EXPECT_EQ(70u, client->Get(kPercent));
+  EXPECT_FALSE(client->Get(kPercent, text)) << "an integer parameter has no string";
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, err.find("store refused the value of paramID 0xFEEDC001"));
+  EXPECT_EQ(50u + 20u, client->Get(kPercent)) << "the connection is still in step";
+  EXPECT_EQ(0u, client->Get(kUnknown));
+  factory.Disconnect(client);
+}
+
+TEST_F(SocketClientTest, ConnectMessages) {
+  testing::internal::CaptureStderr();
+  SocketClient* client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port));
+  std::string err = testing::internal::GetCapturedStderr();
+  ASSERT_NE(nullptr, client);
+  EXPECT_EQ(0, client->GetConfigID());
+  EXPECT_NE(std::string::npos, err.find("SocketFactory::Connect - unable to read configid, "
+                                        "matches = 0, uri = socket://127.0.0.1:"));
+  factory.Disconnect(client);
+
+  // Nobody listens on the port of a socket that was bound and closed.
+  int free = 0;
+  {
+    LoopbackServer gone;
+    free = gone.port;
+  }
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(nullptr, factory.Connect("socket://127.0.0.1:" + std::to_string(free) + "/configid=0"));
+  err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos,
+            err.find("SocketFactory::Connect - failed to connect to host 127.0.0.1, port " +
+                     std::to_string(free)))
+      << err;
+}
+
+TEST_F(SocketClientTest, ListenersOnAnEventConnection) {
+  SocketClient* events = Open();
+  SocketClient* requests = Open();
+  WaitingListener listener;
+  EXPECT_TRUE(events->AddConfigEventListener(&listener));
+  EXPECT_TRUE(events->AddConfigEventListener(&listener));  // listed once
+  requests->Set(kPercent, 10);
+  requests->Set(kName, std::string("Studio"));
+  EXPECT_EQ((std::vector<std::string>{"1=10", "4='Studio'"}), listener.WaitFor(2));
+  EXPECT_TRUE(listener.stamped) << "events are stamped on arrival";
+
+  // Removing the last listener unregisters (answer 65) and closes the
+  // connection; the server's side of it ends.
+  EXPECT_FALSE(events->RemoveConfigEventListener(&listener));
+  for (int i = 0; i < 300 && SocketConnection::LiveCount() > 1; ++i) usleep(10000);
+  EXPECT_EQ(1, SocketConnection::LiveCount());
+  requests->Set(kPercent, 11);
+  EXPECT_EQ(11u, requests->Get(kPercent));
+  EXPECT_EQ(2u, listener.WaitFor(3, 300).size()) << "no events after removal";
+  delete events;
+  factory.Disconnect(requests);
+}
+
+TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
+  SocketClient* events = Open();
+  SocketClient* requests = Open();
+  WaitingListener listener;
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener));
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::string::npos, err.find("WARNING")) << "no global registration yet";
+  requests->Set(kPercent, 12);  // not in the filter
+  requests->Set(kName, std::string("B"));
+  EXPECT_EQ((std::vector<std::string>{"4='B'"}), listener.WaitFor(1));
+
+  // Mixing a global registration with a filtered one is warned about.
+  SocketClient* mixed = Open();
+  WaitingListener other;
+  testing::internal::CaptureStderr();
+  mixed->AddConfigEventListener(&other);
+  mixed->AddConfigEventListener(kPercent, &other);
+  err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, err.find("SocketClient::AddConfigEventListener - WARNING: use "
+                                        "either filtered or global event registration, not "
+                                        "both\n"));
+  factory.Disconnect(mixed);
+  // Disconnecting an event connection: the events thread hands the
+  // Disconnect Response over and ends.
+  EXPECT_TRUE(events->ConfirmDisconnect());
+  delete events;
+  factory.Disconnect(requests);
+}
+
+TEST_F(SocketClientTest, WaitForConfigEvent) {
+  SocketClient* events = Open();
+  SocketClient* requests = Open();
+  std::thread writer([&] {
+    usleep(100000);
+    requests->Set(kPercent, 44);
+  });
+  ConfigEvent event;
+  EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
+  writer.join();
+  EXPECT_EQ(kPercent, event.paramID);
+  EXPECT_EQ(44u, event.intValue);
+  EXPECT_EQ(4u, event.paramType);
+  requests->Set(kName, std::string("W"));
+  EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
+  EXPECT_EQ(12u, event.paramType);
+  EXPECT_EQ("W", event.stringValue);
+  factory.Disconnect(events);
+  factory.Disconnect(requests);
+}

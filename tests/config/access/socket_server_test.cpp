@@ -1,0 +1,282 @@
+// The server side of the local protocol over real loopback sockets, driven
+// by raw peers so every record is checked word for word.
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "config/values/integer_value.h"
+#include "config/values/string_value.h"
+#include "loopback_server.h"
+#include "test_bytes.h"
+
+using namespace zyn::config::access;
+using namespace test_catalogue;
+
+namespace {
+
+constexpr uint32_t kConnection = 0x00051234;
+
+XCONFIGMGR_REQUEST_T Request(uint32_t msgtype, uint32_t requestID, uint32_t paramID,
+                             uint32_t value = 0, uint32_t streamLength = 0) {
+  return XCONFIGMGR_REQUEST_T{MakeHeader(msgtype, kConnection, requestID, 0), paramID, value,
+                              streamLength, 0};
+}
+
+XCONFIGMGR_EVENT_HANDLER_REQUEST_T Listener(uint32_t msgtype, uint32_t paramID) {
+  return XCONFIGMGR_EVENT_HANDLER_REQUEST_T{MakeHeader(msgtype, kConnection, 9, 0), paramID};
+}
+
+// Makes sure the server has handled everything the peer sent so far.
+void Sync(RawPeer& peer) {
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 1000, kRaw));
+  XCONFIGMGR_RESPONSE_T response{};
+  ASSERT_TRUE(peer.ReadRecord(response));
+  ASSERT_EQ(96u, response.header.msgtype);
+}
+
+int OpenDescriptors() {
+  int count = 0;
+  DIR* dir = opendir("/proc/self/fd");
+  while (readdir(dir) != nullptr) ++count;
+  closedir(dir);
+  return count;
+}
+
+class SocketServerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(0, server.port);
+    server.store->Set(kPercent, 50);
+    server.store->Set(kName, std::string("unit"));
+    server.store->Set(kMode, 1);
+  }
+  LoopbackServer server;
+};
+
+}  // namespace
+
+TEST_F(SocketServerTest, ConnectGetSetExchanges) {
+  RawPeer peer(server.port);
+  ASSERT_TRUE(peer.connected);
+  peer.Send(XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(XCFG_CONNECT_REQUEST, kConnection, 7, 0)});
+  XCONFIGMGR_CONNECTION_RESPONSE_T connected{};
+  ASSERT_TRUE(peer.ReadRecord(connected));
+  EXPECT_EQ((std::vector<uint32_t>{32, kConnection, 7, 0, 0, 4096, 0}), WordsOf(connected));
+
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 8, kPercent));
+  XCONFIGMGR_RESPONSE_T got{};
+  ASSERT_TRUE(peer.ReadRecord(got));
+  EXPECT_EQ((std::vector<uint32_t>{96, kConnection, 8, 0, 0, 4096, kPercent, 0, 50, 0, 0}),
+            WordsOf(got));
+
+  // A Set is never answered, and a Get right after it sees its value.
+  peer.Send(Request(XCFG_SET_PARAM_REQUEST, 9, kPercent, 150));
+  EXPECT_TRUE(peer.Read(1, 200).empty()) << "a Set Request got a reply";
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 10, kPercent));
+  ASSERT_TRUE(peer.ReadRecord(got));
+  EXPECT_EQ(100u, got.value) << "clamped by the store";
+  // A refused Set is not answered either.
+  peer.Send(Request(XCFG_SET_PARAM_REQUEST, 11, kMode, 7));
+  EXPECT_TRUE(peer.Read(1, 200).empty());
+
+  peer.Send(
+      XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(XCFG_DISCONNECT_REQUEST, kConnection, 12, 0)});
+  XCONFIGMGR_CONNECTION_RESPONSE_T gone{};
+  ASSERT_TRUE(peer.ReadRecord(gone));
+  EXPECT_EQ((std::vector<uint32_t>{33, kConnection, 12, 0, 0, 4096, 0}), WordsOf(gone));
+}
+
+TEST_F(SocketServerTest, StringExchanges) {
+  RawPeer peer(server.port);
+  ASSERT_EQ(0u, peer.Connect(kConnection));
+  peer.Send(Request(XCFG_GET_STREAM_PARAM_REQUEST, 20, kName));
+  XCONFIGMGR_RESPONSE_T response{};
+  ASSERT_TRUE(peer.ReadRecord(response));
+  StringValue expected(eConfigID_Default, kName, eCParam_StringValue, "unit");
+  std::vector<char> payload = EncodePayload(&expected);
+  EXPECT_EQ((std::vector<uint32_t>{128, kConnection, 20, 0, 0, 4096, kName, 0, 0,
+                                   static_cast<uint32_t>(payload.size()), 3072}),
+            WordsOf(response));
+  EXPECT_EQ(Hex(payload), Hex(peer.Read(payload.size())));
+
+  // A string set that the store takes is not answered.
+  StringValue text(eConfigID_Default, kName, eCParam_StringValue, "Rack 9");
+  std::vector<char> set = EncodePayload(&text);
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 21, kName, 0, set.size()));
+  peer.SendBytes(set.data(), set.size());
+  EXPECT_TRUE(peer.Read(1, 200).empty());
+  std::string stored;
+  server.store->Get(kName, stored);
+  EXPECT_EQ("Rack 9", stored);
+
+  // One it refuses (a string for an integer parameter) gets error 15.
+  StringValue wrong(eConfigID_Default, kPercent, eCParam_StringValue, "x");
+  set = EncodePayload(&wrong);
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 22, kPercent, 0, set.size()));
+  peer.SendBytes(set.data(), set.size());
+  ASSERT_TRUE(peer.ReadRecord(response));
+  EXPECT_EQ((std::vector<uint32_t>{129, kConnection, 22, 0, 0, 4096, kPercent, 15, 0, 0, 0}),
+            WordsOf(response));
+
+  // An integer value in a string request is applied as an integer.
+  IntegerValue number(eConfigID_Default, kPercent, eCParam_IntegerValue, 33);
+  set = EncodePayload(&number);
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 23, kPercent, 0, set.size()));
+  peer.SendBytes(set.data(), set.size());
+  EXPECT_TRUE(peer.Read(1, 200).empty());
+  EXPECT_EQ(33u, server.store->Get(kPercent));
+}
+
+TEST_F(SocketServerTest, StreamLengthBounds) {
+  RawPeer peer(server.port);
+  ASSERT_EQ(0u, peer.Connect(kConnection));
+  testing::internal::CaptureStderr();
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 30, kName, 0, 0));
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 31, kPercent));
+  XCONFIGMGR_RESPONSE_T response{};
+  EXPECT_TRUE(peer.ReadRecord(response)) << "a zero length is refused and the connection goes on";
+  EXPECT_EQ(31u, response.header.requestID);
+
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 32, kName, 0, 0x7FFFFFFF));
+  EXPECT_TRUE(peer.ClosedByPeer()) << "a length beyond any value closes the connection";
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos, err.find("SocketConnection::ProcessSetStreamMessage - invalid "
+                                        "streamLength\n"))
+      << err;
+  std::string name;
+  server.store->Get(kName, name);
+  EXPECT_EQ("unit", name);
+}
+
+TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
+  RawPeer events(server.port);
+  ASSERT_EQ(0u, events.Connect(kConnection));
+  events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
+  events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));  // stored once
+  Sync(events);  // Add Listener is not answered: only the Get's response arrives
+  server.store->Set(kTenToHundred, 20);  // filtered out
+  server.store->Set(kPercent, 60);
+  XCONFIGMGR_RESPONSE_T event{};
+  ASSERT_TRUE(events.ReadRecord(event));
+  EXPECT_EQ(
+      (std::vector<uint32_t>{144, kConnection, 0xFFFFFFFF, 0, 0, 4096, kPercent, 0, 60, 0, 3072}),
+      WordsOf(event));
+  EXPECT_TRUE(events.Read(1, 200).empty()) << "one event per change, only the filtered ones";
+
+  // String events carry the store's value at the time of sending.
+  events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));  // every parameter
+  Sync(events);
+  server.store->Set(kName, std::string("Studio"));
+  ASSERT_TRUE(events.ReadRecord(event));
+  EXPECT_EQ(145u, event.header.msgtype);
+  EXPECT_EQ(kName, event.paramID);
+  std::vector<char> payload = events.Read(event.streamLength);
+  std::unique_ptr<ConfigValue> value(DecodePayload(payload.data(), payload.size()));
+  ASSERT_NE(nullptr, value);
+  EXPECT_EQ("configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio",
+            value->ToString());
+
+  events.Send(Listener(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, 0));
+  XCONFIGMGR_CONNECTION_RESPONSE_T removed{};
+  ASSERT_TRUE(events.ReadRecord(removed));
+  EXPECT_EQ((std::vector<uint32_t>{65, kConnection, 9, 0, 0, 4096, 0}), WordsOf(removed));
+  server.store->Set(kPercent, 61);
+  EXPECT_TRUE(events.Read(1, 200).empty()) << "no events after Remove Listener";
+
+  // Re-adding for every parameter resumes events, once per change: the
+  // connection is not added to the store a second time.
+  events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));
+  Sync(events);
+  server.store->Set(kPercent, 62);
+  ASSERT_TRUE(events.ReadRecord(event));
+  EXPECT_EQ(62u, event.value);
+  EXPECT_TRUE(events.Read(1, 200).empty());
+}
+
+TEST_F(SocketServerTest, BadInputEndsOnlyThatConnection) {
+  RawPeer good(server.port);
+  ASSERT_EQ(0u, good.Connect(kConnection));
+  testing::internal::CaptureStderr();
+
+  RawPeer unknown(server.port);
+  ASSERT_EQ(0u, unknown.Connect(kConnection + 1));
+  unknown.Send(Request(XCFG_POPULATE_PARAM_REQUEST, 1, kPercent));
+  EXPECT_TRUE(unknown.ClosedByPeer());
+
+  RawPeer early(server.port);
+  early.Send(Request(XCFG_GET_PARAM_REQUEST, 1, kPercent));
+  EXPECT_TRUE(early.ClosedByPeer()) << "requests before Connect end the connection";
+
+  // A Set Request cut at every offset changes nothing.
+  XCONFIGMGR_REQUEST_T set = Request(XCFG_SET_PARAM_REQUEST, 2, kPercent, 99);
+  char bytes[sizeof set];
+  Pack(set, bytes);
+  for (size_t cut = 1; cut < sizeof bytes; ++cut) {
+    RawPeer partial(server.port);
+    ASSERT_EQ(0u, partial.Connect(kConnection + 2));
+    partial.SendBytes(bytes, cut);
+  }
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos,
+            err.find("SocketConnection::ProcessMessages - Unknown message type 114\n"))
+      << err;
+  EXPECT_NE(std::string::npos,
+            err.find("SocketConnection::ProcessMessages - error calling recv for "
+                     "XCFG_SET_PARAM_REQUEST"))
+      << err;
+
+  good.Send(Request(XCFG_GET_PARAM_REQUEST, 3, kPercent));
+  XCONFIGMGR_RESPONSE_T response{};
+  ASSERT_TRUE(good.ReadRecord(response)) << "the other client is still served";
+  EXPECT_EQ(50u, response.value) << "no cut-off Set reached the store";
+}
+
+TEST_F(SocketServerTest, ManyConnectionsAndCycles) {
+  const int before = OpenDescriptors();
+  {
+    std::vector<std::unique_ptr<RawPeer>> peers;
+    for (int i = 0; i < 200; ++i) {
+      peers.emplace_back(new RawPeer(server.port));
+      ASSERT_EQ(0u, peers.back()->Connect(kConnection + i)) << i;
+    }
+    for (int i = 0; i < 200; ++i) {
+      peers[i]->Send(Request(XCFG_GET_PARAM_REQUEST, i, kPercent));
+      XCONFIGMGR_RESPONSE_T response{};
+      ASSERT_TRUE(peers[i]->ReadRecord(response)) << i;
+      EXPECT_EQ(static_cast<uint32_t>(i), response.header.requestID);
+    }
+  }
+  for (int i = 0; i < 1000; ++i) {
+    RawPeer peer(server.port);
+    ASSERT_EQ(0u, peer.Connect(kConnection));
+  }
+  // Every connection thread ends and closes its socket.
+  for (int i = 0; i < 500 && SocketConnection::LiveCount() > 0; ++i) usleep(10000);
+  EXPECT_EQ(0, SocketConnection::LiveCount());
+  EXPECT_EQ(before, OpenDescriptors());
+}
+
+TEST_F(SocketServerTest, ListenerThatStopsReadingIsCutOff) {
+  RawPeer stalled(server.port, 4096);
+  ASSERT_EQ(0u, stalled.Connect(kConnection));
+  stalled.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));
+  Sync(stalled);
+  RawPeer reader(server.port);
+  ASSERT_EQ(0u, reader.Connect(kConnection + 1));
+  testing::internal::CaptureStderr();
+  // Writers go on while the stalled client's buffers fill; once a send times
+  // out the client is dropped and later writes pay nothing for it.
+  int writes = 0;
+  while (SocketConnection::LiveCount() == 2 && writes < 2000000) {
+    server.store->Set(kPercent, writes % 100);
+    ++writes;
+  }
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(1, SocketConnection::LiveCount()) << "the stalled client was never cut off";
+  reader.Send(Request(XCFG_GET_PARAM_REQUEST, 5, kPercent));
+  XCONFIGMGR_RESPONSE_T response{};
+  ASSERT_TRUE(reader.ReadRecord(response));
+  EXPECT_EQ(static_cast<uint32_t>((writes - 1) % 100), response.value);
+}

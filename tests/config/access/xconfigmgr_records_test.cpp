@@ -1,0 +1,117 @@
+// The record codec: layouts word by word, the message table, payloads and
+// response matching.
+#include "config/access/xconfigmgr_records.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "config/values/integer_value.h"
+#include "config/values/string_value.h"
+#include "test_bytes.h"
+
+using namespace zyn::config::access;
+
+namespace {
+
+template <typename Record>
+std::vector<uint32_t> Words(const Record& record) {
+  std::vector<char> bytes(sizeof(Record));
+  Pack(record, bytes.data());
+  std::vector<uint32_t> words(sizeof(Record) / 4);
+  memcpy(words.data(), bytes.data(), bytes.size());
+  return words;
+}
+
+}  // namespace
+
+TEST(XConfigRecordsTest, LayoutsInHostWords) {
+  XCONFIGMGR_REQUEST_T request{MakeHeader(XCFG_SET_PARAM_REQUEST, 0x10002A, 7, 3), 0x4D575A8E, 1, 0,
+                               0};
+  EXPECT_EQ((std::vector<uint32_t>{81, 0x10002A, 7, 3, 0, 4096, 0x4D575A8E, 1, 0, 0}),
+            Words(request));
+  XCONFIGMGR_RESPONSE_T event{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 5, kXConfigEventRequestID, 0),
+                              9,
+                              0,
+                              42,
+                              0,
+                              kXConfigStreamBufferSize};
+  EXPECT_EQ((std::vector<uint32_t>{144, 5, 0xFFFFFFFF, 0, 0, 4096, 9, 0, 42, 0, 3072}),
+            Words(event));
+  XCONFIGMGR_CONNECTION_RESPONSE_T connected{MakeHeader(XCFG_CONNECT_RESPONSE, 1, 2, 3), 0};
+  EXPECT_EQ(7u, Words(connected).size());
+
+  XCONFIGMGR_RESPONSE_T back;
+  std::vector<char> bytes(44);
+  Pack(event, bytes.data());
+  Unpack(bytes.data(), back);
+  EXPECT_EQ(0, memcmp(&event, &back, sizeof back));
+  EXPECT_EQ(144u, PeekMessageType(bytes.data()));
+}
+
+TEST(XConfigRecordsTest, MessageTable) {
+  EXPECT_STREQ("Connect Request", MessageName(16));
+  EXPECT_STREQ("Param String Changed Event", MessageName(145));
+  EXPECT_STREQ("Set Data Response", MessageName(259));
+  EXPECT_STREQ("N/A", MessageName(15));
+  EXPECT_STREQ("N/A", MessageName(260));
+  EXPECT_STREQ("->", DirectionArrow(XCFG_POPULATE_PARAM_REQUEST));
+  EXPECT_STREQ("->", DirectionArrow(XCFG_SET_DATA_REQUEST));
+  EXPECT_STREQ("<=", DirectionArrow(XCFG_PARAM_DATA_CHANGED_EVENT));
+  EXPECT_STREQ("<-", DirectionArrow(XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE));
+  EXPECT_STREQ("<-", DirectionArrow(999));
+  // The local server reads these whole sizes and refuses everything else.
+  EXPECT_EQ(24u, LocalRequestSize(XCFG_CONNECT_REQUEST));
+  EXPECT_EQ(28u, LocalRequestSize(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST));
+  EXPECT_EQ(40u, LocalRequestSize(XCFG_SET_STREAM_PARAM_REQUEST));
+  EXPECT_EQ(0u, LocalRequestSize(XCFG_POPULATE_PARAM_REQUEST));
+  EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_DATA_REQUEST));
+  EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_PARAM_RESPONSE));
+}
+
+TEST(XConfigRecordsTest, Payloads) {
+  StringValue text(eConfigID_Default, 0x100, eCParam_StringValue, "ab");
+  std::vector<char> payload = EncodePayload(&text);
+  EXPECT_EQ("00 00 00 01 00 00 00 00 00 00 01 00 00 00 00 0C 61 62 00", Hex(payload));
+  std::unique_ptr<ConfigValue> back(DecodePayload(payload.data(), payload.size()));
+  ASSERT_NE(nullptr, back);
+  EXPECT_TRUE(text.IsEqual(back.get()));
+
+  // Every truncation fails; so do empty and oversized payloads.
+  for (size_t cut = 0; cut < payload.size(); ++cut)
+    EXPECT_EQ(nullptr, DecodePayload(payload.data(), cut)) << cut;
+  std::vector<char> huge(kXConfigStreamBufferSize + 1, 0);
+  EXPECT_EQ(nullptr, DecodePayload(huge.data(), huge.size()));
+
+  StringValue tooLong(eConfigID_Default, 1, eCParam_StringValue, std::string(3100, 'x'));
+  EXPECT_TRUE(EncodePayload(&tooLong).empty());
+
+  IntegerValue number(eConfigID_Default, 7, eCParam_IntegerValue, 300);
+  payload = EncodePayload(&number);
+  back.reset(DecodePayload(payload.data(), payload.size()));
+  ASSERT_NE(nullptr, dynamic_cast<IntegerValue*>(back.get()));
+
+  std::vector<char> vector = Bytes({0, 0, 0, 9, 0, 0, 0, 0});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value";
+  testing::internal::GetCapturedStderr();
+}
+
+TEST(XConfigRecordsTest, ResponseMatching) {
+  XCONFIGMGR_HEADER_T request = MakeHeader(80, 0x20001234, 5, 0);
+  XCONFIGMGR_HEADER_T response = MakeHeader(96, 0x20001234, 5, 0);
+  EXPECT_TRUE(IsValidResponse(request, response));
+  response = MakeHeader(96, 0x30001234, 6, 2);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(IsValidResponse(request, response));
+  EXPECT_EQ(
+      "IsValidResponse - request.connectionID (0x20001234) != response.connectionID "
+      "(0x30001234)\n"
+      "IsValidResponse - request.configID (0) != response.configID (2)\n"
+      "IsValidResponse - request.requestID (5) != response.requestID (6)\n",
+      testing::internal::GetCapturedStderr());
+  XCONFIGMGR_HEADER_T event = MakeHeader(144, 0x20001234, kXConfigEventRequestID, 0);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(IsValidResponse(request, event)) << "an event never answers a request";
+  testing::internal::GetCapturedStderr();
+}
