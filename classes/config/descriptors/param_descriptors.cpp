@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "config/descriptors/param_descriptors_system.h"
+
 namespace {
 
 constexpr std::size_t kInitialBuckets = 10;
@@ -42,9 +44,46 @@ typedef void (*CatalogueBuilder)();
 //      createParamDescriptor_LastSelectedParamAudioOutput
 //   6. createParamDescriptor_CurrentlySelectedButton,
 //      createParamDescriptor_PauseFeatures, createDiscoveryDescriptors
-// Each area adds its entries here, in that order, as its source arrives.
+// Each area adds its entries here, in that order, as its source arrives;
+// the places of the video and audio builders are marked.
 // The table ends with a null entry.
 constexpr CatalogueBuilder kCatalogueBuilders[] = {
+    // 1.
+    createParamDescriptor_TestID,
+    createParamDescriptor_Status,
+    createParamDescriptor_PersistStatus,
+    createParamDescriptor_ProductID,
+    // 2.
+    createParamDescriptors_Config,
+    createParamDescriptor_FrontPanelLock,
+    createParamDescriptor_SystemPassword,
+    // 3. (VideoProc, AudioProc)
+    createParamDescriptors_LED,
+    // (Output, VidProcAmp, CustomConversion, RegionOfInterest)
+    createParamDescriptors_Remote,
+    createParamDescriptors_Presets,
+    createParamDescriptors_System,
+    // (Vid1OutputTiming, Vid2OutputTiming)
+    createParamDescriptors_Alarm,
+    createParamDescriptors_VCP,
+    createParamDescriptors_MADI,
+    // 4. (the audio delay, level, phase, output map, mixdown and mixdown
+    //    level builders)
+    // 5.
+    createParamDescriptor_LastSelectedParam,
+    createParamDescriptor_LastSelectedParamConfig,
+    createParamDescriptor_LastSelectedParamSystem,
+    createParamDescriptor_LastSelectedParamVideoProc,
+    createParamDescriptor_LastSelectedParamAudioProc,
+    createParamDescriptor_LastSelectedParamRemote,
+    createParamDescriptor_LastSelectedParamPreset,
+    createParamDescriptor_LastSelectedParamOutput,
+    createParamDescriptor_LastSelectedParamVideoOutput,
+    createParamDescriptor_LastSelectedParamAudioOutput,
+    // 6.
+    createParamDescriptor_CurrentlySelectedButton,
+    createParamDescriptor_PauseFeatures,
+    createDiscoveryDescriptors,
     nullptr,
 };
 
