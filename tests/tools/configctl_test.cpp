@@ -1,0 +1,231 @@
+// configctl as a process against a real configd: every command in text and
+// JSON, refused and clamped sets, and each failure's message and status.
+#include <signal.h>
+
+#include <sstream>
+
+#include "config/descriptors/param_descriptor.h"
+#include "config/descriptors/param_groups.h"
+#include "tools_fixture.h"
+
+using namespace tools_test;
+
+namespace {
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// The local time as watch prints it, "2024-05-01T12:00:00.123".
+bool IsTimestamp(const std::string& text) {
+  const std::string pattern = "dddd-dd-ddTdd:dd:dd.ddd";
+  if (text.size() != pattern.size()) return false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    bool digit = text[i] >= '0' && text[i] <= '9';
+    if (pattern[i] == 'd' ? !digit : text[i] != pattern[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TEST_F(ConfigctlDaemonTest, GetAcceptsEveryFormOfNameAndPrintsTextOrJson) {
+  Outcome both = Ctl({"get", "FrontPanelLock", "eParamID_SystemName"});
+  EXPECT_EQ(0, both.exitCode);
+  EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\neParamID_SystemName = zyn-kr-9\n", both.out);
+  EXPECT_EQ("", both.err);  // the library's diagnostics stay out of sight
+  for (const char* form :
+       {"eParamID_FrontPanelLock", "0x4D575A8E", "0x4d575a8e", "1297570446", "frontpanellock"}) {
+    EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\n", Ctl({"get", form}).out) << form;
+  }
+  Outcome json = Ctl({"--json", "get", "FrontPanelLock", "SystemName"});
+  EXPECT_EQ(0, json.exitCode);
+  EXPECT_EQ(
+      "{\"param\":\"eParamID_FrontPanelLock\",\"id\":1297570446,\"value\":0,"
+      "\"value_name\":\"Unlocked\"}\n"
+      "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"zyn-kr-9\"}\n",
+      json.out);
+}
+
+TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept) {
+  EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"set", "FrontPanelLock", "Locked"}).out);
+  EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"get", "FrontPanelLock"}).out);
+  EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\n", Ctl({"set", "FrontPanelLock", "0x0"}).out);
+  EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"set", "FrontPanelLock", "1"}).out);
+  // A string is taken as it is, also one that looks like an option.
+  EXPECT_EQ("eParamID_SystemName = rack \"7\"\n", Ctl({"set", "SystemName", "rack \"7\""}).out);
+  EXPECT_EQ("eParamID_SystemName = -left\n", Ctl({"set", "SystemName", "--", "-left"}).out);
+  Outcome json = Ctl({"set", "--json", "SystemName", "tab\there"});
+  EXPECT_EQ(0, json.exitCode);
+  EXPECT_EQ(
+      "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"tab\\there\","
+      "\"requested\":\"tab\\there\",\"result\":\"accepted\"}\n",
+      json.out);
+}
+
+TEST_F(ConfigctlDaemonTest, RefusedValueExitsOneAndClampedValueSaysSo) {
+  Outcome refused = Ctl({"set", "FrontPanelLock", "7"});
+  EXPECT_EQ(1, refused.exitCode);
+  EXPECT_EQ("", refused.out);
+  EXPECT_EQ("configctl: configd refused 7 for eParamID_FrontPanelLock, which stays 0 (Unlocked)\n",
+            refused.err);
+  Outcome refusedJson = Ctl({"--json", "set", "FrontPanelLock", "7"});
+  EXPECT_EQ(1, refusedJson.exitCode);
+  EXPECT_NE(std::string::npos, refusedJson.out.find("\"value\":0,\"value_name\":\"Unlocked\","
+                                                    "\"requested\":7,\"result\":\"refused\"}"));
+
+  Outcome high = Ctl({"set", kClampedParam, "250"});
+  EXPECT_EQ(0, high.exitCode);
+  EXPECT_EQ("eParamID_DisplayIntensity = 100 (clamped from 250)\n", high.out);
+  Outcome low = Ctl({"--json", "set", kClampedParam, "0x0A"});
+  EXPECT_EQ(0, low.exitCode);
+  EXPECT_NE(std::string::npos,
+            low.out.find("\"value\":25,\"requested\":10,\"result\":\"clamped\"}"));
+  EXPECT_EQ("eParamID_DisplayIntensity = 25\n", Ctl({"get", kClampedParam}).out);
+}
+
+TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPrinted) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string err;
+  };
+  for (const Case& c : std::vector<Case>{
+           {{"get", "FrontPanelLock", "NoSuchParam"}, "unknown parameter 'NoSuchParam'"},
+           {{"get", "0x12345678"}, "unknown parameter '0x12345678'"},
+           {{"get", "4294967296"}, "unknown parameter '4294967296'"},
+           {{"describe", "eParamID_"}, "unknown parameter 'eParamID_'"},
+           {{"watch", "Nope"}, "unknown parameter 'Nope'"},
+           {{"set", "FrontPanelLock", "Sideways"},
+            "'Sideways' is not a value of eParamID_FrontPanelLock (0 Unlocked, 1 Locked)"},
+           {{"set", kClampedParam, "ten"}, "'ten' is not a number (decimal or 0x hex)"},
+           {{"set", kClampedParam, "4294967296"}, "'4294967296' is not a number"},
+           {{"set", kClampedParam, " 5"}, "' 5' is not a number"},
+       }) {
+    Outcome outcome = Ctl(c.args);
+    EXPECT_EQ(1, outcome.exitCode) << c.err;
+    EXPECT_EQ("", outcome.out) << c.err;
+    EXPECT_EQ(0u, outcome.err.find("configctl: " + c.err)) << outcome.err;
+    EXPECT_EQ(1u, Lines(outcome.err).size()) << outcome.err;
+  }
+}
+
+TEST(ConfigctlTest, UsageErrorsExitTwo) {
+  for (const std::vector<std::string>& args :
+       std::vector<std::vector<std::string>>{{},
+                                             {"frobnicate"},
+                                             {"get"},
+                                             {"set", "FrontPanelLock"},
+                                             {"set", "a", "b", "c"},
+                                             {"describe"},
+                                             {"describe", "a", "b"},
+                                             {"list", "extra"},
+                                             {"watch", "--count", "0"},
+                                             {"watch", "--count"},
+                                             {"list", "--group", "x"},
+                                             {"get", "a", "--count", "2"},
+                                             {"watch", "--group", "1"},
+                                             {"--json=yes", "list"},
+                                             {"--bogus", "list"},
+                                             {"--uri", "tcp://127.0.0.1:43110", "list"}}) {
+    std::vector<std::string> argv = args;
+    argv.insert(argv.begin(), CONFIGCTL_PATH);
+    Outcome outcome = RunToEnd(argv);
+    std::string shown;
+    for (const std::string& arg : args) shown += " " + arg;
+    EXPECT_EQ(2, outcome.exitCode) << shown;
+    EXPECT_EQ("", outcome.out) << shown;
+    EXPECT_EQ(0u, outcome.err.find("configctl: ")) << outcome.err;
+  }
+  Outcome help = RunToEnd({CONFIGCTL_PATH, "--help"});
+  EXPECT_EQ(0, help.exitCode);
+  EXPECT_EQ(0u, help.out.find("Usage: configctl"));
+}
+
+TEST(ConfigctlTest, UnreachableDaemonIsOneLineAndExitOne) {
+  CreateDescriptors();
+  std::string uri = "socket://127.0.0.1:" + std::to_string(FreePort());
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"get", "FrontPanelLock"}, {"set", "SystemName", "x"}, {"watch", "--json"}}) {
+    Outcome outcome = RunToEnd(CtlArgs(uri, args));
+    EXPECT_EQ(1, outcome.exitCode) << args[0];
+    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ("configctl: cannot reach configd at " + uri + "\n", outcome.err);
+  }
+  // --verbose lets the library's own diagnostics through as well.
+  Outcome verbose = RunToEnd(CtlArgs(uri, {"--verbose", "get", "FrontPanelLock"}));
+  EXPECT_EQ(1, verbose.exitCode);
+  EXPECT_LT(1u, Lines(verbose.err).size());
+  // describe and list need no daemon.
+  EXPECT_EQ(0, RunToEnd(CtlArgs(uri, {"describe", "SystemName"})).exitCode);
+}
+
+TEST_F(ConfigctlDaemonTest, WatchPrintsOneLinePerChangeUntilCountOrSignal) {
+  ChildProcess counted;
+  ASSERT_TRUE(counted.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock", "--count", "2"})));
+  ChildProcess everything;
+  ASSERT_TRUE(everything.Start(CtlArgs(daemon.Uri(), {"--json", "watch"})));
+  auto poke = [&] {
+    Ctl({"set", "SystemName", "watched"});  // not watched by `counted`
+    Ctl({"set", "FrontPanelLock", "Locked"});
+  };
+  std::string line;
+  for (int n = 0; n < 2; ++n) {
+    ASSERT_TRUE(NextWatchLine(counted, poke, line));
+    EXPECT_TRUE(IsTimestamp(line.substr(0, 23))) << line;
+    EXPECT_EQ(" eParamID_FrontPanelLock = 1 (Locked)", line.substr(23));
+  }
+  Outcome done = counted.Wait(kStopMs);
+  EXPECT_EQ(0, done.exitCode) << done.err;
+
+  bool sawString = false;
+  for (int n = 0; n < 50 && !sawString && NextWatchLine(everything, poke, line); ++n)
+    sawString = line.size() > 33 && line.compare(0, 9, "{\"time\":\"") == 0 &&
+                IsTimestamp(line.substr(9, 23)) &&
+                line.substr(32) ==
+                    "\",\"param\":\"eParamID_SystemName\",\"id\":1715415909,"
+                    "\"value\":\"watched\"}";
+  EXPECT_TRUE(sawString);
+  everything.Signal(SIGINT);
+  Outcome interrupted = everything.Wait(kStopMs);
+  EXPECT_EQ(0, interrupted.exitCode) << interrupted.err;
+}
+
+TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
+  CreateDescriptors();
+  std::string menu;
+  ASSERT_TRUE(GetDescriptor(kFrontPanelLock)->GetAttribute("menu_number", menu));
+  Outcome text = RunToEnd({CONFIGCTL_PATH, "describe", "FrontPanelLock"});
+  EXPECT_EQ(0, text.exitCode);
+  for (const std::string& expected : std::vector<std::string>{
+           "eParamID_FrontPanelLock (0x4D575A8E)\n", "\n  type            enumeration (3)\n",
+           "\n  values          0 Unlocked\n                  1 Locked\n",
+           "\n  default         0 (Unlocked)\n", "\n  class names     panel_hidden\n",
+           "\n  menu number     " + menu + "\n"}) {
+    EXPECT_NE(std::string::npos, text.out.find(expected)) << expected << text.out;
+  }
+  Outcome json = RunToEnd({CONFIGCTL_PATH, "--json", "describe", "SystemName"});
+  EXPECT_EQ(0, json.exitCode);
+  EXPECT_EQ(0u, json.out.find("{\"param\":\"eParamID_SystemName\",\"id\":1715415909,"));
+  EXPECT_NE(std::string::npos, json.out.find(",\"kind\":\"string\",\"type\":12,"));
+  EXPECT_NE(std::string::npos, json.out.find(",\"default\":\"zyn-kr-9\","));
+
+  std::vector<std::string> all = Lines(RunToEnd({CONFIGCTL_PATH, "list"}).out);
+  EXPECT_EQ(GetParamIDs().size(), all.size());
+  std::vector<std::string> allJson = Lines(RunToEnd({CONFIGCTL_PATH, "list", "--json"}).out);
+  EXPECT_EQ(GetParamIDs().size() + 2, allJson.size());  // the brackets on lines of their own
+
+  unsigned int group = 0;
+  ASSERT_TRUE(GetDescriptor(kFrontPanelLock)->GetAttribute("ParamGroup", group));
+  std::vector<std::string> rows =
+      Lines(RunToEnd({CONFIGCTL_PATH, "list", "--group", std::to_string(group)}).out);
+  std::list<unsigned int> expected = GetParamGroup(static_cast<int>(group));
+  ASSERT_EQ(expected.size(), rows.size());
+  auto id = expected.begin();
+  for (const std::string& row : rows) {  // "<menu number>  0x<ID>  <ID name>  <display name>"
+    EXPECT_EQ(std::stoul(row.substr(row.find("0x"), 10), nullptr, 16), *id++) << row;
+  }
+  EXPECT_EQ(1, RunToEnd({CONFIGCTL_PATH, "list", "--group", "99999"}).exitCode);
+}

@@ -1,0 +1,75 @@
+// configd as a process: the ready line, serving, a clean stop on SIGTERM and
+// SIGINT with clients still connected, and its start-up failures.
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "tools_fixture.h"
+
+using namespace tools_test;
+
+TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
+  CreateDescriptors();
+  for (int signal : {SIGTERM, SIGINT}) {
+    SCOPED_TRACE(signal == SIGTERM ? "SIGTERM" : "SIGINT");
+    Daemon daemon;
+    ASSERT_TRUE(daemon.Start());
+    EXPECT_EQ("configd: ready on port " + std::to_string(daemon.port), daemon.readyLine);
+    // A watching client keeps two connections open through the stop.
+    ChildProcess watch;
+    ASSERT_TRUE(watch.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock"})));
+    std::string line;
+    ASSERT_TRUE(NextWatchLine(
+        watch,
+        [&] {
+          RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
+        },
+        line));
+
+    Outcome stopped = daemon.Stop(signal);
+    EXPECT_FALSE(stopped.timedOut);
+    EXPECT_EQ(0, stopped.exitCode) << stopped.err;
+    EXPECT_NE(std::string::npos, stopped.err.find("configd: stopped")) << stopped.err;
+    EXPECT_EQ("", stopped.out);
+    // The watcher notices that the daemon has gone.
+    Outcome watched = watch.Wait(kStopMs);
+    EXPECT_EQ(1, watched.exitCode);
+    EXPECT_NE(std::string::npos, watched.err.find("configctl: lost the connection to configd"))
+        << watched.err;
+  }
+}
+
+TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
+  int holder = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_ANY);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(0, bind(holder, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  ASSERT_EQ(0, listen(holder, 1));
+  ASSERT_EQ(0, getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length));
+  std::string port = std::to_string(ntohs(address.sin_port));
+
+  Outcome outcome = RunToEnd({CONFIGD_PATH, "--port", port});
+  close(holder);
+  EXPECT_EQ(1, outcome.exitCode);
+  EXPECT_EQ("", outcome.out);
+  EXPECT_NE(std::string::npos, outcome.err.find("configd: cannot listen on port " + port + "\n"))
+      << outcome.err;
+}
+
+TEST(ConfigdTest, CommandLine) {
+  Outcome help = RunToEnd({CONFIGD_PATH, "--help"});
+  EXPECT_EQ(0, help.exitCode);
+  EXPECT_EQ(0u, help.out.find("Usage: configd [--port N]"));
+  for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
+           {"--port"}, {"--port", "http"}, {"--port", "65536"}, {"--port", "-1"}, {"--daemon"}}) {
+    args.insert(args.begin(), CONFIGD_PATH);
+    Outcome outcome = RunToEnd(args);
+    EXPECT_EQ(2, outcome.exitCode) << args.back();
+    EXPECT_EQ("", outcome.out) << args.back();
+    EXPECT_EQ(0u, outcome.err.find("configd: ")) << outcome.err;
+  }
+}

@@ -1,0 +1,87 @@
+// Shared by the configd and configctl tests: a configd started on a free
+// port, configctl runs against it, and the catalogue entries the tests use.
+#ifndef TESTS_TOOLS_TOOLS_FIXTURE_H
+#define TESTS_TOOLS_TOOLS_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "child_process.h"
+#include "config/descriptors/param_descriptors.h"
+
+namespace tools_test {
+
+constexpr int kStartMs = 15000;  // generous: sanitizer builds start slowly
+constexpr int kStopMs = 15000;
+
+// An enumeration {0 Unlocked, 1 Locked}, a string with the default
+// "zyn-kr-9" and an integer limited to 25..100.
+constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
+constexpr unsigned int kSystemName = 0x663F2B65;
+constexpr const char* kClampedParam = "eParamID_DisplayIntensity";
+
+// A configd child on a free port.
+class Daemon {
+ public:
+  // Starts configd and waits for its ready line; a port taken between
+  // FreePort and the bind is retried.
+  bool Start() {
+    for (int attempt = 0; attempt < 5; ++attempt) {
+      port = FreePort();
+      process = std::make_unique<ChildProcess>();
+      if (!process->Start({CONFIGD_PATH, "--port", std::to_string(port)})) return false;
+      if (process->ReadLine(readyLine, kStartMs)) return true;
+      Outcome failed = process->Wait(kStopMs);
+      if (failed.exitCode != 1) {
+        ADD_FAILURE() << "configd did not start: " << failed.err;
+        return false;
+      }
+    }
+    return false;
+  }
+  Outcome Stop(int signal) {
+    process->Signal(signal);
+    return process->Wait(kStopMs);
+  }
+  std::string Uri() const { return "socket://127.0.0.1:" + std::to_string(port); }
+
+  int port = 0;
+  std::string readyLine;
+  std::unique_ptr<ChildProcess> process;
+};
+
+inline std::vector<std::string> CtlArgs(const std::string& uri, std::vector<std::string> args) {
+  args.insert(args.begin(), {CONFIGCTL_PATH, "--uri", uri});
+  return args;
+}
+
+// Runs `poke` until `watch` prints a line (at most kStartMs); the watch
+// registers for events asynchronously, so a single change may come too early.
+inline bool NextWatchLine(ChildProcess& watch, const std::function<void()>& poke,
+                          std::string& line) {
+  for (int waited = 0; waited < kStartMs; waited += 200) {
+    poke();
+    if (watch.ReadLine(line, 200)) return true;
+  }
+  return false;
+}
+
+// Tests that talk to a running configd.
+class ConfigctlDaemonTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    CreateDescriptors();
+    ASSERT_TRUE(daemon.Start());
+  }
+  Outcome Ctl(std::vector<std::string> args) { return RunToEnd(CtlArgs(daemon.Uri(), args)); }
+
+  Daemon daemon;
+};
+
+}  // namespace tools_test
+
+#endif  // TESTS_TOOLS_TOOLS_FIXTURE_H

@@ -1,0 +1,169 @@
+#include "configctl/arguments.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace configctl {
+
+namespace {
+
+struct CommandName {
+  const char* name;
+  Command command;
+  size_t minOperands;
+  size_t maxOperands;
+  const char* form;
+};
+
+constexpr size_t kAny = static_cast<size_t>(-1);
+
+constexpr CommandName kCommands[] = {
+    {"get", Command::kGet, 1, kAny, "get PARAM..."},
+    {"set", Command::kSet, 2, 2, "set PARAM VALUE"},
+    {"watch", Command::kWatch, 0, kAny, "watch [PARAM...] [--count N]"},
+    {"describe", Command::kDescribe, 1, 1, "describe PARAM"},
+    {"list", Command::kList, 0, 0, "list [--group N]"},
+    {"help", Command::kHelp, 0, 0, "help"},
+};
+
+// A decimal number up to `max`.
+bool ParseCount(const std::string& text, unsigned long max, unsigned long& value) {
+  if (text.empty() || text[0] < '0' || text[0] > '9') return false;
+  errno = 0;
+  char* end = nullptr;
+  value = strtoul(text.c_str(), &end, 10);
+  return errno == 0 && *end == '\0' && value <= max;
+}
+
+}  // namespace
+
+const char* UsageText() {
+  return "Usage: configctl [--uri URI] [--json] [--verbose] COMMAND\n"
+         "Reads, changes and watches the unit's settings held by configd.\n"
+         "\n"
+         "Commands:\n"
+         "  get PARAM...                  print each parameter's value\n"
+         "  set PARAM VALUE               change a value and print what the store kept\n"
+         "  watch [PARAM...] [--count N]  print one line per change (all parameters\n"
+         "                                without PARAM) until interrupted or N changes\n"
+         "  describe PARAM                print the parameter's descriptor\n"
+         "  list [--group N]              list the parameters, or one menu group in\n"
+         "                                menu order\n"
+         "\n"
+         "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
+         "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
+         "(decimal or 0x hex), an enumeration's value name, or a string parameter's text.\n"
+         "\n"
+         "Options:\n"
+         "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110)\n"
+         "  --json      print JSON: one object per line for get and watch, one object or\n"
+         "              array for set, describe and list\n"
+         "  --verbose   show the library's diagnostics on standard error\n"
+         "  --help      this text\n"
+         "\n"
+         "Exit status: 0 success, 1 failure (daemon unreachable, unknown parameter or\n"
+         "value, value refused), 2 malformed command line.\n";
+}
+
+bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::string& error) {
+  out = Arguments();
+  std::vector<std::string> words;  // the command and its operands
+  bool countGiven = false;
+  bool optionsEnded = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string arg = argv[i];
+    if (optionsEnded || arg.size() < 2 || arg[0] != '-') {
+      words.push_back(arg);
+      continue;
+    }
+    if (arg == "--") {
+      optionsEnded = true;
+      continue;
+    }
+    std::string name = arg;
+    std::string value;
+    bool hasValue = false;
+    size_t equals = arg.find('=');
+    if (arg.rfind("--", 0) == 0 && equals != std::string::npos) {
+      name = arg.substr(0, equals);
+      value = arg.substr(equals + 1);
+      hasValue = true;
+    }
+    bool takesValue = name == "--uri" || name == "--count" || name == "--group";
+    if (!takesValue && hasValue) {
+      error = "option " + name + " takes no value";
+      return false;
+    }
+    if (takesValue && !hasValue) {
+      if (i + 1 == argc) {
+        error = "option " + name + " needs a value";
+        return false;
+      }
+      value = argv[++i];
+    }
+    if (name == "--help" || name == "-h") {
+      out.command = Command::kHelp;
+      return true;
+    } else if (name == "--json") {
+      out.json = true;
+    } else if (name == "--verbose" || name == "-v") {
+      out.verbose = true;
+    } else if (name == "--uri") {
+      out.uri = value;
+    } else if (name == "--count") {
+      unsigned long count = 0;
+      if (!ParseCount(value, 0xFFFFFFFFul, count) || count == 0) {
+        error = "invalid count '" + value + "' (a number from 1)";
+        return false;
+      }
+      out.count = static_cast<unsigned int>(count);
+      countGiven = true;
+    } else if (name == "--group") {
+      unsigned long group = 0;
+      if (!ParseCount(value, 0x7FFFFFFFul, group)) {
+        error = "invalid group '" + value + "'";
+        return false;
+      }
+      out.group = static_cast<int>(group);
+      out.hasGroup = true;
+    } else {
+      error = "unknown option '" + arg + "'";
+      return false;
+    }
+  }
+
+  if (words.empty()) {
+    error = "no command given";
+    return false;
+  }
+  const CommandName* command = nullptr;
+  for (const CommandName& candidate : kCommands) {
+    if (words[0] == candidate.name) command = &candidate;
+  }
+  if (command == nullptr) {
+    error = "unknown command '" + words[0] + "'";
+    return false;
+  }
+  out.command = command->command;
+  out.operands.assign(words.begin() + 1, words.end());
+  size_t n = out.operands.size();
+  if (n < command->minOperands || n > command->maxOperands) {
+    error = std::string("usage: configctl ") + command->form;
+    return false;
+  }
+  if (countGiven && out.command != Command::kWatch) {
+    error = "--count belongs to watch";
+    return false;
+  }
+  if (out.hasGroup && out.command != Command::kList) {
+    error = "--group belongs to list";
+    return false;
+  }
+  if (out.uri.rfind("socket://", 0) != 0) {
+    error = "unsupported URI '" + out.uri + "' (socket://HOST:PORT expected)";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace configctl

@@ -1,0 +1,190 @@
+#include "configctl/commands.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <list>
+
+#include "config/access/socket_client.h"
+#include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/descriptors/param_groups.h"
+#include "configctl/console.h"
+#include "configctl/daemon_link.h"
+#include "configctl/formatting.h"
+#include "configctl/watch.h"
+
+namespace configctl {
+
+namespace {
+
+void PrintLine(const std::string& line) {
+  fputs(line.c_str(), stdout);
+  fputc('\n', stdout);
+}
+
+bool SameValue(const ParamValue& a, const ParamValue& b) {
+  return a.isString ? a.text == b.text : a.number == b.number;
+}
+
+// Whether the store's range check lets `value` through unchanged. A range
+// whose minimum exceeds its maximum starts at the minimum and spans the
+// maximum.
+bool InRange(const IntegerDescriptor* integer, unsigned int value) {
+  unsigned int min = integer->GetMinValue();
+  unsigned int max = integer->GetMaxValue();
+  if (min <= max) return min <= value && value <= max;
+  return value - min <= max;
+}
+
+// Tells from the values before and after a set what the store did with it.
+// Enumerations and strings are never altered, only taken or refused; numbers
+// out of range are clamped.
+SetOutcome Classify(const ParamDescriptor* descriptor, const ParamValue& requested,
+                    const ParamValue& before, const ParamValue& after) {
+  if (SameValue(requested, after)) return SetOutcome::kAccepted;
+  const IntegerDescriptor* integer = dynamic_cast<const IntegerDescriptor*>(descriptor);
+  if (requested.isString || integer == nullptr || dynamic_cast<const EnumDescriptor*>(integer))
+    return SetOutcome::kRefused;
+  if (!InRange(integer, requested.number)) return SetOutcome::kClamped;
+  return SameValue(before, after) ? SetOutcome::kRefused : SetOutcome::kAdjusted;
+}
+
+}  // namespace
+
+bool ResolveParameters(const std::vector<std::string>& words,
+                       std::vector<ParamDescriptor*>& descriptors) {
+  bool all = true;
+  descriptors.clear();
+  for (const std::string& word : words) {
+    ParamDescriptor* descriptor = FindParameter(word);
+    if (descriptor == nullptr) {
+      Console::Error("unknown parameter '%s'", word.c_str());
+      all = false;
+    }
+    descriptors.push_back(descriptor);
+  }
+  return all;
+}
+
+int RunCommand(const Arguments& arguments) {
+  switch (arguments.command) {
+    case Command::kGet:
+      return RunGet(arguments);
+    case Command::kSet:
+      return RunSet(arguments);
+    case Command::kWatch:
+      return RunWatch(arguments);
+    case Command::kDescribe:
+      return RunDescribe(arguments);
+    case Command::kList:
+      return RunList(arguments);
+    case Command::kHelp:
+      break;
+  }
+  fputs(UsageText(), stdout);
+  return kExitOk;
+}
+
+int RunGet(const Arguments& arguments) {
+  std::vector<ParamDescriptor*> descriptors;
+  if (!ResolveParameters(arguments.operands, descriptors)) return kExitFailure;
+  DaemonLink link(arguments.uri);
+  Config* client = link.Open();
+  if (client == nullptr) return kExitFailure;
+  int status = kExitOk;
+  for (ParamDescriptor* descriptor : descriptors) {
+    ParamValue value;
+    if (!ReadValue(client, descriptor, value)) {
+      Console::Error("configd gave no value for %s", descriptor->GetParamIDName().c_str());
+      status = kExitFailure;
+      continue;
+    }
+    unsigned int id = descriptor->GetParamID();
+    PrintLine(arguments.json ? ValueJson(id, descriptor, value) : ValueLine(id, descriptor, value));
+  }
+  return status;
+}
+
+int RunSet(const Arguments& arguments) {
+  std::vector<ParamDescriptor*> descriptors;
+  if (!ResolveParameters({arguments.operands[0]}, descriptors)) return kExitFailure;
+  ParamDescriptor* descriptor = descriptors[0];
+  std::string name = descriptor->GetParamIDName();
+  ParamValue requested;
+  std::string error;
+  if (!ParseValue(descriptor, arguments.operands[1], requested, error)) {
+    Console::Error("%s", error.c_str());
+    return kExitFailure;
+  }
+  DaemonLink link(arguments.uri);
+  Config* client = link.Open();
+  if (client == nullptr) return kExitFailure;
+  ParamValue before;
+  if (!ReadValue(client, descriptor, before)) {
+    Console::Error("configd gave no value for %s", name.c_str());
+    return kExitFailure;
+  }
+  unsigned int id = descriptor->GetParamID();
+  bool sent =
+      requested.isString ? client->Set(id, requested.text) : client->Set(id, requested.number);
+  ParamValue after;
+  // A Get after a Set on the same connection sees the Set's outcome.
+  if (!sent || !ReadValue(client, descriptor, after)) {
+    Console::Error("could not set %s through configd", name.c_str());
+    return kExitFailure;
+  }
+  SetOutcome outcome = Classify(descriptor, requested, before, after);
+  if (arguments.json) {
+    PrintLine(SetJson(descriptor, requested, after, outcome));
+  } else if (outcome == SetOutcome::kRefused) {
+    Console::Error("%s", SetLine(descriptor, requested, after, outcome).c_str());
+  } else {
+    PrintLine(SetLine(descriptor, requested, after, outcome));
+  }
+  return outcome == SetOutcome::kRefused ? kExitFailure : kExitOk;
+}
+
+int RunDescribe(const Arguments& arguments) {
+  std::vector<ParamDescriptor*> descriptors;
+  if (!ResolveParameters(arguments.operands, descriptors)) return kExitFailure;
+  if (arguments.json) {
+    PrintLine(DescribeJson(descriptors[0]));
+  } else {
+    fputs(DescribeText(descriptors[0]).c_str(), stdout);
+  }
+  return kExitOk;
+}
+
+int RunList(const Arguments& arguments) {
+  std::vector<ParamDescriptor*> descriptors;
+  if (arguments.hasGroup) {
+    for (unsigned int id : GetParamGroup(arguments.group)) descriptors.push_back(GetDescriptor(id));
+    if (descriptors.empty()) {
+      Console::Error("menu group %d has no parameters", arguments.group);
+      return kExitFailure;
+    }
+  } else {
+    for (unsigned int id : GetParamIDs()) descriptors.push_back(GetDescriptor(id));
+    std::sort(descriptors.begin(), descriptors.end(),
+              [](const ParamDescriptor* a, const ParamDescriptor* b) {
+                return a->GetParamIDName() < b->GetParamIDName();
+              });
+  }
+  if (arguments.json) {
+    std::vector<std::string> rows;
+    for (const ParamDescriptor* descriptor : descriptors)
+      rows.push_back(ListJson(descriptor, arguments.hasGroup));
+    std::string array = "[";
+    for (size_t i = 0; i < rows.size(); ++i) array += (i == 0 ? "\n" : ",\n") + rows[i];
+    PrintLine(array + (rows.empty() ? "]" : "\n]"));
+    return kExitOk;
+  }
+  size_t width = 0;
+  for (const ParamDescriptor* descriptor : descriptors)
+    width = std::max(width, descriptor->GetParamIDName().size());
+  for (const ParamDescriptor* descriptor : descriptors)
+    PrintLine(ListRow(descriptor, width, arguments.hasGroup));
+  return kExitOk;
+}
+
+}  // namespace configctl

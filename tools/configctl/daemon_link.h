@@ -1,0 +1,55 @@
+// DaemonLink is configctl's connection to configd: it owns the SocketFactory
+// and every client opened through it, and disconnects the clients, newest
+// first, when it is destroyed. A client answers Get and Set; a client that
+// gets listeners becomes an event connection, so a watch opens two.
+//
+// Used by configctl's main thread only; a client's events thread is the
+// library's and ends when its client is disconnected.
+#ifndef TOOLS_CONFIGCTL_DAEMON_LINK_H
+#define TOOLS_CONFIGCTL_DAEMON_LINK_H
+
+#include <string>
+#include <vector>
+
+#include "config/access/socket_factory.h"
+#include "configctl/parameters.h"
+
+class Config;
+class ParamDescriptor;
+
+namespace zyn {
+namespace config {
+namespace access {
+class SocketClient;
+}  // namespace access
+}  // namespace config
+}  // namespace zyn
+
+namespace configctl {
+
+class DaemonLink {
+ public:
+  explicit DaemonLink(std::string uri);
+  ~DaemonLink();
+  DaemonLink(const DaemonLink&) = delete;
+  DaemonLink& operator=(const DaemonLink&) = delete;
+
+  // A new connected client, owned by the link; null after reporting that
+  // configd cannot be reached at the URI.
+  zyn::config::access::SocketClient* Open();
+
+  const std::string& GetUri() const { return _uri; }
+
+ private:
+  std::string _uri;
+  zyn::config::access::SocketFactory _factory;  // outlives the clients
+  std::vector<zyn::config::access::SocketClient*> _clients;
+};
+
+// Reads the parameter's current value from `config`, as a string or a number
+// by its descriptor. False when the store gave no value.
+bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value);
+
+}  // namespace configctl
+
+#endif  // TOOLS_CONFIGCTL_DAEMON_LINK_H

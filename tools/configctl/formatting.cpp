@@ -1,0 +1,336 @@
+#include "configctl/formatting.h"
+
+#include <time.h>
+
+#include <cstdio>
+#include <map>
+#include <vector>
+
+#include "config/descriptors/decimal_descriptor.h"
+#include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/string_descriptor.h"
+#include "configctl/json.h"
+
+namespace configctl {
+
+namespace {
+
+std::string Hex(unsigned int number) {
+  char text[16];
+  snprintf(text, sizeof text, "0x%08X", number);
+  return text;
+}
+
+const EnumDescriptor* AsEnum(const ParamDescriptor* descriptor) {
+  return dynamic_cast<const EnumDescriptor*>(descriptor);
+}
+
+// The name of `value` in the enumeration, or "" when it is not one of its
+// values (or the parameter is not an enumeration).
+std::string ValueName(const ParamDescriptor* descriptor, const ParamValue& value) {
+  const EnumDescriptor* enumeration = AsEnum(descriptor);
+  if (enumeration == nullptr || value.isString) return "";
+  const EnumValueDescriptor* entry = enumeration->GetEnumValueDescriptor(value.number);
+  return entry != nullptr ? entry->GetName() : "";
+}
+
+std::string ValueJsonText(const ParamValue& value) {
+  return value.isString ? JsonString(value.text) : std::to_string(value.number);
+}
+
+// The "param", "id", "value" and "value_name" members.
+JsonObject& AddValueMembers(JsonObject& object, unsigned int id, const ParamDescriptor* descriptor,
+                            const ParamValue& value) {
+  object.AddString("param", ParamName(id, descriptor)).AddNumber("id", id);
+  object.AddRaw("value", ValueJsonText(value));
+  std::string name = ValueName(descriptor, value);
+  if (!name.empty()) object.AddString("value_name", name);
+  return object;
+}
+
+std::string TimeText(const timeval& when) {
+  time_t seconds = when.tv_sec;
+  tm local{};
+  localtime_r(&seconds, &local);
+  char text[40];
+  size_t n = strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
+  snprintf(text + n, sizeof text - n, ".%03ld", static_cast<long>(when.tv_usec / 1000));
+  return text;
+}
+
+const char* KindName(const ParamDescriptor* descriptor) {
+  if (dynamic_cast<const StringDescriptor*>(descriptor) != nullptr) return "string";
+  if (AsEnum(descriptor) != nullptr) return "enumeration";
+  if (dynamic_cast<const DecimalDescriptor*>(descriptor) != nullptr) return "decimal";
+  if (dynamic_cast<const IntegerDescriptor*>(descriptor) != nullptr) return "integer";
+  return "none";
+}
+
+const char* PersistenceName(ePersist_t persistence) {
+  switch (persistence) {
+    case ePersist:
+      return "persist";
+    case ePersist_Volatile:
+      return "volatile";
+    case ePersist_Status:
+      return "status";
+  }
+  return "other";
+}
+
+const char* RegisterName(eUserRegisterData_t type) {
+  switch (type) {
+    case eRegister_Include:
+      return "include";
+    case eRegister_Exclude:
+      return "exclude";
+  }
+  return "other";
+}
+
+const char* FactoryResetName(eFactoryReset_t type) {
+  switch (type) {
+    case eFactoryReset_Exclude:
+      return "exclude";
+    case eFactoryReset_Include:
+      return "include";
+    case eFactoryReset_Always:
+      return "always";
+  }
+  return "other";
+}
+
+const char* OutcomeName(SetOutcome outcome) {
+  switch (outcome) {
+    case SetOutcome::kAccepted:
+      return "accepted";
+    case SetOutcome::kClamped:
+      return "clamped";
+    case SetOutcome::kAdjusted:
+      return "adjusted";
+    case SetOutcome::kRefused:
+      return "refused";
+  }
+  return "";
+}
+
+// A named value followed by its number in parentheses: "persist (0)".
+template <typename T>
+std::string Coded(const char* name, T code) {
+  return std::string(name) + " (" + std::to_string(static_cast<long long>(code)) + ")";
+}
+
+// Appends "  label  value\n" with the labels in one column.
+void Field(std::string& out, const char* label, const std::string& value) {
+  char head[24];
+  snprintf(head, sizeof head, "  %-16s", label);
+  out += head;
+  out += value;
+  out += '\n';
+}
+
+std::string Pad(const std::string& text, size_t width) {
+  return text.size() >= width ? text : text + std::string(width - text.size(), ' ');
+}
+
+}  // namespace
+
+std::string ParamName(unsigned int id, const ParamDescriptor* descriptor) {
+  return descriptor != nullptr ? descriptor->GetParamIDName() : Hex(id);
+}
+
+std::string ValueText(const ParamDescriptor* descriptor, const ParamValue& value) {
+  if (value.isString) return value.text;
+  std::string text = std::to_string(value.number);
+  std::string name = ValueName(descriptor, value);
+  if (!name.empty()) text += " (" + name + ")";
+  return text;
+}
+
+std::string ValueLine(unsigned int id, const ParamDescriptor* descriptor, const ParamValue& value) {
+  return ParamName(id, descriptor) + " = " + ValueText(descriptor, value);
+}
+
+std::string ValueJson(unsigned int id, const ParamDescriptor* descriptor, const ParamValue& value) {
+  JsonObject object;
+  return AddValueMembers(object, id, descriptor, value).Str();
+}
+
+std::string EventLine(const timeval& when, unsigned int id, const ParamDescriptor* descriptor,
+                      const ParamValue& value) {
+  return TimeText(when) + " " + ValueLine(id, descriptor, value);
+}
+
+std::string EventJson(const timeval& when, unsigned int id, const ParamDescriptor* descriptor,
+                      const ParamValue& value) {
+  JsonObject object;
+  object.AddString("time", TimeText(when));
+  return AddValueMembers(object, id, descriptor, value).Str();
+}
+
+std::string SetLine(ParamDescriptor* descriptor, const ParamValue& requested,
+                    const ParamValue& stored, SetOutcome outcome) {
+  unsigned int id = descriptor->GetParamID();
+  std::string line = ValueLine(id, descriptor, stored);
+  switch (outcome) {
+    case SetOutcome::kAccepted:
+      return line;
+    case SetOutcome::kClamped:
+      return line + " (clamped from " + ValueText(descriptor, requested) + ")";
+    case SetOutcome::kAdjusted:
+      return line + " (adjusted by configd from " + ValueText(descriptor, requested) + ")";
+    case SetOutcome::kRefused:
+      break;
+  }
+  return "configd refused " + ValueText(descriptor, requested) + " for " +
+         ParamName(id, descriptor) + ", which stays " + ValueText(descriptor, stored);
+}
+
+std::string SetJson(ParamDescriptor* descriptor, const ParamValue& requested,
+                    const ParamValue& stored, SetOutcome outcome) {
+  JsonObject object;
+  AddValueMembers(object, descriptor->GetParamID(), descriptor, stored);
+  object.AddRaw("requested", ValueJsonText(requested));
+  object.AddString("result", OutcomeName(outcome));
+  return object.Str();
+}
+
+std::string MenuNumber(const ParamDescriptor* descriptor) {
+  std::string number;
+  descriptor->GetAttribute("menu_number", number);
+  return number;
+}
+
+std::string DescribeText(ParamDescriptor* descriptor) {
+  std::string out = descriptor->GetParamIDName() + " (" + Hex(descriptor->GetParamID()) + ")\n";
+  Field(out, "display name", descriptor->GetName());
+  Field(out, "short name", descriptor->GetShortName());
+  Field(out, "type", Coded(KindName(descriptor), descriptor->GetParamType()));
+  if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor)) {
+    Field(out, "range",
+          std::to_string(integer->GetMinValue()) + " to " + std::to_string(integer->GetMaxValue()));
+    ParamValue def;
+    def.number = integer->GetFactoryDefault();
+    Field(out, "default", ValueText(descriptor, def));
+    std::string units = integer->GetUnits();
+    if (!integer->GetUnits2().empty()) units += " / " + integer->GetUnits2();
+    if (!units.empty()) Field(out, "units", units);
+    if (auto* decimal = dynamic_cast<DecimalDescriptor*>(descriptor))
+      Field(out, "precision", std::to_string(decimal->GetPrecision()));
+  }
+  if (auto* enumeration = dynamic_cast<EnumDescriptor*>(descriptor)) {
+    const char* label = "values";
+    for (const EnumValueDescriptor& entry : enumeration->GetOrderedEnumValueDescriptors()) {
+      std::string text = std::to_string(entry.GetValue()) + " " + entry.GetName();
+      if (entry.GetShortName() != entry.GetName()) text += " (" + entry.GetShortName() + ")";
+      Field(out, label, text);
+      label = "";
+    }
+  }
+  if (auto* text = dynamic_cast<StringDescriptor*>(descriptor)) {
+    Field(out, "length",
+          std::to_string(text->GetMinLength()) + " to " + std::to_string(text->GetMaxLength()));
+    Field(out, "default", text->GetFactoryDefault());
+  }
+  Field(out, "persistence",
+        Coded(PersistenceName(descriptor->GetPersistenceType()), descriptor->GetPersistenceType()));
+  Field(out, "register",
+        Coded(RegisterName(descriptor->GetRegisterType()), descriptor->GetRegisterType()));
+  Field(out, "factory reset",
+        Coded(FactoryResetName(descriptor->GetFactoryResetType()),
+              descriptor->GetFactoryResetType()));
+  std::string classes;
+  for (const std::string& name : descriptor->GetClassNames())
+    classes += (classes.empty() ? "" : " ") + name;
+  Field(out, "class names", classes.empty() ? "-" : classes);
+  std::map<std::string, unsigned int> numbers;
+  std::map<std::string, std::string> texts;
+  descriptor->GetAttributes(numbers);
+  descriptor->GetAttributes(texts);
+  const char* label = "attributes";
+  for (const auto& attribute : numbers) {
+    Field(out, label, attribute.first + " = " + std::to_string(attribute.second));
+    label = "";
+  }
+  for (const auto& attribute : texts) {
+    Field(out, label, attribute.first + " = \"" + attribute.second + "\"");
+    label = "";
+  }
+  if (numbers.empty() && texts.empty()) Field(out, label, "-");
+  std::string menu = MenuNumber(descriptor);
+  Field(out, "menu number", menu.empty() ? "-" : menu);
+  return out;
+}
+
+std::string DescribeJson(ParamDescriptor* descriptor) {
+  JsonObject object;
+  object.AddString("param", descriptor->GetParamIDName())
+      .AddNumber("id", descriptor->GetParamID())
+      .AddString("name", descriptor->GetName())
+      .AddString("short_name", descriptor->GetShortName())
+      .AddString("kind", KindName(descriptor))
+      .AddNumber("type", static_cast<unsigned int>(descriptor->GetParamType()));
+  if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor)) {
+    object.AddNumber("min", integer->GetMinValue())
+        .AddNumber("max", integer->GetMaxValue())
+        .AddNumber("default", integer->GetFactoryDefault())
+        .AddString("units", integer->GetUnits());
+    if (auto* decimal = dynamic_cast<DecimalDescriptor*>(descriptor))
+      object.AddNumber("precision", decimal->GetPrecision());
+  }
+  if (auto* enumeration = dynamic_cast<EnumDescriptor*>(descriptor)) {
+    std::vector<std::string> values;
+    for (const EnumValueDescriptor& entry : enumeration->GetOrderedEnumValueDescriptors()) {
+      values.push_back(JsonObject()
+                           .AddNumber("value", entry.GetValue())
+                           .AddString("name", entry.GetName())
+                           .AddString("short_name", entry.GetShortName())
+                           .Str());
+    }
+    object.AddRaw("values", JsonArray(values));
+  }
+  if (auto* text = dynamic_cast<StringDescriptor*>(descriptor)) {
+    object.AddNumber("min_length", text->GetMinLength())
+        .AddNumber("max_length", text->GetMaxLength())
+        .AddString("default", text->GetFactoryDefault());
+  }
+  object.AddString("persistence", PersistenceName(descriptor->GetPersistenceType()))
+      .AddString("register", RegisterName(descriptor->GetRegisterType()))
+      .AddString("factory_reset", FactoryResetName(descriptor->GetFactoryResetType()));
+  std::vector<std::string> classes;
+  for (const std::string& name : descriptor->GetClassNames()) classes.push_back(JsonString(name));
+  object.AddRaw("class_names", JsonArray(classes));
+  std::map<std::string, unsigned int> numbers;
+  std::map<std::string, std::string> texts;
+  descriptor->GetAttributes(numbers);
+  descriptor->GetAttributes(texts);
+  JsonObject numberAttributes;
+  for (const auto& attribute : numbers)
+    numberAttributes.AddNumber(attribute.first, attribute.second);
+  JsonObject textAttributes;
+  for (const auto& attribute : texts) textAttributes.AddString(attribute.first, attribute.second);
+  object.AddRaw("int_attributes", numberAttributes.Str())
+      .AddRaw("string_attributes", textAttributes.Str())
+      .AddString("menu_number", MenuNumber(descriptor));
+  return object.Str();
+}
+
+std::string ListRow(const ParamDescriptor* descriptor, size_t nameWidth, bool withMenu) {
+  std::string row;
+  if (withMenu) row = Pad(MenuNumber(descriptor), 8) + "  ";
+  row += Hex(descriptor->GetParamID()) + "  " + Pad(descriptor->GetParamIDName(), nameWidth) +
+         "  " + descriptor->GetName();
+  while (!row.empty() && row.back() == ' ') row.pop_back();
+  return row;
+}
+
+std::string ListJson(const ParamDescriptor* descriptor, bool withMenu) {
+  JsonObject object;
+  object.AddString("param", descriptor->GetParamIDName())
+      .AddNumber("id", descriptor->GetParamID())
+      .AddString("name", descriptor->GetName());
+  if (withMenu) object.AddString("menu_number", MenuNumber(descriptor));
+  return object.Str();
+}
+
+}  // namespace configctl

@@ -1,0 +1,44 @@
+// How configctl reads the user's words against the catalogue: a parameter
+// given by ID name, by name without the "eParamID_" prefix or by number, and
+// a value given as text for that parameter's kind. The catalogue is this
+// process's own (CreateDescriptors), the same one configd builds.
+//
+// Functions over the read-only registry; call them after the catalogue is
+// built.
+#ifndef TOOLS_CONFIGCTL_PARAMETERS_H
+#define TOOLS_CONFIGCTL_PARAMETERS_H
+
+#include <string>
+
+class ParamDescriptor;
+
+namespace configctl {
+
+// A parameter's value: text for string parameters, a number for the rest.
+struct ParamValue {
+  bool isString = false;
+  unsigned int number = 0;
+  std::string text;
+};
+
+// The descriptor named by `text`, or null: an exact ID name, the name
+// without its prefix, an ID in decimal or 0x hex, then either name form
+// ignoring case when that matches one parameter only.
+ParamDescriptor* FindParameter(const std::string& text);
+
+// An unsigned 32-bit number in decimal or with a 0x prefix in hex, the whole
+// text and nothing else.
+bool ParseNumber(const std::string& text, unsigned int& value);
+
+// True for parameters whose values are strings.
+bool IsStringParam(const ParamDescriptor* descriptor);
+
+// The value `text` means for `descriptor`: its text for a string parameter,
+// a number, or for an enumeration also a value name or short name (exact
+// first, then ignoring case). False with a one-line reason in `error`.
+bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
+                std::string& error);
+
+}  // namespace configctl
+
+#endif  // TOOLS_CONFIGCTL_PARAMETERS_H
