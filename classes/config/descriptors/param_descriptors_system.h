@@ -18,19 +18,12 @@
 #ifndef CLASSES_CONFIG_DESCRIPTORS_PARAM_DESCRIPTORS_SYSTEM_H
 #define CLASSES_CONFIG_DESCRIPTORS_PARAM_DESCRIPTORS_SYSTEM_H
 
+#include "config/descriptors/param_groups.h"
+
 // The presets: numbers 0 to 40, preset 0 being the read-only factory preset.
 constexpr int kPresetNameCount = 41;
 constexpr unsigned int kFactoryPresetNameParamID = 0x383AA021;
 
-// Menu groups of the front panel's menu buttons (the values of
-// eParamID_CurrentlySelectedButton); param_groups.h lists what each menu shows.
-constexpr unsigned int kRemoteMenuGroup = 1;
-constexpr unsigned int kSystemMenuGroup = 2;
-constexpr unsigned int kConfigMenuGroup = 3;
-constexpr unsigned int kPresetMenuGroup = 4;
-constexpr unsigned int kStatusMenuGroup = 5;
-constexpr unsigned int kOutputMenuGroup = 6;
-constexpr unsigned int kDebugMenuGroup = 11;
 
 void createParamDescriptor_TestID();
 void createParamDescriptor_Status();

@@ -8,17 +8,6 @@
 
 namespace {
 
-// Menu group numbers.
-constexpr int kSystemGroup = 2;
-constexpr int kConfigGroup = 3;
-constexpr int kPresetGroup = 4;
-constexpr int kOutputGroup = 6;
-constexpr int kVideoProcGroup = 7;
-constexpr int kVideoOutputGroup = 8;
-constexpr int kAudioProcGroup = 9;
-constexpr int kAudioOutputGroup = 10;
-constexpr int kDebugGroup = 11;
-
 typedef boost::tokenizer<boost::char_separator<char>> MenuNumberTokens;
 
 std::string MenuNumberOf(unsigned int id) {
@@ -59,12 +48,14 @@ bool MenuNumberCompare(unsigned int a, unsigned int b) {
   return it_a == tokens_a.end();
 }
 
-std::vector<int> GetSystemParamGroups() { return {kSystemGroup}; }
-std::vector<int> GetConfigParamGroups() { return {kConfigGroup, kDebugGroup}; }
-std::vector<int> GetPresetParamGroups() { return {kPresetGroup}; }
-std::vector<int> GetOutputParamGroups() { return {kOutputGroup}; }
-std::vector<int> GetVideoProcParamGroups() { return {kVideoProcGroup}; }
-std::vector<int> GetVideoOutputParamGroups() { return {kVideoOutputGroup}; }
-std::vector<int> GetAudioProcParamGroups() { return {kAudioProcGroup}; }
-std::vector<int> GetAudioOutputParamGroups() { return {kAudioOutputGroup}; }
-std::vector<int> GetDebugParamGroups() { return {kDebugGroup}; }
+// The groups each menu shows, in order; the debug group is also part of the
+// configuration menu.
+std::vector<int> GetSystemParamGroups() { return {kSystemMenuGroup}; }
+std::vector<int> GetConfigParamGroups() { return {kConfigMenuGroup, kDebugMenuGroup}; }
+std::vector<int> GetPresetParamGroups() { return {kPresetMenuGroup}; }
+std::vector<int> GetOutputParamGroups() { return {kOutputMenuGroup}; }
+std::vector<int> GetVideoProcParamGroups() { return {kVideoProcMenuGroup}; }
+std::vector<int> GetVideoOutputParamGroups() { return {kVideoOutputMenuGroup}; }
+std::vector<int> GetAudioProcParamGroups() { return {kAudioProcMenuGroup}; }
+std::vector<int> GetAudioOutputParamGroups() { return {kAudioOutputMenuGroup}; }
+std::vector<int> GetDebugParamGroups() { return {kDebugMenuGroup}; }

@@ -14,6 +14,20 @@
 
 // The IDs of the descriptors of one menu group, leaving out those with the
 // class name "panel_hidden", in menu-number order.
+// Menu groups of the front panel's menu buttons (the values of
+// eParamID_CurrentlySelectedButton), as the "ParamGroup" attribute holds them.
+constexpr unsigned int kRemoteMenuGroup = 1;
+constexpr unsigned int kSystemMenuGroup = 2;
+constexpr unsigned int kConfigMenuGroup = 3;
+constexpr unsigned int kPresetMenuGroup = 4;
+constexpr unsigned int kStatusMenuGroup = 5;
+constexpr unsigned int kOutputMenuGroup = 6;
+constexpr unsigned int kVideoProcMenuGroup = 7;
+constexpr unsigned int kVideoOutputMenuGroup = 8;
+constexpr unsigned int kAudioProcMenuGroup = 9;
+constexpr unsigned int kAudioOutputMenuGroup = 10;
+constexpr unsigned int kDebugMenuGroup = 11;
+
 std::list<unsigned int> GetParamGroup(int group);
 
 // The menu-order predicate over two parameter IDs: compares the dotted menu
