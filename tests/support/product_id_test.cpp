@@ -3,6 +3,8 @@
 #include "support/product_id.h"
 
 #include <gtest/gtest.h>
+
+#include "test_stderr.h"
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,13 +14,6 @@
 #include "support/serial_number.h"
 
 namespace {
-
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 void SetOrUnset(const char* variable, const char* value) {
   if (value != nullptr) {

@@ -3,6 +3,8 @@
 // built from it.
 #include <gtest/gtest.h>
 
+#include "test_stderr.h"
+
 #include <algorithm>
 #include <list>
 #include <set>
@@ -22,13 +24,6 @@
 #include "support/serial_number.h"
 
 namespace {
-
-template <typename F>
-std::string Stderr(F body) {
-  testing::internal::CaptureStderr();
-  body();
-  return testing::internal::GetCapturedStderr();
-}
 
 struct Listed {
   unsigned int id;
