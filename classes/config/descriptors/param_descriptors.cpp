@@ -2,7 +2,9 @@
 
 #include <cstdio>
 
+#include "config/descriptors/param_descriptors_audio.h"
 #include "config/descriptors/param_descriptors_system.h"
+#include "config/descriptors/param_descriptors_video.h"
 
 namespace {
 
@@ -44,8 +46,6 @@ typedef void (*CatalogueBuilder)();
 //      createParamDescriptor_LastSelectedParamAudioOutput
 //   6. createParamDescriptor_CurrentlySelectedButton,
 //      createParamDescriptor_PauseFeatures, createDiscoveryDescriptors
-// Each area adds its entries here, in that order, as its source arrives;
-// the places of the video and audio builders are marked.
 // The table ends with a null entry.
 constexpr CatalogueBuilder kCatalogueBuilders[] = {
     // 1.
@@ -57,18 +57,29 @@ constexpr CatalogueBuilder kCatalogueBuilders[] = {
     createParamDescriptors_Config,
     createParamDescriptor_FrontPanelLock,
     createParamDescriptor_SystemPassword,
-    // 3. (VideoProc, AudioProc)
+    // 3.
+    createParamDescriptors_VideoProc,
+    createParamDescriptors_AudioProc,
     createParamDescriptors_LED,
-    // (Output, VidProcAmp, CustomConversion, RegionOfInterest)
+    createParamDescriptors_Output,
+    createParamDescriptors_VidProcAmp,
+    createParamDescriptors_CustomConversion,
+    createParamDescriptors_RegionOfInterest,
     createParamDescriptors_Remote,
     createParamDescriptors_Presets,
     createParamDescriptors_System,
-    // (Vid1OutputTiming, Vid2OutputTiming)
+    createParamDescriptors_Vid1OutputTiming,
+    createParamDescriptors_Vid2OutputTiming,
     createParamDescriptors_Alarm,
     createParamDescriptors_VCP,
     createParamDescriptors_MADI,
-    // 4. (the audio delay, level, phase, output map, mixdown and mixdown
-    //    level builders)
+    // 4.
+    CreateAudioDelaySamplesDescriptors,
+    CreateAudioLevelDescriptors,
+    CreateAudioPhaseDescriptors,
+    CreateAudioOutputMapDescriptors,
+    CreateAudioMixDownDescriptors,
+    CreateMixDownLevelDescriptors,
     // 5.
     createParamDescriptor_LastSelectedParam,
     createParamDescriptor_LastSelectedParamConfig,
@@ -110,9 +121,12 @@ void AddDescriptor(ParamDescriptor* d) {
   slot = d;
 }
 
+// Each name is entered with its descriptor's own ID, which is the key it is
+// registered under except for eParamID_AudioDetectedInput_SDI2: that name
+// leads to the ID its descriptor reports, SDI1's.
 void IndexDescriptorNames() {
   for (const auto& entry : g_paramDescriptors) {
-    ParamNameToID[entry.second->GetParamIDName()] = entry.first;
+    ParamNameToID[entry.second->GetParamIDName()] = entry.second->GetParamID();
   }
 }
 

@@ -1,0 +1,199 @@
+// The audio catalogue: the fixed parameters under their IDs, the names the
+// family generators form, the table entries that make no parameter, the
+// mixdown's missing-ID report, the kept SDI2 ID mismatch, the Dolby E
+// framer's relations and the output map's factory-default members.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "config/descriptors/audio_descriptor_helpers.h"
+#include "config/descriptors/param_descriptors_audio.h"
+#include "unit_catalogue.h"
+
+namespace {
+
+using namespace unit_catalogue;
+
+constexpr unsigned int kDetectedInputSDI1 = 0x65B79CBF;
+constexpr unsigned int kDetectedInputSDI2 = 0x66FD2962;
+
+// clang-format off
+const Listed kAudioProc[] = {
+    {0xFC2ABDBA, "Audio1DolbyFramerOffsetSamples"}, {0x6878544A, "AudioPhaseAdjustEnable_AES"}, {0x9026CFF5, "Audio1DolbyFramerOffsetFrames"},
+    {0x4AFF7FA0, "AudioDelaySelect_SDI2"}, {0x833F6869, "AudioDelaySelect_SDI1"}, {0xAD3E62B3, "AudioMixDown_Reset"},
+    {0xC901DDD6, "AudioMixDown2_Mode"}, {0xF2801460, "AudioMixDown1_Mode"}, {0x8E3C1CE0, "AudioDelaySelect_Fiber1"},
+    {0xDC9362FF, "AudioOutputSelect_AES"}, {0x18BBD1AD, "AudioOutputSelect_Fiber2"}, {0xF107D3C5, "Audio1DolbyFramerActive"},
+    {0x83AEC1BF, "Audio1DolbyFramerInput"}, {0x31BF328B, "AudioProcEmbAudioOut"}, {0x5EB99013, "AudioPhaseAdjustEnable_HDMI"},
+    {0xF4D3FED5, "AudioPhaseAdjustEnable_MADIFIB"}, {0x97506694, "Audio1DolbyETimingCorrection"}, {0xE764D43C, "AudioPhaseAdjustEnable_Analog"},
+    {0x9BFA3F26, "AudioOutputSelect_Fiber1"}, {0x1004EB46, "AudioOutputSelect_SDI1"}, {0xCCAC5640, "AudioLevelAdjustEnable_MixDown2"},
+    {0xF507E79D, "AudioLevelAdjustEnable_MixDown1"}, {0xF00A566B, "AudioInputSelect_MixDown1"}, {0xFE06C2DE, "Audio1DolbyFramerLocked"},
+    {0xD1C651A3, "AudioInputSelect_MixDown2"}, {0x351A073D, "AudioPhaseAdjustEnable_MADIBNC"}, {0x170182CF, "AudioPhaseAdjustEnable_Fiber2"},
+    {0xD15E07A1, "Audio1DolbyFramerInputPair"}, {0xF365B851, "AudioOutputSelect_SDI2"}, {0x8EC8BE1D, "AudioDetectedInput_HDMI"},
+    {0xD270AC17, "AudioDetectedInput_MADIFIB"}, {0x0CA1506B, "AudioDetectedInput_MADIBNC"}, {0x87EA6A69, "AudioDetectedInput_Fiber2"},
+    {0xF1C31AF1, "AudioDetectedInput_Fiber1"}, {0x65B79CBF, "AudioDetectedInput_SDI1"}, {0x811DA0E1, "MADIStatus"},
+    {0x09EB4D7E, "AudioOutputMapReset"}, {0x5C1CA233, "AudioOutputSelect_GlobalAudio"}, {0xD0596504, "AudioPhaseAdjustEnable_Fiber1"},
+    {0x7EA6B315, "AudioPhaseAdjustEnable_SDI2"}, {0x8FB40E9E, "AudioPhaseAdjustEnable_SDI1"}, {0x6D6FD700, "AudioPhaseAdjustEnable_AudioSG"},
+    {0x4EA74511, "AudioLevelAdjustEnable_AudioSG"}, {0x0EFAF7A9, "AudioLevelAdjustEnable_Analog"}, {0xAADCBCCF, "AudioLevelAdjustEnable_HDMI"},
+    {0xED942B46, "AudioLevelAdjustEnable_MADIFIB"}, {0x6472090A, "AudioLevelAdjustEnable_MADIBNC"}, {0x5751D610, "AudioLevelAdjustEnable_AES"},
+    {0x61691927, "AudioLevelAdjustEnable_Fiber2"}, {0x557FF938, "AudioLevelAdjustEnable_Fiber1"}, {0x7BD762C5, "AudioLevelAdjustEnable_SDI2"},
+    {0x38D90EC6, "AudioLevelAdjustEnable_SDI1"}, {0x568CE1CE, "AudioDelaySelect_Analog"}, {0xEC293537, "AudioDelaySelect_HDMI"},
+    {0x12A39317, "AudioDelaySelect_MADIFIB"}, {0x3F14EF60, "AudioDelaySelect_MADIBNC"}, {0x154024C3, "AudioDelaySelect_AES"},
+    {0x654B528D, "AudioDelaySelect_Fiber2"}, {0x77293FD5, "AudioOutputSelect_Analog"}, {0x1F8C490E, "AudioOutputSelect_HDMI"},
+    {0x74C566CB, "AudioOutputSelect_MADIFIB"}, {0xB3CBBB0A, "AudioOutputSelect_MADIBNC"}, {0x66FD2962, "AudioDetectedInput_SDI2"},
+};
+// clang-format on
+
+TEST(AudioCatalogueTest, AudioProcMakesTheListedParametersAndTheAESPairs) {
+  const std::map<unsigned int, std::string> built = BuildAlone(createParamDescriptors_AudioProc);
+  EXPECT_EQ(built.size(), std::size(kAudioProc) + 4) << "and AES/EBU pairs 1/2 to 7/8";
+  for (const Listed& p : kAudioProc) {
+    auto it = built.find(p.id);
+    EXPECT_EQ(it == built.end() ? "(none)" : it->second, std::string("eParamID_") + p.name)
+        << std::hex << p.id;
+  }
+}
+
+struct Sample {
+  const char* idName;
+  const char* name;
+  const char* shortName;
+  const char* menu;
+  const char* units;
+};
+
+TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatterns) {
+  // clang-format off
+  const Sample samples[] = {
+      {"eParamID_AudioLevelCh3_SDI1", "SDI1 Level Ch 3", "Lvl ch3", "9:15.3", "dB"},
+      {"eParamID_AudioLevelCh64_MADIFIB", "MADIFIB Level Ch 64", "Lvl ch64", "9:21.64", "dB"},
+      {"eParamID_AudioLevelCh1_AudioSG", "AudioSG Level 1kHz", "Lvl1kHz", "9:24.1", "dB"},
+      {"eParamID_AudioLevelCh2_AudioSG", "AudioSG Level 400Hz", "Lvl400Hz", "9:24.2", "dB"},
+      {"eParamID_AudioLevelCh1_MixDown2", "Mix Down 2 Output Lft", "MxDnOut L", "9:29.1", "dB"},
+      {"eParamID_AudioLevelCh2_MixDown1", "Mix Down 1 Output Rt", "MxDnOutR", "9:28.2", "dB"},
+      {"eParamID_AudioPhaseCh5_HDMI", "HDMI Phase Ch 5", "Phs ch5", "9:37.5", ""},
+      {"eParamID_AudioPhaseCh2_AudioSG", "AudioSG Phase 400Hz", "Phs400Hz", "9:39.2", ""},
+      {"eParamID_AudioDelayCh3and4_AES", "AES Delay Ch 3/4", "Dly3&4", "9:44.2", "samples"},
+      {"eParamID_AudioDelayCh63and64_MADIBNC", "MADIBNC Delay Ch 63/64", "Dly63&64", "9:45.32", "samples"},
+      {"eParamID_AudioDelayGlobal_Analog", "Analog Delay Global", "AnalogDly", "9:10.9", "samples"},
+      {"eParamID_AudioOutputCh7_GlobalAudio", "GlobalAudio Output Ch 7", "Out ch7", "10:2.7", ""},
+      {"eParamID_AudioOutputCh16_Fiber2", "Fiber2 Output Ch 16", "Out ch16", "10:6.16", ""},
+      {"eParamID_AudioMixDown2Input_LFE", "Mix Down 2 Input LFE", "MxDn2LFE", "9:3.4", ""},
+      {"eParamID_AudioLevelMixer1_C", "Mix Down 1 C Level", "Mx1LvlC", "9:4.3", "dB"},
+      {"eParamID_AESEBUAudioSRCCh7and8", "AES/EBU 7/8 SRC", "SRC 7/8", "9:14.4", ""},
+  };
+  // clang-format on
+  for (const Sample& s : samples) {
+    IntegerDescriptor* d = dynamic_cast<IntegerDescriptor*>(Find(s.idName));
+    if (d == nullptr) continue;
+    EXPECT_EQ(d->GetName() + "|" + d->GetShortName() + "|" + MenuPlaceOf(d) + "|" + d->GetUnits(),
+              std::string(s.name) + "|" + s.shortName + "|" + s.menu + "|" + s.units);
+  }
+}
+
+// Families are as large as the sources' channel counts, and a table entry of
+// 0 (a channel a source does not have) makes no parameter.
+TEST(AudioCatalogueTest, FamilySizesAndMissingChannels) {
+  const struct {
+    const char* prefix;
+    int count;
+  } families[] = {{"eParamID_AudioLevelCh", 222},      {"eParamID_AudioPhaseCh", 218},
+                  {"eParamID_AudioDelayCh", 108},      {"eParamID_AudioDelayGlobal_", 9},
+                  {"eParamID_AudioOutputCh", 232},     {"eParamID_AudioMixDown1Input_", 6},
+                  {"eParamID_AudioMixDown2Input_", 6}, {"eParamID_AudioLevelMixer", 12},
+                  {"eParamID_AESEBUAudioSRCCh", 4}};
+  for (const auto& family : families) {
+    int count = 0;
+    for (unsigned int id : CatalogueIDs())
+      if (GetDescriptor(id)->GetParamIDName().rfind(family.prefix, 0) == 0) ++count;
+    EXPECT_EQ(count, family.count) << family.prefix;
+  }
+  CatalogueIDs();
+  for (const char* absent :
+       {"eParamID_AudioLevelCh17_SDI1", "eParamID_AudioLevelCh9_AES",
+        "eParamID_AudioLevelCh3_AudioSG", "eParamID_AudioPhaseCh1_MixDown1",
+        "eParamID_AudioDelayCh1and2_MixDown1", "eParamID_AudioDelayGlobal_AudioSG",
+        "eParamID_AudioOutputCh17_GlobalAudio", "eParamID_AudioDelayCh9and10_HDMI"})
+    EXPECT_EQ(GetDescriptor(absent), nullptr) << absent;
+}
+
+TEST(AudioCatalogueTest, MixDownReportsAMissingID) {
+  std::map<unsigned int, std::string> made;
+  const std::string report = Stderr([&] {
+    made = BuildAlone([] {
+      const unsigned int ids[kMixDownCount][kMixDownInputCount] = {
+          {0xFEED0A01, 0xFEED0A02, 0xFEED0A03, 0xFEED0A04, 0xFEED0A05, 0xFEED0A06},
+          {0xFEED0A11, 0xFEED0A12, 0xFEED0A13, 0xFEED0A14, 0, 0xFEED0A16}};
+      CreateAudioMixDownDescriptors(ids);
+    });
+  });
+  EXPECT_EQ(made.size(), 11u);
+  EXPECT_EQ(made[0xFEED0A16], "eParamID_AudioMixDown2Input_Rs");
+  EXPECT_EQ(report.rfind(
+                "Param ID ERROR - ID eParamID_AudioMixDown2Input_Ls is missing \n\t Look in ", 0),
+            0u)
+      << report;
+  EXPECT_NE(report.find("param_descriptors_audioproc_mixdown.cpp at "), std::string::npos)
+      << report;
+}
+
+// The SDI2 detection parameter is registered under its own ID but reports
+// SDI1's, so its name leads to SDI1's parameter.
+TEST(AudioCatalogueTest, DetectedInputSDI2KeepsItsIDMismatch) {
+  CatalogueIDs();
+  ParamDescriptor* sdi1 = GetDescriptor(kDetectedInputSDI1);
+  ParamDescriptor* sdi2 = GetDescriptor(kDetectedInputSDI2);
+  ASSERT_TRUE(sdi1 != nullptr && sdi2 != nullptr);
+  EXPECT_EQ(sdi1->GetParamIDName(), "eParamID_AudioDetectedInput_SDI1");
+  EXPECT_EQ(sdi2->GetParamIDName(), "eParamID_AudioDetectedInput_SDI2");
+  EXPECT_EQ(sdi2->GetParamID(), kDetectedInputSDI1);
+  EXPECT_EQ(GetDescriptor("eParamID_AudioDetectedInput_SDI2"), sdi1);
+  EXPECT_EQ(GetDescriptor("eParamID_AudioDetectedInput_SDI1"), sdi1);
+}
+
+TEST(AudioCatalogueTest, DolbyFramerDisablesTheChannelPairsItCanOwn) {
+  typedef std::vector<ParamDescriptor::Relation> Relations;
+  const struct {
+    const char* idName;
+    Relations disabledBy;
+  } cases[] = {
+      {"eParamID_AudioLevelCh3_SDI2", {{0xF107D3C5, 4}, {0xF107D3C5, 12}}},
+      {"eParamID_AudioPhaseCh8_Fiber1", {{0xF107D3C5, 6}, {0xF107D3C5, 14}}},
+      {"eParamID_AudioDelayCh1and2_AES", {{0xF107D3C5, 3}, {0xF107D3C5, 11}}},
+      {"eParamID_AudioLevelCh9_SDI1", {}},
+      {"eParamID_AudioLevelCh1_MADIBNC", {}},
+      {"eParamID_AudioOutputCh1_SDI1", {}},
+  };
+  for (const auto& c : cases) {
+    ParamDescriptor* d = Find(c.idName);
+    if (d == nullptr) continue;
+    const auto& relations = d->GetRelations();
+    auto it = relations.find("disabled_by");
+    EXPECT_EQ(it == relations.end() ? Relations() : it->second, c.disabledBy) << c.idName;
+  }
+  EXPECT_EQ(Find("eParamID_AudioLevelCh3_SDI2")->GetRelation("enabled_by"),
+            (Relations{{Find("eParamID_AudioLevelAdjustEnable_SDI2")->GetParamID(), 1}}));
+  // The framer states those relations name.
+  const std::string states = ValuesOf(Find("eParamID_Audio1DolbyFramerActive"));
+  for (const char* state :
+       {"3 Framing Ch 1/2", "6 Framing Ch 7/8", "11 Locking Ch 1/2", "14 Locking Ch 7/8"})
+    EXPECT_NE(states.find(state), std::string::npos) << states;
+}
+
+TEST(AudioCatalogueTest, OutputMapMembersTakeTheirDefaultFromTheGlobalMap) {
+  CatalogueIDs();
+  const unsigned int global5 = Find("eParamID_AudioOutputCh5_GlobalAudio")->GetParamID();
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(
+                Find("eParamID_AudioOutputCh5_SDI2")->GetParamID()),
+            global5);
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(global5), global5);
+  const unsigned int madi40 = Find("eParamID_AudioOutputCh40_MADIBNC")->GetParamID();
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(madi40), madi40)
+      << "beyond the global map's 16 channels a member holds its own default";
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(0xFEED0A99), 0u);
+  EXPECT_EQ(
+      static_cast<IntegerDescriptor*>(Find("eParamID_AudioOutputCh5_SDI2"))->GetFactoryDefault(),
+      5u);
+}
+
+}  // namespace
