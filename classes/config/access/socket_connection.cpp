@@ -79,6 +79,7 @@ SocketConnection::SocketConnection(Socket* socket)
     : _store(nullptr),
       _socket(socket),
       _fd(socket->get_fd()),
+      _reader(_fd),
       _connection_id(0),
       _registered(false),
       _listening(false),
@@ -167,7 +168,7 @@ void SocketConnection::ReleaseStore() {
 void SocketConnection::ProcessMessages() {
   char record[sizeof(XCONFIGMGR_REQUEST_T)];
   while (!_stop) {
-    long n = RecvExact(_fd, record, 4);
+    long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
       fprintf(stderr, "SocketConnection::ProcessMessages - error calling recv for message type "
@@ -182,7 +183,7 @@ void SocketConnection::ProcessMessages() {
               static_cast<int>(msgtype));
       break;
     }
-    n = RecvExact(_fd, record + 4, size - 4);
+    n = _reader.Read(record + 4, size - 4);
     if (n != static_cast<long>(size - 4)) {
       fprintf(stderr,
               "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = "
@@ -289,7 +290,7 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
     return false;
   }
   std::vector<char> payload(request.streamLength);
-  if (RecvExact(_fd, payload.data(), payload.size()) != static_cast<long>(payload.size())) {
+  if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
     perror("SocketConnection::ProcessSetStreamRequest");
     return false;
   }

@@ -26,6 +26,7 @@
 #include <string>
 #include <vector>
 
+#include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
 #include "support/runnable.h"
@@ -106,6 +107,7 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   Config* _store;
   Socket* _socket;
   int _fd;  // the socket's descriptor, fixed for the connection's life
+  StreamReader _reader;  // the connection thread's reads
   uint32_t _connection_id;
   bool _registered;              // guarded by _send_lock
   bool _listening;               // added to the store's listeners

@@ -2,7 +2,9 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 namespace zyn {
 namespace config {
@@ -16,6 +18,26 @@ long RecvExact(int fd, char* buffer, size_t length) {
     if (n < 0) return -1;
     if (n == 0) break;
     got += static_cast<size_t>(n);
+  }
+  return static_cast<long>(got);
+}
+
+long StreamReader::Read(char* buffer, size_t length) {
+  size_t got = 0;
+  while (got < length) {
+    if (_start == _end) {
+      if (_buffer.empty()) _buffer.resize(kCapacity);
+      ssize_t n = ::recv(_fd, _buffer.data(), _buffer.size(), MSG_NOSIGNAL);
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return -1;
+      if (n == 0) break;
+      _start = 0;
+      _end = static_cast<size_t>(n);
+    }
+    size_t take = std::min(length - got, _end - _start);
+    memcpy(buffer + got, _buffer.data() + _start, take);
+    _start += take;
+    got += take;
   }
   return static_cast<long>(got);
 }

@@ -5,6 +5,7 @@
 #define CLASSES_CONFIG_ACCESS_STREAM_IO_H
 
 #include <cstddef>
+#include <vector>
 
 namespace zyn {
 namespace config {
@@ -13,6 +14,27 @@ namespace access {
 // Reads exactly `length` bytes. Returns the bytes read: `length` on success,
 // fewer when the peer closed, or -1 on an error.
 long RecvExact(int fd, char* buffer, size_t length);
+// Reads a stream through a small buffer, so that a record and whatever
+// follows it arrive in one system call. Used by one thread at a time.
+class StreamReader {
+ public:
+  static constexpr size_t kCapacity = 4096;
+
+  explicit StreamReader(int fd) : _fd(fd) {}
+  StreamReader(const StreamReader&) = delete;
+  StreamReader& operator=(const StreamReader&) = delete;
+
+  // As RecvExact: `length` on success, fewer when the peer closed, -1 on an
+  // error.
+  long Read(char* buffer, size_t length);
+
+ private:
+  int _fd;
+  std::vector<char> _buffer;  // allocated on the first read
+  size_t _start = 0;
+  size_t _end = 0;
+};
+
 // Writes all `length` bytes (without SIGPIPE); false on an error or a send
 // time-out.
 bool SendAll(int fd, const char* buffer, size_t length);
