@@ -183,8 +183,7 @@ std::vector<float> RunClient(const Options& options, int port, int index,
     while (Clock::now() < deadline) {
       auto start = Clock::now();
       body();
-      latencies.push_back(
-          std::chrono::duration<float, std::micro>(Clock::now() - start).count());
+      latencies.push_back(std::chrono::duration<float, std::micro>(Clock::now() - start).count());
     }
   };
   if (options.op == "echo") {
@@ -262,8 +261,7 @@ int main(int argc, char** argv) {
   std::vector<std::vector<float>> results(options.clients);
   std::vector<std::thread> clients;
   for (int i = 0; i < options.clients; ++i)
-    clients.emplace_back(
-        [&, i] { results[i] = RunClient(options, port, i, deadline); });
+    clients.emplace_back([&, i] { results[i] = RunClient(options, port, i, deadline); });
   for (std::thread& t : clients) t.join();
 
   std::vector<float> all;

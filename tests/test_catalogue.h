@@ -11,15 +11,15 @@
 
 namespace test_catalogue {
 
-constexpr unsigned int kPercent = 0xFEEDC001;     // integer 0..100, default 50
+constexpr unsigned int kPercent = 0xFEEDC001;       // integer 0..100, default 50
 constexpr unsigned int kTenToHundred = 0xFEEDC002;  // integer 10..100, default 10
-constexpr unsigned int kMode = 0xFEEDC003;        // enumeration {0, 1, 2}, default 1
-constexpr unsigned int kName = 0xFEEDC004;        // string, default "unit"
-constexpr unsigned int kWrapped = 0xFEEDC005;     // range 0xFFFFFFF6 spanning 10
-constexpr unsigned int kLimited = 0xFEEDC006;     // 0..1000, dependent_minimum kPercent
-constexpr unsigned int kRaw = 0xFEEDC007;         // 0..10 but "do_not_validate"
-constexpr unsigned int kSource = 0xFEEDC008;      // integer with dependants kPercent, kName
-constexpr unsigned int kUnknown = 0xFEEDC0FF;     // no descriptor
+constexpr unsigned int kMode = 0xFEEDC003;          // enumeration {0, 1, 2}, default 1
+constexpr unsigned int kName = 0xFEEDC004;          // string, default "unit"
+constexpr unsigned int kWrapped = 0xFEEDC005;       // range 0xFFFFFFF6 spanning 10
+constexpr unsigned int kLimited = 0xFEEDC006;       // 0..1000, dependent_minimum kPercent
+constexpr unsigned int kRaw = 0xFEEDC007;           // 0..10 but "do_not_validate"
+constexpr unsigned int kSource = 0xFEEDC008;        // integer with dependants kPercent, kName
+constexpr unsigned int kUnknown = 0xFEEDC0FF;       // no descriptor
 
 inline IntegerDescriptor* Integer(unsigned int id, const char* name, unsigned int min,
                                   unsigned int max, unsigned int def) {
@@ -58,7 +58,8 @@ inline void Register() {
   name->SetFactoryDefault("unit");
   AddDescriptor(name);
   Integer(kWrapped, "eParamID_TestWrapped", 0xFFFFFFF6, 10, 0);
-  Integer(kLimited, "eParamID_TestLimited", 0, 1000, 0)->AddAttribute("dependent_minimum", kPercent);
+  Integer(kLimited, "eParamID_TestLimited", 0, 1000, 0)
+      ->AddAttribute("dependent_minimum", kPercent);
   Integer(kRaw, "eParamID_TestRaw", 0, 10, 0)->AddClassName("do_not_validate");
   IntegerDescriptor* source = Integer(kSource, "eParamID_TestSource", 0, 5, 0);
   source->AddDependentParamID(kPercent);

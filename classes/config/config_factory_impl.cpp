@@ -23,7 +23,8 @@ Config* ConfigFactoryImpl::Connect(std::string uri) {
     if (uri.find("local:") == std::string::npos) return nullptr;
     Config* config = _local_factory->Connect(uri);
     if (config == nullptr)
-      fprintf(stderr, "ConfigFactoryImpl::Connect - local factory return NULL Config* for uri = %s\n",
+      fprintf(stderr,
+              "ConfigFactoryImpl::Connect - local factory return NULL Config* for uri = %s\n",
               uri.c_str());
     return config;
   }

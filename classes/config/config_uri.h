@@ -8,7 +8,7 @@
 
 #include <string>
 
-constexpr int kConfigPort = 43110;       // requests, on every transport
+constexpr int kConfigPort = 43110;          // requests, on every transport
 constexpr int kMulticastEventPort = 63110;  // UDP multicast events
 
 // The URI a client of `transport` ("socket", "udp" or "tcp", compared

@@ -16,7 +16,8 @@ LocalConfigFactory::~LocalConfigFactory() { SemaphoreHelper::DestroySemaphore(&_
 eConfigID_t LocalConfigFactory::GetConfigID(std::string uri) {
   size_t at = uri.find("configid=");
   int id = 0;
-  if (at == std::string::npos || sscanf(uri.c_str() + at, "configid=%d", &id) != 1) return eConfigID_Default;
+  if (at == std::string::npos || sscanf(uri.c_str() + at, "configid=%d", &id) != 1)
+    return eConfigID_Default;
   return static_cast<eConfigID_t>(id);
 }
 

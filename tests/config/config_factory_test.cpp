@@ -2,13 +2,12 @@
 // in-process store.
 #include <gtest/gtest.h>
 
-#include "test_stderr.h"
-
 #include "config/config_factory_impl.h"
 #include "config/config_uri.h"
 #include "config/local_config_factory.h"
 #include "config/manager/config_manager.h"
 #include "test_catalogue.h"
+#include "test_stderr.h"
 
 namespace {
 
@@ -124,7 +123,8 @@ TEST(ConfigFactoryImplTest, RoutesByURI) {
   ConfigFactoryImpl* factory = ConfigFactoryImpl::GetInstance();
   EXPECT_EQ(factory, ConfigFactoryImpl::GetInstance());
 
-  std::string err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("socket://127.0.0.1:43110")); });
+  std::string err =
+      Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("socket://127.0.0.1:43110")); });
   EXPECT_EQ("", err) << "a socket URI is not this factory's, silently";
 
   const char* kFailed = "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n";

@@ -3,8 +3,6 @@
 #include "support/product_id.h"
 
 #include <gtest/gtest.h>
-
-#include "test_stderr.h"
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +10,7 @@
 #include <string>
 
 #include "support/serial_number.h"
+#include "test_stderr.h"
 
 namespace {
 

@@ -116,8 +116,8 @@ bool SocketClient::ReceiveResponse(const XCONFIGMGR_HEADER_T& request,
 
 bool SocketClient::Exchange(uint32_t msgtype, eParam_t id, uint32_t expected,
                             XCONFIGMGR_RESPONSE_T& response) {
-  XCONFIGMGR_REQUEST_T request{MakeHeader(msgtype, _connection_id, NextRequestID(), _config_id),
-                               id, 0, 0, 0};
+  XCONFIGMGR_REQUEST_T request{MakeHeader(msgtype, _connection_id, NextRequestID(), _config_id), id,
+                               0, 0, 0};
   char bytes[sizeof request];
   Pack(request, bytes);
   ConnectionUtilities::Dump(request);
@@ -177,8 +177,8 @@ bool SocketClient::Get(eParam_t id, std::string& value) {
 bool SocketClient::Set(eParam_t id, unsigned int value) {
   SemaphoreHelper lock(_semaphore);
   XCONFIGMGR_REQUEST_T request{
-      MakeHeader(XCFG_SET_PARAM_REQUEST, _connection_id, NextRequestID(), _config_id), id, value,
-      0, 0};
+      MakeHeader(XCFG_SET_PARAM_REQUEST, _connection_id, NextRequestID(), _config_id), id, value, 0,
+      0};
   char bytes[sizeof request];
   Pack(request, bytes);
   ConnectionUtilities::Dump(request);
@@ -198,8 +198,8 @@ bool SocketClient::Set(eParam_t id, std::string value) {
   }
   SemaphoreHelper lock(_semaphore);
   XCONFIGMGR_REQUEST_T request{
-      MakeHeader(XCFG_SET_STREAM_PARAM_REQUEST, _connection_id, NextRequestID(), _config_id), id,
-      0, static_cast<uint32_t>(payload.size()), 0};
+      MakeHeader(XCFG_SET_STREAM_PARAM_REQUEST, _connection_id, NextRequestID(), _config_id), id, 0,
+      static_cast<uint32_t>(payload.size()), 0};
   std::vector<char> bytes(sizeof request + payload.size());
   Pack(request, bytes.data());
   memcpy(bytes.data() + sizeof request, payload.data(), payload.size());

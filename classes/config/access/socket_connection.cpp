@@ -171,8 +171,9 @@ void SocketConnection::ProcessMessages() {
     long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
-      fprintf(stderr, "SocketConnection::ProcessMessages - error calling recv for message type "
-                      "(connection pid = 0x%X)\n",
+      fprintf(stderr,
+              "SocketConnection::ProcessMessages - error calling recv for message type "
+              "(connection pid = 0x%X)\n",
               _connection_id);
       break;
     }
@@ -206,8 +207,9 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   // Every other request needs the store a Connect Request opens first.
   if (_store == nullptr) {
-    fprintf(stderr, "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
-                    "(connection pid = 0x%X)\n",
+    fprintf(stderr,
+            "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+            "(connection pid = 0x%X)\n",
             SymbolicName(msgtype), _connection_id);
     return false;
   }
@@ -261,8 +263,8 @@ bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQU
 
 bool SocketConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
   unsigned int value = _store->Get(request.paramID);
-  XCONFIGMGR_RESPONSE_T response{Answer(request.header, XCFG_GET_PARAM_RESPONSE),
-                                 request.paramID, 0, value, 0, 0};
+  XCONFIGMGR_RESPONSE_T response{
+      Answer(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
     fprintf(stderr, "SocketConnection::ProcessGetRequest - _socket->send failed\n");
   return true;
@@ -300,7 +302,11 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
   delete value;
   if (result == 0) {
     XCONFIGMGR_RESPONSE_T response{Answer(request.header, XCFG_SET_STREAM_PARAM_RESPONSE),
-                                   request.paramID, kXConfigSetStringError, 0, 0, 0};
+                                   request.paramID,
+                                   kXConfigSetStringError,
+                                   0,
+                                   0,
+                                   0};
     SendErrorResponse(response);
   }
   return true;
@@ -311,8 +317,9 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
     case eClassID_IntegerValue: {
       IntegerValue* integer = dynamic_cast<IntegerValue*>(value);
       if (integer == nullptr) {
-        fprintf(stderr,
-                "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
+        fprintf(
+            stderr,
+            "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
         return 0;
       }
       unsigned int v;
@@ -380,7 +387,11 @@ bool SocketConnection::ParamChanged(unsigned int paramID, unsigned int value, ti
   XCONFIGMGR_RESPONSE_T event{
       MakeHeader(XCFG_PARAM_CHANGED_EVENT, _connection_id, kXConfigEventRequestID,
                  static_cast<uint32_t>(_store->GetConfigID())),
-      paramID, 0, value, 0, kXConfigStreamBufferSize};
+      paramID,
+      0,
+      value,
+      0,
+      kXConfigStreamBufferSize};
   if (!SendRecordLocked(event)) {
     perror("SocketConnection::ParamChanged - unable to send event to socket");
     return false;
@@ -434,9 +445,9 @@ bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
     fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
     return false;
   }
-  XCONFIGMGR_RESPONSE_T response{Answer(request.header, msgtype), request.paramID, 0, 0,
-                                 static_cast<uint32_t>(payload.size()),
-                                 kXConfigStreamBufferSize};
+  XCONFIGMGR_RESPONSE_T response{
+      Answer(request.header, msgtype),       request.paramID,         0, 0,
+      static_cast<uint32_t>(payload.size()), kXConfigStreamBufferSize};
   bytes.resize(sizeof response + payload.size());
   Pack(response, bytes.data());
   memcpy(bytes.data() + sizeof response, payload.data(), payload.size());
@@ -466,7 +477,8 @@ bool SocketConnection::SendErrorResponse(XCONFIGMGR_CONNECTION_RESPONSE_T& respo
 
 template <typename Response>
 bool SocketConnection::SendError(const Response& response) {
-  if (response.error == 0) fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+  if (response.error == 0)
+    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
   if (!SendRecord(response)) {
     perror("SendErrorResponse: mq_send failed");
     return false;

@@ -106,11 +106,11 @@ class SocketConnection : public ConfigEventListener, public Runnable {
 
   Config* _store;
   Socket* _socket;
-  int _fd;  // the socket's descriptor, fixed for the connection's life
+  int _fd;               // the socket's descriptor, fixed for the connection's life
   StreamReader _reader;  // the connection thread's reads
   uint32_t _connection_id;
-  bool _registered;              // guarded by _send_lock
-  bool _listening;               // added to the store's listeners
+  bool _registered;                 // guarded by _send_lock
+  bool _listening;                  // added to the store's listeners
   std::list<unsigned int> _filter;  // guarded by _send_lock; empty: all
   std::atomic<bool> _stop;
   std::atomic<bool> _broken;  // a send failed: no more sends

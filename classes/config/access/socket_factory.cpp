@@ -16,7 +16,9 @@ namespace zyn {
 namespace config {
 namespace access {
 
-SocketFactory::SocketFactory() : _request_counter(0) { SemaphoreHelper::InitSemaphore(&_semaphore); }
+SocketFactory::SocketFactory() : _request_counter(0) {
+  SemaphoreHelper::InitSemaphore(&_semaphore);
+}
 
 SocketFactory::~SocketFactory() { SemaphoreHelper::DestroySemaphore(&_semaphore); }
 
@@ -69,16 +71,16 @@ bool SocketFactory::ConfirmConnection(Socket* socket, unsigned int connectionID,
 
 bool SocketFactory::ConfirmDisconnect(Socket* socket, unsigned int connectionID,
                                       eConfigID_t configID) {
-  return ConnectionExchange(socket, XCFG_DISCONNECT_REQUEST, XCFG_DISCONNECT_RESPONSE,
-                            connectionID, configID);
+  return ConnectionExchange(socket, XCFG_DISCONNECT_REQUEST, XCFG_DISCONNECT_RESPONSE, connectionID,
+                            configID);
 }
 
 bool SocketFactory::ConnectionExchange(Socket* socket, uint32_t msgtype, uint32_t expected,
                                        unsigned int connectionID, eConfigID_t configID) {
   SemaphoreHelper lock(&_semaphore);
-  XCONFIGMGR_CONNECTION_REQUEST_T request{
-      MakeHeader(msgtype, connectionID, static_cast<uint32_t>(_request_counter++),
-                 static_cast<uint32_t>(configID))};
+  XCONFIGMGR_CONNECTION_REQUEST_T request{MakeHeader(msgtype, connectionID,
+                                                     static_cast<uint32_t>(_request_counter++),
+                                                     static_cast<uint32_t>(configID))};
   char bytes[sizeof request];
   Pack(request, bytes);
   ConnectionUtilities::Dump(request);

@@ -3,10 +3,10 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <unistd.h>
 
 #include "config/access/socket.h"
 #include "config/access/socket_connection.h"

@@ -157,7 +157,8 @@ ConfigValue* DecodePayload(const char* data, size_t size) {
 bool IsValidResponse(const XCONFIGMGR_HEADER_T& request, const XCONFIGMGR_HEADER_T& response) {
   bool valid = true;
   if (request.connectionID != response.connectionID) {
-    fprintf(stderr, "IsValidResponse - request.connectionID (0x%X) != response.connectionID (0x%X)\n",
+    fprintf(stderr,
+            "IsValidResponse - request.connectionID (0x%X) != response.connectionID (0x%X)\n",
             request.connectionID, response.connectionID);
     valid = false;
   }

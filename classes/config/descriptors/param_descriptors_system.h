@@ -24,7 +24,6 @@
 constexpr int kPresetNameCount = 41;
 constexpr unsigned int kFactoryPresetNameParamID = 0x383AA021;
 
-
 void createParamDescriptor_TestID();
 void createParamDescriptor_Status();
 void createParamDescriptor_PersistStatus();

@@ -23,8 +23,7 @@ constexpr int kSetDataLine = 248;
 
 }  // namespace
 
-ConfigManager::ConfigManager(eConfigID_t id)
-    : configID(id), _last_update{0, 0}, _use_count(0) {
+ConfigManager::ConfigManager(eConfigID_t id) : configID(id), _last_update{0, 0}, _use_count(0) {
   SemaphoreHelper::InitSemaphore(&_values_lock);
   SemaphoreHelper::InitSemaphore(&_listeners_lock);
   SemaphoreHelper::InitSemaphore(&_use_count_lock);
@@ -58,7 +57,8 @@ bool ConfigManager::InitDefaultConfig() {
   for (unsigned int id : GetParamIDs()) {
     Serializable* value = nullptr;
     if (!GetConfigValue(id, value))
-      fprintf(stderr, "ConfigManager::InitDefaultConfig - GetConfigValue failed for paramid %d!!!!\n",
+      fprintf(stderr,
+              "ConfigManager::InitDefaultConfig - GetConfigValue failed for paramid %d!!!!\n",
               static_cast<int>(id));
   }
   fprintf(stderr, "ConfigManager::InitDefaultConfig() - end\n");
@@ -91,9 +91,7 @@ timeval ConfigManager::GetLastConfigUpdate() { return timeval{0, 0}; }
 
 ParamDescriptor* ConfigManager::GetParamDescriptor(eParam_t id) { return GetDescriptor(id); }
 
-ParamDescriptor* ConfigManager::GetParamDescriptor(std::string name) {
-  return GetDescriptor(name);
-}
+ParamDescriptor* ConfigManager::GetParamDescriptor(std::string name) { return GetDescriptor(name); }
 
 std::vector<unsigned int> ConfigManager::GetParamIDs() { return ::GetParamIDs(); }
 

@@ -21,8 +21,8 @@
 #include <semaphore.h>
 #include <sys/time.h>
 
-#include <unordered_map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "config/config.h"
@@ -105,7 +105,7 @@ class ConfigManager : public Config {
   // Keyed by parameter ID; hashed because every Get and Set looks it up.
   std::unordered_map<unsigned int, ConfigValue*> _values;  // guarded by _values_lock
   sem_t _values_lock;
-  timeval _last_update;  // guarded by _values_lock
+  timeval _last_update;                          // guarded by _values_lock
   std::vector<ConfigEventListener*> _listeners;  // guarded by _listeners_lock
   sem_t _listeners_lock;
   std::vector<zyn::config::UpdatePrecondition*> _preconditions;

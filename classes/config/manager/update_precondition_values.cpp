@@ -39,9 +39,7 @@ bool UpdatePreconditionValues::IsUpdateValid(Config* config, IntegerUpdates& upd
 
 bool UpdatePreconditionValues::IsUpdateValid(Config*, StringUpdates&) { return true; }
 
-bool UpdatePreconditionValues::IsUpdateValid(Config*, unsigned int, Serializable&) {
-  return true;
-}
+bool UpdatePreconditionValues::IsUpdateValid(Config*, unsigned int, Serializable&) { return true; }
 
 bool UpdatePreconditionValues::IsValidEnum(EnumDescriptor* descriptor, unsigned int& value) {
   return descriptor->GetEnumValueDescriptors().count(value) != 0;
@@ -56,8 +54,7 @@ bool UpdatePreconditionValues::IsValidRange(IntegerDescriptor* descriptor, unsig
   return value - min <= max;
 }
 
-void UpdatePreconditionValues::ForceValidRange(IntegerDescriptor* descriptor,
-                                               unsigned int& value) {
+void UpdatePreconditionValues::ForceValidRange(IntegerDescriptor* descriptor, unsigned int& value) {
   unsigned int min = descriptor->GetMinValue();
   unsigned int max = descriptor->GetMaxValue();
   bool below = min > max ? BelowWrappedMinimum(value, min) : value < min;

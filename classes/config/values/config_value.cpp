@@ -6,11 +6,12 @@
 #include "config/values/serializer.h"
 
 ConfigValue::ConfigValue()
-    : Serializable(eClassID_Unset), configID(eConfigID_Default), paramID(0),
+    : Serializable(eClassID_Unset),
+      configID(eConfigID_Default),
+      paramID(0),
       paramType(eCParam_None) {}
 
-ConfigValue::ConfigValue(eClassID_t cls, eConfigID_t config, unsigned int param,
-                         eParamType_t type)
+ConfigValue::ConfigValue(eClassID_t cls, eConfigID_t config, unsigned int param, eParamType_t type)
     : Serializable(cls), configID(config), paramID(param), paramType(type) {}
 
 bool ConfigValue::IsEqual(Serializable* other) {

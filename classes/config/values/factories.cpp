@@ -7,9 +7,7 @@
 #include "config/values/sector_header.h"
 #include "config/values/vector.h"
 
-SectorHeaderFactory::SectorHeaderFactory() : ClassFactory(eClassID_SectorHeader) {
-  Register(this);
-}
+SectorHeaderFactory::SectorHeaderFactory() : ClassFactory(eClassID_SectorHeader) { Register(this); }
 
 Serializable* SectorHeaderFactory::Create() {
   static SectorHeader* header = [] {

@@ -13,10 +13,8 @@ namespace {
 constexpr uint32_t kTrueWord = 0x0000BEEF;
 }  // namespace
 
-MemoryDeSerializer::MemoryDeSerializer(eSerializationFormat fmt, char* start, char* end,
-                                       bool f)
-    : DeSerializer(fmt), pos(start), sectorStart(start), sectorEnd(end), flag(f),
-      failed(false) {}
+MemoryDeSerializer::MemoryDeSerializer(eSerializationFormat fmt, char* start, char* end, bool f)
+    : DeSerializer(fmt), pos(start), sectorStart(start), sectorEnd(end), flag(f), failed(false) {}
 
 bool MemoryDeSerializer::Need(unsigned long n) {
   if (failed) return false;

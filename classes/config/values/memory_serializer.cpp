@@ -13,12 +13,7 @@ constexpr uint32_t kFalseWord = 0x0000DEAD;
 }  // namespace
 
 MemorySerializer::MemorySerializer(eSerializationFormat fmt, char* start, char* end, bool f)
-    : Serializer(fmt),
-      pos(start),
-      bufferStart(start),
-      bufferEnd(end),
-      flag(f),
-      overflowed(false) {}
+    : Serializer(fmt), pos(start), bufferStart(start), bufferEnd(end), flag(f), overflowed(false) {}
 
 void MemorySerializer::Put(const char* bytes, unsigned int n) {
   if (overflowed || Available() < static_cast<long>(n)) {
@@ -89,12 +84,8 @@ void MemorySerializerSizer::Write(const std::string&, const std::string& v) {
 }
 void MemorySerializerSizer::Write(const std::string&, unsigned int) { Wrote(4); }
 void MemorySerializerSizer::Write(const std::string&, int) { Wrote(4); }
-void MemorySerializerSizer::Write(const std::string&, Serializable* object) {
-  WriteFramed(object);
-}
-void MemorySerializerSizer::Write(const std::string&, char*, unsigned int size) {
-  Wrote(4 + size);
-}
+void MemorySerializerSizer::Write(const std::string&, Serializable* object) { WriteFramed(object); }
+void MemorySerializerSizer::Write(const std::string&, char*, unsigned int size) { Wrote(4 + size); }
 
 unsigned int MemorySerializerSizer::GetSize(Serializable* object, MemorySerializer* like) {
   MemorySerializerSizer sizer(like != nullptr ? like->GetFormat() : eSerializationFormat_Binary);

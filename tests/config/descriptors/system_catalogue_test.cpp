@@ -3,8 +3,6 @@
 // built from it.
 #include <gtest/gtest.h>
 
-#include "test_stderr.h"
-
 #include <algorithm>
 #include <list>
 #include <set>
@@ -22,6 +20,7 @@
 #include "config/values/presets_param_vector.h"
 #include "support/product_id.h"
 #include "support/serial_number.h"
+#include "test_stderr.h"
 
 namespace {
 

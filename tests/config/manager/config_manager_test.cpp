@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "test_stderr.h"
-
 #include <atomic>
 #include <thread>
 
@@ -13,6 +11,7 @@
 #include "config/values/integer_value.h"
 #include "recording_listener.h"
 #include "test_catalogue.h"
+#include "test_stderr.h"
 
 using namespace test_catalogue;
 

@@ -1,8 +1,6 @@
 // Loading and storing a preset through a real store, with a second thread
 // playing the owner of the settings.
 #include <gtest/gtest.h>
-
-#include "test_stderr.h"
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +13,7 @@
 #include "config/values/file.h"
 #include "config/values/presets_param_vector.h"
 #include "test_catalogue.h"
+#include "test_stderr.h"
 
 using namespace zyn::config::values;
 

@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "test_stderr.h"
-
 #include "config/values/factories.h"
 #include "config/values/integer_value.h"
 #include "config/values/presets_param_vector.h"
 #include "config/values/vector.h"
+#include "test_stderr.h"
 
 namespace {
 
@@ -23,8 +22,8 @@ class ClassFactoryTest : public testing::Test {
 }  // namespace
 
 TEST_F(ClassFactoryTest, SharedScratchObjects) {
-  for (eClassID_t id : {eClassID_IntegerValue, eClassID_StringValue, eClassID_SectorHeader,
-                        eClassID_Checkpoint}) {
+  for (eClassID_t id :
+       {eClassID_IntegerValue, eClassID_StringValue, eClassID_SectorHeader, eClassID_Checkpoint}) {
     Serializable* first = ClassFactory::Create(id);
     ASSERT_NE(nullptr, first) << id;
     EXPECT_EQ(first, ClassFactory::Create(id)) << "class " << id << " must be shared";

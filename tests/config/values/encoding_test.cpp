@@ -13,8 +13,8 @@
 namespace {
 
 MemoryDeSerializer ReaderOf(std::vector<char>& bytes) {
-  return MemoryDeSerializer(eSerializationFormat_Binary, bytes.data(),
-                            bytes.data() + bytes.size(), false);
+  return MemoryDeSerializer(eSerializationFormat_Binary, bytes.data(), bytes.data() + bytes.size(),
+                            false);
 }
 
 }  // namespace
@@ -47,9 +47,8 @@ TEST(EncodingTest, ScalarWritesAndSizes) {
   char block[] = {9, 8};
   both([&](Serializer& s) { s.Write("d", block, 2u); });
   std::vector<char> written(buffer, out.GetPos());
-  EXPECT_EQ(
-      "00 00 BE EF 00 00 DE AD FF FF FF FE AB 01 02 03 04 00 00 00 00 00 00 00 02 09 08",
-      Hex(written));
+  EXPECT_EQ("00 00 BE EF 00 00 DE AD FF FF FF FE AB 01 02 03 04 00 00 00 00 00 00 00 02 09 08",
+            Hex(written));
   EXPECT_EQ(written.size(), sizer.GetBytesWritten());
   EXPECT_EQ(written.size(), out.GetBytesWritten());
 }

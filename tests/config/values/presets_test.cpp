@@ -128,9 +128,7 @@ TEST(PresetsTest, FileFailures) {
 // A preset too large to allocate still reports success, with no image held.
 TEST(PresetsDeathTest, SlurpFailedAllocationReportsSuccess) {
   std::string path = TempPath("huge");
-  {
-    std::ofstream create(path);
-  }
+  { std::ofstream create(path); }
   ASSERT_EQ(0, truncate(path.c_str(), 0xF0000000LL));  // sparse
   auto slurpUnderLimit = [&path] {
     rlimit limit;

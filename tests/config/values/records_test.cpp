@@ -56,8 +56,7 @@ TEST(RecordsTest, ReadBackThroughRegistry) {
   testing::internal::GetCapturedStderr();
   PackageHeader* read = dynamic_cast<PackageHeader*>(object);
   ASSERT_NE(nullptr, read);
-  EXPECT_EQ(
-      "class=PackageHeader, _packageHeaderVersion=0x1001, _productID=1234, _fileSize=0x20.",
-      read->ToString());
+  EXPECT_EQ("class=PackageHeader, _packageHeaderVersion=0x1001, _productID=1234, _fileSize=0x20.",
+            read->ToString());
   delete read;
 }
