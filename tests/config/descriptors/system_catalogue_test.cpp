@@ -21,6 +21,7 @@
 #include "support/product_id.h"
 #include "support/serial_number.h"
 #include "test_stderr.h"
+#include "unit_catalogue.h"
 
 namespace {
 
@@ -178,50 +179,10 @@ const unsigned int kPresetNameIDs[kPresetNameCount] = {
 };
 // clang-format on
 
-// The IDs CreateDescriptors built. It builds only into an empty registry, and
-// other tests of this binary may have registered descriptors of their own
-// (IDs 0xFEEDxxxx) when they share the process: those are set aside while
-// the catalogue is built and put back afterwards.
-const std::set<unsigned int>& CatalogueIDs() {
-  static const std::set<unsigned int> ids = [] {
-    std::unordered_map<unsigned int, ParamDescriptor*> others;
-    if (GetDescriptor(0x01234567u) == nullptr) others.swap(g_paramDescriptors);
-    Stderr([] { CreateDescriptors(); });
-    std::set<unsigned int> built;
-    for (unsigned int id : GetParamIDs())
-      if (id >> 16 != 0xFEED) built.insert(id);
-    g_paramDescriptors.insert(others.begin(), others.end());
-    IndexDescriptorNames();
-    return built;
-  }();
-  return ids;
-}
-
-ParamDescriptor* Find(const std::string& id_name) {
-  ParamDescriptor* d = GetDescriptor(id_name);
-  EXPECT_NE(d, nullptr) << id_name;
-  return d;
-}
-
-// An enumeration's values in display order, "value name" each, with "/short"
-// when the short name differs and "[text]" when there is a third text.
-std::string ValuesOf(ParamDescriptor* d) {
-  EnumDescriptor* e = dynamic_cast<EnumDescriptor*>(d);
-  if (e == nullptr) return "";
-  std::string out;
-  for (const EnumValueDescriptor& v : e->GetOrderedEnumValueDescriptors()) {
-    out += (out.empty() ? "" : ", ") + std::to_string(v.GetValue()) + " " + v.GetName();
-    if (v.GetShortName() != v.GetName()) out += "/" + v.GetShortName();
-    if (!v.GetText().empty()) out += "[" + v.GetText() + "]";
-  }
-  return out;
-}
-
-std::string ClassesOf(ParamDescriptor* d) {
-  std::string out;
-  for (const std::string& name : d->GetClassNames()) out += (out.empty() ? "" : " ") + name;
-  return out;
-}
+using unit_catalogue::CatalogueIDs;
+using unit_catalogue::ClassesOf;
+using unit_catalogue::Find;
+using unit_catalogue::ValuesOf;
 
 // "group:menu number", or "" for a parameter in no menu.
 std::string MenuPlaceOf(ParamDescriptor* d) {

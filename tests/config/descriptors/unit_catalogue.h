@@ -60,8 +60,8 @@ inline ParamDescriptor* Find(const std::string& id_name) {
   return d;
 }
 
-// "value name/short, ..." in display order; the short name only where it
-// differs.
+// "value name/short[text], ..." in display order; the short name only where
+// it differs, the third text only where there is one.
 inline std::string ValuesOf(ParamDescriptor* d) {
   EnumDescriptor* e = dynamic_cast<EnumDescriptor*>(d);
   if (e == nullptr) return "";
@@ -70,6 +70,7 @@ inline std::string ValuesOf(ParamDescriptor* d) {
     if (!text.empty()) text += ", ";
     text += std::to_string(v.GetValue()) + " " + v.GetName();
     if (v.GetShortName() != v.GetName()) text += "/" + v.GetShortName();
+    if (!v.GetText().empty()) text += "[" + v.GetText() + "]";
   }
   return text;
 }
