@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -36,6 +37,20 @@ class WaitingListener : public ConfigEventListener {
     arrived.wait_for(hold, std::chrono::milliseconds(timeoutMs),
                      [&] { return seen.size() >= count; });
     return seen;
+  }
+  // An Add Listener Request has no answer, so a write made right after it
+  // can reach the store before the registration does. Writes probe texts
+  // to kName through `writer` until one comes back as an event, then a last
+  // marker, and forgets everything seen up to that marker.
+  void AwaitRegistration(Config* writer) {
+    for (int i = 0; i < 500 && WaitFor(1, 20).empty(); ++i)
+      writer->Set(kName, "probe" + std::to_string(i));
+    writer->Set(kName, std::string("sync"));
+    std::unique_lock<std::mutex> hold(lock);
+    arrived.wait_for(hold, std::chrono::seconds(5),
+                     [&] { return !seen.empty() && seen.back() == "4='sync'"; });
+    EXPECT_EQ("4='sync'", seen.empty() ? "" : seen.back()) << "the registration never landed";
+    seen.clear();
   }
 
   std::mutex lock;
@@ -125,6 +140,7 @@ TEST_F(SocketClientTest, ListenersOnAnEventConnection) {
   WaitingListener listener;
   EXPECT_TRUE(events->AddConfigEventListener(&listener));
   EXPECT_TRUE(events->AddConfigEventListener(&listener));  // listed once
+  listener.AwaitRegistration(requests);
   requests->Set(kPercent, 10);
   requests->Set(kName, std::string("Studio"));
   EXPECT_EQ((std::vector<std::string>{"1=10", "4='Studio'"}), listener.WaitFor(2));
@@ -150,6 +166,7 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener));
   std::string err = testing::internal::GetCapturedStderr();
   EXPECT_EQ(std::string::npos, err.find("WARNING")) << "no global registration yet";
+  listener.AwaitRegistration(requests);
   requests->Set(kPercent, 12);  // not in the filter
   requests->Set(kName, std::string("B"));
   EXPECT_EQ((std::vector<std::string>{"4='B'"}), listener.WaitFor(1));
@@ -175,18 +192,24 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
 TEST_F(SocketClientTest, WaitForConfigEvent) {
   SocketClient* events = Open();
   SocketClient* requests = Open();
+  // The wait registers first; writes repeat until one is seen after it.
+  std::atomic<bool> seen{false};
   std::thread writer([&] {
-    usleep(100000);
-    requests->Set(kPercent, 44);
+    while (!seen) {
+      requests->Set(kPercent, 44);
+      usleep(5000);
+    }
   });
   ConfigEvent event;
   EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
+  seen = true;
   writer.join();
   EXPECT_EQ(kPercent, event.paramID);
   EXPECT_EQ(44u, event.intValue);
   EXPECT_EQ(4u, event.paramType);
   requests->Set(kName, std::string("W"));
-  EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
+  for (int i = 0; i < 1000 && event.paramID != kName; ++i)
+    EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));  // skips the writer's late repeats
   EXPECT_EQ(12u, event.paramType);
   EXPECT_EQ("W", event.stringValue);
   factory.Disconnect(events);

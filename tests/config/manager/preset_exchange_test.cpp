@@ -41,7 +41,11 @@ class Owner {
   Owner(ConfigManager& store, unsigned int resultParam, unsigned int registerParam, Action action,
         unsigned int result)
       : thread([=, &store] {
-          while (!stop && store.Get(resultParam) != kRegisterInProgress) usleep(1000);
+          // The requester marks the result "in progress" before it names the
+          // preset, so both must be seen before the preset number is read.
+          while (!stop && (store.Get(resultParam) != kRegisterInProgress ||
+                           store.Get(registerParam) == 0))
+            usleep(1000);
           if (stop) return;
           std::string path = PresetsParamVector::PresetFileName(store.Get(registerParam));
           if (action == kWriteFile) File::write_file(path, "image!", 6);
