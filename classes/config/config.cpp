@@ -1,25 +1,27 @@
-#include "config/config.h"
+// The assertions below must fire in builds with NDEBUG too.
+#undef NDEBUG
+#include <cassert>
 
-// The C library's report of a failed assertion; declared here because the
-// assertion must fire in builds with NDEBUG too.
-extern "C" void __assert_fail(const char* assertion, const char* file, unsigned int line,
-                              const char* function) noexcept __attribute__((__noreturn__));
+#include "config/config.h"
 
 Serializable* Config::GetSerializable(eParam_t) { return nullptr; }
 
 bool Config::SetSerializable(eParam_t, Serializable*) { return false; }
 
 // Not optional: an implementation that reaches these bodies is a programming
-// error, reported the way a failed assert() in this file always has been.
+// error, reported with the place a failed assert() here has always named.
 bool Config::GetData(eParam_t, std::string&) {
-  __assert_fail("false", "classes/config/config", 65,
-                "virtual bool Config::GetData(eParam_t, std::string&)");
+#line 65 "classes/config/config"
+  assert(false);
+  return false;
 }
 
 bool Config::SetData(eParam_t, std::string&) {
-  __assert_fail("false", "classes/config/config", 66,
-                "virtual bool Config::SetData(eParam_t, std::string&)");
+#line 66 "classes/config/config"
+  assert(false);
+  return false;
 }
+#line 25 "classes/config/config.cpp"
 
 bool Config::AddConfigEventListener(ConfigEventListener*) { return false; }
 

@@ -77,7 +77,9 @@ bool PresetsParamVector::Slurp(const std::string& path) {
   size = static_cast<unsigned int>(info.st_size);
   data = new (std::nothrow) char[size];
   if (data == nullptr) {
-    // Kept on purpose: a failed allocation reports success with no image.
+    // Kept on purpose: a failed allocation reports success with no image
+    // (no data, size 0).
+    size = 0;
     close(fd);
     fprintf(stderr, "PresetsParamVector::Slurp - new failed\n");
     return true;
@@ -175,6 +177,12 @@ bool PresetsParamVector::Store(eConfigID_t preset, Config* config) {
   if (data == nullptr || size == 0) return false;
   if (config == nullptr) {
     fprintf(stderr, "PresetsParamVector::Store - failed to get current config\n");
+    return false;
+  }
+  // Preset 0 holds the factory values; the register parameter would clamp
+  // it to preset 1 and overwrite that one instead.
+  if (preset == 0) {
+    fprintf(stderr, "PresetsParamVector::Store - preset 0 is the factory preset, not stored\n");
     return false;
   }
   std::string path = PresetFileName(static_cast<unsigned int>(preset));

@@ -165,4 +165,9 @@ TEST_F(PresetExchangeTest, StoreHandsTheImageOver) {
   EXPECT_NE(std::string::npos, err.find("PresetsParamVector::Store - WaitForState failed\n"))
       << err;
   EXPECT_FALSE(Exists(path)) << "removed after a failed store too";
+
+  err = Stderr([&] { EXPECT_FALSE(presets.Store(eConfigID_Default, &store)); });
+  EXPECT_EQ("PresetsParamVector::Store - preset 0 is the factory preset, not stored\n", err);
+  EXPECT_EQ(static_cast<unsigned int>(preset), store.Get(kRegisterStoreParamID))
+      << "no preset was named to the owner";
 }

@@ -138,7 +138,7 @@ TEST(PresetsDeathTest, SlurpFailedAllocationReportsSuccess) {
     bool ok = presets.Slurp(path);
     unsigned int size = 0;
     bool empty = presets.GetData(size) == nullptr;
-    _exit(ok && empty ? 0 : 1);
+    _exit(ok && empty && size == 0 ? 0 : 1);
   };
   EXPECT_EXIT(slurpUnderLimit(), testing::ExitedWithCode(0),
               "PresetsParamVector::Slurp - new failed\n");
