@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -88,11 +89,18 @@ void SocketServer::Stop() {
   // Shutting the listening socket down makes the waiting accept fail; the
   // server thread closes it when it leaves. The flag is set last: once it
   // is, the thread may delete the server at any moment.
+  _closing = true;
   if (_listen_fd >= 0) ::shutdown(_listen_fd, SHUT_RDWR);
   _stop = true;
 }
 
 SocketConnection* SocketServer::WaitForConnection() {
+  // Waits for a connection (or the shutdown of Stop) first, so that a clean
+  // stop does not report the accept it interrupts as a failure.
+  pollfd ready{_listen_fd, POLLIN, 0};
+  while (poll(&ready, 1, -1) < 0 && errno == EINTR) {
+  }
+  if (_closing) return nullptr;
   Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!_socket->accept(accepted)) {
     delete accepted;

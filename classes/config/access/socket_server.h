@@ -50,6 +50,7 @@ class SocketServer : public Runnable {
 
   Socket* _socket;
   std::atomic<bool> _stop;
+  std::atomic<bool> _closing{false};  // Stop has begun: a failed accept is expected
   int _port;
   int _listen_fd;
   pthread_t _thread;
