@@ -32,7 +32,12 @@ bool SocketServer::Init() {
     fprintf(stderr, "SocketServer::Init - failed to create Socket\n");
     return false;
   }
-  if (!_socket->bind(_port)) {
+  in_addr parsed{};
+  if (!_listen_address.empty() && inet_pton(AF_INET, _listen_address.c_str(), &parsed) != 1) {
+    fprintf(stderr, "SocketServer::Init - invalid listening address %s\n", _listen_address.c_str());
+    return false;
+  }
+  if (!_socket->bind(_listen_address, _port)) {
     fprintf(stderr, "SocketServer::Init - failed to bind Socket\n");
     return false;
   }
@@ -104,6 +109,21 @@ SocketConnection* SocketServer::WaitForConnection() {
   Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!_socket->accept(accepted)) {
     delete accepted;
+    return nullptr;
+  }
+  if (_max_connections > 0 && SocketConnection::LiveCount() >= _max_connections) {
+    // Closed before a connection thread or buffer exists: the clients
+    // already served keep all they had.
+    delete accepted;
+    ++_refused;
+    time_t now = time(nullptr);
+    if (now != _refusal_reported) {
+      _refusal_reported = now;
+      fprintf(stderr,
+              "SocketServer::WaitForConnection - connection limit of %d reached, %lu clients "
+              "refused so far\n",
+              _max_connections, _refused);
+    }
     return nullptr;
   }
   return new SocketConnection(accepted);

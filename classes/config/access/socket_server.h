@@ -13,8 +13,10 @@
 #define CLASSES_CONFIG_ACCESS_SOCKET_SERVER_H
 
 #include <pthread.h>
+#include <time.h>
 
 #include <atomic>
+#include <string>
 
 #include "support/runnable.h"
 
@@ -33,13 +35,22 @@ class SocketServer : public Runnable {
 
   // The accept loop; ends with "SocketServer::Run - exiting".
   void Run() override;
-  // Creates, binds (every interface) and listens. False with a message.
+  // Creates, binds (every interface, or the listening address) and
+  // listens. False with a message.
   virtual bool Init();
+  // Before Init: the IPv4 address to listen on, dotted ("127.0.0.1"); empty
+  // (the default) listens on every interface.
+  void SetListenAddress(const std::string& address) { _listen_address = address; }
+  // Before Start: at most `count` live connections in the process (0, the
+  // default: no limit). A client beyond it is closed at once, and the
+  // refusals are reported at most once a second.
+  void SetMaxConnections(int count) { _max_connections = count; }
   // Starts the server thread; from then on the thread owns the server.
   virtual bool Start();
   virtual void Stop();
 
-  // The next accepted client, or null.
+  // The next accepted client, or null (also for a client refused by the
+  // connection limit).
   SocketConnection* WaitForConnection();
   // The port actually bound (useful when constructed with port 0).
   int GetPort() const { return _port; }
@@ -54,6 +65,10 @@ class SocketServer : public Runnable {
   int _port;
   int _listen_fd;
   pthread_t _thread;
+  std::string _listen_address;
+  int _max_connections = 0;
+  unsigned long _refused = 0;  // clients closed by the limit (server thread)
+  time_t _refusal_reported = 0;
 };
 
 }  // namespace access

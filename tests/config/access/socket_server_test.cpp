@@ -280,3 +280,47 @@ TEST_F(SocketServerTest, ListenerThatStopsReadingIsCutOff) {
   ASSERT_TRUE(reader.ReadRecord(response));
   EXPECT_EQ(static_cast<uint32_t>((writes - 1) % 100), response.value);
 }
+
+TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
+  test_catalogue::Register();
+  testing::internal::CaptureStderr();
+  Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
+  SocketServer invalid(0);
+  invalid.SetListenAddress("not-an-address");
+  EXPECT_FALSE(invalid.Init());
+  auto* server = new SocketServer(0);
+  server->SetListenAddress("127.0.0.1");
+  server->SetMaxConnections(1);
+  ASSERT_TRUE(server->Init() && server->Start());
+  const int port = server->GetPort();
+  const pthread_t thread = server->GetThread();
+
+  RawPeer first(port);
+  EXPECT_EQ(0u, first.Connect(kConnection));
+  Sync(first);
+  RawPeer second(port);
+  EXPECT_TRUE(second.ClosedByPeer()) << "a client past the limit is closed at once";
+  for (int i = 0; i < 9; ++i) {
+    RawPeer more(port);
+    EXPECT_TRUE(more.ClosedByPeer());
+  }
+  Sync(first);  // the client within the limit is still served
+
+  server->Stop();
+  pthread_join(thread, nullptr);
+  SocketConnection::StopAll();
+  EXPECT_TRUE(SocketConnection::WaitForAll(10000));
+  ConfigFactoryImpl::GetInstance()->Disconnect(store);
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos,
+            err.find("SocketServer::Init - invalid listening address not-an-address\n"));
+  EXPECT_NE(std::string::npos,
+            err.find("SocketServer::WaitForConnection - connection limit of 1 reached, 1 clients "
+                     "refused so far\n"))
+      << err;
+  size_t lines = 0;
+  for (size_t at = err.find("connection limit"); at != std::string::npos;
+       at = err.find("connection limit", at + 1))
+    ++lines;
+  EXPECT_LE(lines, 2u) << "ten refusals within a moment are one line a second at most";
+}
