@@ -3,6 +3,8 @@
 // port, every record checked word for word.
 #include <gtest/gtest.h>
 
+#include "config/access/network_connection.h"
+#include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
 #include "test_stderr.h"
@@ -153,6 +155,47 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
   EXPECT_NE(std::string::npos,
             err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
   SyncTcp(other);
+}
+
+TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
+  zyn::boxline::config::access::NetworkConnection connection;
+  IntegerValue mode(eConfigID_Default, kMode, eCParam_IntegerValue, 2);
+  EXPECT_TRUE(connection.DoSetRequest(server.store, &mode));
+  EXPECT_EQ(2u, server.store->Get(kMode));
+  StringValue text(eConfigID_Default, kName, eCParam_StringValue, "x");
+  mode.SetClassID(eClassID_StringValue);
+  text.SetClassID(eClassID_IntegerValue);
+  std::string err = Stderr([&] {
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &mode));
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &text));
+    text.SetClassID(static_cast<eClassID_t>(6));
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &text));
+  });
+  EXPECT_EQ(
+      "NetworkConnection::DoSetRequest - type error, configValue is not a StringValue\n"
+      "NetworkConnection::DoSetRequest - type error, configValue is not an IntegerValue\n"
+      "NetworkConnection::DoSetRequest - returning error (unsupported classID)\n",
+      err);
+}
+
+TEST_F(NetworkTCPServerTest, ListenerThatStopsReadingIsCutOff) {
+  RawPeer stalled(server.port, 4096);
+  ASSERT_EQ(0u, stalled.Connect(kClient));
+  stalled.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+      MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kClient, 2, 0), 0});
+  SyncTcp(stalled);
+  RawPeer reader(server.port);
+  ASSERT_EQ(0u, reader.Connect(kClient + 1));
+  // Writers go on while the stalled client's buffers fill; once an event
+  // send times out the client is dropped and its thread ends.
+  int writes = 0;
+  std::string err = Stderr([&] {
+    while (NetworkTCPConnection::LiveCount() == 2 && writes < 2000000)
+      server.store->Set(kPercent, writes++ % 100);
+  });
+  EXPECT_EQ(1, NetworkTCPConnection::LiveCount()) << "the stalled client was never cut off";
+  EXPECT_NE(std::string::npos, err.find("NetworkTCPConnection::ParamChanged - unable to send"));
+  SyncTcp(reader);
 }
 
 TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
