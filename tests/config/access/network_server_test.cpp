@@ -1,7 +1,11 @@
 // The network server over real loopback sockets: TCP clients and UDP
 // datagrams driven by raw peers, multicast events heard on the test's own
 // port, every record checked word for word.
+#include <dirent.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+
+#include <fstream>
 
 #include "config/access/network_connection.h"
 #include "config/values/integer_value.h"
@@ -40,6 +44,24 @@ void SyncTcp(RawPeer& peer) {
   XCONFIGMGR_RESPONSE_T response{};
   ASSERT_TRUE(peer.ReadRecord(response));
   ASSERT_EQ(96u, response.header.msgtype);
+}
+
+// True once a thread of this process sits in system call `number` (a wait
+// with a deadline, not a fixed sleep).
+bool SomeThreadBlockedIn(long number, int timeoutMs = 5000) {
+  for (int waited = 0; waited < timeoutMs; waited += 5) {
+    DIR* tasks = opendir("/proc/self/task");
+    bool found = false;
+    while (dirent* task = readdir(tasks)) {
+      std::ifstream in(std::string("/proc/self/task/") + task->d_name + "/syscall");
+      long current = -1;
+      found = found || ((in >> current) && current == number);
+    }
+    closedir(tasks);
+    if (found) return true;
+    usleep(5000);
+  }
+  return false;
 }
 
 class NetworkTCPServerTest : public testing::Test {
@@ -301,6 +323,7 @@ TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
 }
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
+  ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
   std::string err = Stderr([&] { udp.Stop(); });
   EXPECT_NE(std::string::npos,
             err.find("NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
