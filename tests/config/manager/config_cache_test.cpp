@@ -179,6 +179,7 @@ TEST_F(ConfigCacheTest, EventsKeepTheMapsCurrent) {
   EXPECT_TRUE(cache->Get(kName, text));
   EXPECT_EQ("fourth", text);
 
+  EXPECT_EQ(1u, cache->Get(kMode));
   cache->ParamChanged(kMode, 2u, timeval{1234, 5});
   EXPECT_EQ(1234, cache->GetLastConfigUpdate().tv_sec);
   EXPECT_EQ(5, cache->GetLastConfigUpdate().tv_usec);
