@@ -71,7 +71,11 @@ unsigned int EnterSpecific(const MappingRule& rule, const ParamDescriptor* speci
   return specific_id;
 }
 
-void BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
+const MappingRule& Rule(MappingScheme_t scheme) { return *FindRule(scheme); }
+
+}  // namespace
+
+void TundraParamMapper::BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
   if (generic == nullptr) return;
   const std::string name = generic->GetParamIDName();
   const unsigned int generic_id = generic->GetParamID();
@@ -101,17 +105,19 @@ void BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
     }
   }
 
-  TundraParamMapper::ReverseMap[SelectorOf(rule, proc_no)].insert(generic_id);
-  TundraParamMapper::MappingScheme[generic_id] = rule.scheme;
+  unsigned int selector = SelectorOf(rule, proc_no);
+  ReverseMap[selector].insert(generic_id);
+  if (rule.byProcessor) _selectors[generic_id] = selector;
+  MappingScheme[generic_id] = rule.scheme;
 }
 
-void BuildMap(const MappingRule& rule, unsigned int id) {
+void TundraParamMapper::BuildMap(const MappingRule& rule, unsigned int id) {
   ParamDescriptor* generic = GetDescriptor(id);
   if (generic == nullptr) fprintf(stderr, "Not found generic (int) PD : 0x%0x\n", id);
   BuildMap(rule, generic);
 }
 
-void BuildMap(const MappingRule& rule, const char* id_name) {
+void TundraParamMapper::BuildMap(const MappingRule& rule, const char* id_name) {
   ParamDescriptor* generic = id_name != nullptr ? GetDescriptor(std::string(id_name)) : nullptr;
   if (generic == nullptr) {
     fprintf(stderr, "Not found generic (str) PD IN HERE : %s (%d)\n",
@@ -120,11 +126,8 @@ void BuildMap(const MappingRule& rule, const char* id_name) {
   BuildMap(rule, generic);
 }
 
-const MappingRule& Rule(MappingScheme_t scheme) { return *FindRule(scheme); }
-
-}  // namespace
-
 bool TundraParamMapper::_initialized = false;
+std::unordered_map<unsigned int, unsigned int> TundraParamMapper::_selectors(10);
 
 void TundraParamMapper::Initialize() {
   if (_initialized) return;
