@@ -39,8 +39,8 @@ constexpr GenericEntry kGenerics[] = {
 };
 // clang-format on
 
-// Step 3 of a build: a generic parameter is never kept, saved in presets or
-// reset itself; its specifics are.
+// A generic parameter only stands for its specifics: it is never kept,
+// saved in presets or reset itself; its specifics are.
 void CheckGenericFlags(const ParamDescriptor* generic, const std::string& name) {
   if (generic->GetPersistenceType() == ePersist) {
     printf("Warning: Generic parameter %s is set to ePersist!\n", name.c_str());
@@ -53,7 +53,8 @@ void CheckGenericFlags(const ParamDescriptor* generic, const std::string& name) 
   }
 }
 
-// Enters specific as entry index of the generic, after the rule's checks.
+// Records that specific belongs to the generic, after the rule's checks;
+// returns its ID.
 unsigned int EnterSpecific(const MappingRule& rule, const ParamDescriptor* specific,
                            unsigned int generic_id) {
   std::string name = specific->GetParamIDName();
