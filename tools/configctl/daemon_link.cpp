@@ -12,8 +12,8 @@ DaemonLink::~DaemonLink() {
   for (auto it = _clients.rbegin(); it != _clients.rend(); ++it) _factory.Disconnect(*it);
 }
 
-zyn::config::access::SocketClient* DaemonLink::Open() {
-  zyn::config::access::SocketClient* client = _factory.Connect(_uri);
+Config* DaemonLink::Open() {
+  Config* client = _factory.Connect(_uri);
   if (client == nullptr) {
     Console::Error("cannot reach configd at %s", _uri.c_str());
     return nullptr;

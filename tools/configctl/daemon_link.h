@@ -17,14 +17,6 @@
 class Config;
 class ParamDescriptor;
 
-namespace zyn {
-namespace config {
-namespace access {
-class SocketClient;
-}  // namespace access
-}  // namespace config
-}  // namespace zyn
-
 namespace configctl {
 
 class DaemonLink {
@@ -36,14 +28,14 @@ class DaemonLink {
 
   // A new connected client, owned by the link; null after reporting that
   // configd cannot be reached at the URI.
-  zyn::config::access::SocketClient* Open();
+  Config* Open();
 
   const std::string& GetUri() const { return _uri; }
 
  private:
   std::string _uri;
   zyn::config::access::SocketFactory _factory;  // outlives the clients
-  std::vector<zyn::config::access::SocketClient*> _clients;
+  std::vector<Config*> _clients;
 };
 
 // Reads the parameter's current value from `config`, as a string or a number
