@@ -6,6 +6,8 @@
 
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptor.h"
+#include "config/event_loss_counter.h"
+#include "config/manager/config_cache.h"
 #include "support/logger.h"
 #include "support/semaphore_helper.h"
 
@@ -13,6 +15,22 @@ namespace zyn {
 namespace boxline {
 namespace config {
 namespace access {
+
+namespace {
+
+// A view of an events connection that still tells the events it lost, for
+// the cache to drop stale copies when the transport drops events.
+class EventsView : public DelegatorConfig, public EventLossCounter {
+ public:
+  explicit EventsView(::Config* events)
+      : DelegatorConfig(events), _counter(dynamic_cast<EventLossCounter*>(events)) {}
+  uint64_t LostEvents() const override { return _counter != nullptr ? _counter->LostEvents() : 0; }
+
+ private:
+  EventLossCounter* _counter;
+};
+
+}  // namespace
 
 MappingConfig* MappingConfig::Create(std::string configURI, std::string eventsURI,
                                      ParamMapper* mapper, bool ownsMapper, bool cached) {
@@ -25,18 +43,17 @@ MappingConfig* MappingConfig::Create(std::string configURI, std::string eventsUR
     fprintf(stderr, "MappingConfig::Create: pEvConfig failed\n");
     factory->Disconnect(config);
   }
-  if (events != nullptr && cached) {
-    fprintf(stderr, "MappingConfig::Create - no ConfigCache is linked in\n");
-    factory->Disconnect(events);
-    factory->Disconnect(config);
-    events = nullptr;
-  }
   if (events == nullptr) {
     if (ownsMapper) delete mapper;
     return nullptr;
   }
   ::Config* requests = config;
   ::Config* cache = nullptr;
+  // The cache destroys what it wraps, so it wraps views of the connections;
+  // it joins the events connection's listeners before the mapping does, so
+  // that it is current when the mapping reads values for its listeners.
+  if (cached)
+    requests = cache = new ConfigCache(new DelegatorConfig(config), new EventsView(events));
   MappingConfig* mapping = new MappingConfig(requests, mapper, events);
   mapping->_owns_mapper = ownsMapper;
   mapping->_opened_config = config;

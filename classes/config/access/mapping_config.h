@@ -7,9 +7,11 @@
 // unchanged and no events are delivered.
 //
 // Ownership: the constructor's configs and mapper stay the caller's. Create
-// opens its own connections (and, when cached, a ConfigCache over them) and
-// releases them when the MappingConfig is destroyed; with `ownsMapper` it
-// also destroys the mapper. Listeners stay their registrants'.
+// opens its own connections (and, when cached, a ConfigCache in front of the
+// request connection, fed by the events connection) and releases them when
+// the MappingConfig is destroyed; with `ownsMapper` it also destroys the
+// mapper. Listeners stay their registrants'. A mapper attached by Create
+// reads through the MappingConfig and must not be used after it is gone.
 //
 // Threads and locks: Config operations run on the caller's threads and
 // forward to the request config, whose locks apply. The listener callbacks

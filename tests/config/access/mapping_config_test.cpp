@@ -12,6 +12,7 @@
 #include "config/access/socket_client.h"
 #include "config/access/socket_factory.h"
 #include "config/descriptors/unit_catalogue.h"
+#include "config/manager/config_cache.h"
 #include "config/manager/config_manager.h"
 #include "config/mapper/tundra_param_mapper.h"
 #include "loopback_server.h"
@@ -251,6 +252,38 @@ TEST_F(MappingConfigTest, CreateFailuresReleaseWhatWasOpened) {
   EXPECT_EQ(3, manager->GetUseCount()) << "one connection for requests, one for events";
   delete mapping;
   EXPECT_EQ(1, manager->GetUseCount());
+  ConfigFactoryImpl::GetInstance()->Disconnect(store);
+}
+
+TEST_F(MappingConfigTest, CachedReadsStayCurrentThroughEvents) {
+  MappingConfig* mapping = nullptr;
+  Stderr([&] {
+    mapping = MappingConfig::Create("local:configid=50", new tundra::mapper::TundraParamMapper(),
+                                    true, true);
+  });
+  ASSERT_NE(nullptr, mapping);
+  Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=50");
+  ASSERT_NE(nullptr, dynamic_cast<ConfigCache*>(mapping->GetDelegate()));
+  const std::string hdmi = std::to_string(store->Get(gainHDMI));
+  const std::string sdi1 = std::to_string(store->Get(gainSDI1));
+  store->Set(input, 0);
+  EXPECT_EQ(store->Get(gainSDI1), mapping->Get(gain));
+  NamedEvents events;
+  mapping->AddConfigEventListener(gain, &events);
+  store->Set(input, 6);
+  store->Set(gainHDMI, 123);
+  EXPECT_EQ(123u, mapping->Get(gain));
+  store->Set(gainHDMI, 124);
+  EXPECT_EQ(124u, mapping->Get(gain)) << "the cache was refreshed by the change event";
+  store->Set(input, 0);
+  store->Set(gainSDI1, 77);
+  EXPECT_EQ(77u, mapping->Get(gain));
+  EXPECT_EQ((Lines{"Vid1YUVProcAmpGain=" + hdmi, "Vid1YUVProcAmpGain=123", "Vid1YUVProcAmpGain=124",
+                   "Vid1YUVProcAmpGain=" + sdi1, "Vid1YUVProcAmpGain=77"}),
+            events.Take());
+  mapping->RemoveConfigEventListener(&events);
+  delete mapping;
+  EXPECT_EQ(1, static_cast<ConfigManager*>(store)->GetUseCount()) << "both connections released";
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
 }
 
