@@ -23,6 +23,8 @@ constexpr CommandName kCommands[] = {
     {"watch", Command::kWatch, 0, kAny, "watch [PARAM...] [--count N]"},
     {"describe", Command::kDescribe, 1, 1, "describe PARAM"},
     {"list", Command::kList, 0, 0, "list [--group N]"},
+    {"map", Command::kMap, 1, kAny, "map PARAM..."},
+    {"export-mapping", Command::kExportMapping, 1, 1, "export-mapping FILE"},
     {"help", Command::kHelp, 0, 0, "help"},
 };
 
@@ -49,6 +51,10 @@ const char* UsageText() {
          "  describe PARAM                print the parameter's descriptor\n"
          "  list [--group N]              list the parameters, or one menu group in\n"
          "                                menu order\n"
+         "  map PARAM...                  print the parameter each one stands for now\n"
+         "                                under the selectors configd holds\n"
+         "  export-mapping FILE           write the generic-to-specific mapping tables\n"
+         "                                to FILE as JSON\n"
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
@@ -56,7 +62,7 @@ const char* UsageText() {
          "\n"
          "Options:\n"
          "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110)\n"
-         "  --json      print JSON: one object per line for get and watch, one object or\n"
+         "  --json      print JSON: one object per line for get, watch and map, one object or\n"
          "              array for set, describe and list\n"
          "  --verbose   show the library's diagnostics on standard error\n"
          "  --help      this text\n"

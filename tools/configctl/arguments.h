@@ -19,7 +19,7 @@ constexpr int kExitUsage = 2;    // the command line itself is wrong
 
 constexpr const char* kDefaultUri = "socket://127.0.0.1:43110";
 
-enum class Command { kHelp, kGet, kSet, kWatch, kDescribe, kList };
+enum class Command { kHelp, kGet, kSet, kWatch, kDescribe, kList, kMap, kExportMapping };
 
 struct Arguments {
   std::string uri = kDefaultUri;

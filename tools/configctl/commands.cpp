@@ -11,6 +11,7 @@
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
+#include "configctl/mapping_commands.h"
 #include "configctl/watch.h"
 
 namespace configctl {
@@ -78,6 +79,10 @@ int RunCommand(const Arguments& arguments) {
       return RunDescribe(arguments);
     case Command::kList:
       return RunList(arguments);
+    case Command::kMap:
+      return RunMap(arguments);
+    case Command::kExportMapping:
+      return RunExportMapping(arguments);
     case Command::kHelp:
       break;
   }
