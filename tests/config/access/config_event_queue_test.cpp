@@ -1,11 +1,10 @@
-// The polling listeners over a real store: the bounded queue with its
-// drop-oldest policy and poll arithmetic, and the change monitor's flag.
+// The polling listeners over a real store: the queue's drop-oldest policy
+// and poll arithmetic, and the monitor's flag, with writers on other threads.
 #include "config/access/config_event_queue.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
-#include <vector>
 
 #include "config/access/config_param_monitor.h"
 #include "config/config_factory_impl.h"
@@ -18,188 +17,88 @@ using zyn::config::access::ConfigParamMonitor;
 
 namespace {
 
-// A store of the test catalogue of its own, so that other tests' listeners
-// never see these changes.
+// The sleeps a queue asked for; the second one lets a change in.
+std::vector<long> sleeps;
+Config* changeInSecondSleep = nullptr;
+void RecordSleep(long ms) {
+  sleeps.push_back(ms);
+  if (changeInSecondSleep != nullptr && sleeps.size() == 2) changeInSecondSleep->Set(kPercent, 77);
+}
+
+// The queued events as "id=value" or "id='text'", oldest first.
+std::string Drain(ConfigEventQueue& queue) {
+  std::string out;
+  ConfigEvent e;
+  while (queue.GetNextConfigEvent(e, 0, 1)) {
+    out += (out.empty() ? "" : " ") + std::to_string(e.paramID - 0xFEEDC000) + "=" +
+           (e.paramType == 12 ? "'" + e.stringValue + "'" : std::to_string(e.intValue));
+  }
+  return out;
+}
+
 class PollingTest : public testing::Test {
  protected:
   void SetUp() override {
     Register();
     Stderr([this] { store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=45"); });
-    ASSERT_NE(nullptr, store);
   }
   void TearDown() override { ConfigFactoryImpl::GetInstance()->Disconnect(store); }
   Config* store = nullptr;
 };
 
-// "id:value" for an integer event, "id:'text'" for a string event.
-std::string Render(const ConfigEvent& e) {
-  char line[64];
-  if (e.paramType == 12)
-    snprintf(line, sizeof line, "%X:'%s'", e.paramID, e.stringValue.c_str());
-  else
-    snprintf(line, sizeof line, "%X:%u/%u", e.paramID, e.intValue, e.paramType);
-  return line;
-}
-
-std::vector<std::string> Drain(ConfigEventQueue& queue) {
-  std::vector<std::string> out;
-  ConfigEvent e;
-  while (queue.GetNextConfigEvent(e, 0, 1)) out.push_back(Render(e));
-  return out;
-}
-
-// The sleeps a queue asked for, and an optional change made during one.
-std::vector<long> sleeps;
-Config* changeDuringSleep = nullptr;
-size_t changeAtSleep = 0;
-void RecordSleep(long ms) {
-  sleeps.push_back(ms);
-  if (changeDuringSleep != nullptr && sleeps.size() == changeAtSleep)
-    changeDuringSleep->Set(kPercent, 77);
-}
-
 }  // namespace
 
-TEST_F(PollingTest, QueueKeepsTheNewestEvents) {
+TEST_F(PollingTest, QueueKeepsTheNewestEventsAndWaitsInWholePolls) {
   ConfigEventQueue queue(store, 3);
-  for (unsigned int v = 1; v <= 5; ++v) store->Set(kPercent, v);
-  EXPECT_EQ((std::vector<std::string>{"FEEDC001:3/4", "FEEDC001:4/4", "FEEDC001:5/4"}),
-            Drain(queue))
-      << "a full queue drops its oldest event";
-
+  for (unsigned int v = 1; v <= 4; ++v) store->Set(kPercent, v);
   store->Set(kName, std::string("Rack 7"));
+  EXPECT_EQ("1=3 1=4 4='Rack 7'", Drain(queue)) << "a full queue drops its oldest event";
   store->Set(kMode, 2);
-  EXPECT_EQ((std::vector<std::string>{"FEEDC004:'Rack 7'", "FEEDC003:2/4"}), Drain(queue));
-
-  store->Set(kMode, 0);
-  store->Set(kMode, 1);
   queue.FlushEventQueue();
-  EXPECT_EQ(0u, queue.Size());
-  EXPECT_TRUE(Drain(queue).empty());
+  EXPECT_EQ("", Drain(queue));
 
-  ConfigEventQueue tiny(nullptr, 0);  // a maximum of 0 still keeps the newest event
-  for (unsigned int v = 1; v <= 3; ++v) tiny.ParamChanged(kPercent, v, timeval{7, 8});
-  ConfigEvent e;
-  ASSERT_TRUE(tiny.GetNextConfigEvent(e, 0, 1));
-  EXPECT_EQ("FEEDC001:3/4", Render(e));
-  EXPECT_EQ(8, e.timestamp.tv_usec) << "the event keeps the notification's time";
-  EXPECT_TRUE(e.stringValue.empty() && e.dataValue.empty());
-  store->RemoveConfigEventListener(&queue);
-}
-
-TEST_F(PollingTest, WaitIsCountedInWholePollIntervals) {
-  ConfigEventQueue queue(nullptr, 4);
   queue.SetSleepFunction(RecordSleep);
   ConfigEvent e;
-  struct Case {
-    long timeout, poll;
-    std::vector<long> expected;
-  } cases[] = {
-      {100, 30, {30, 30, 30, 30}},  // rounded up to 120 ms
-      {90, 30, {30, 30, 30}},
-      {0, 30, {30}},  // even no time-out sleeps once
-      {5, 50, {50}},
-  };
-  for (const Case& c : cases) {
+  struct {
+    long timeout, poll, slept;
+  } cases[] = {{100, 30, 120}, {90, 30, 90}, {0, 30, 30}, {5, 50, 50}};
+  for (auto c : cases) {
     sleeps.clear();
     EXPECT_FALSE(queue.GetNextConfigEvent(e, c.timeout, c.poll));
-    EXPECT_EQ(c.expected, sleeps) << "timeout " << c.timeout << " poll " << c.poll;
+    EXPECT_EQ(c.slept, static_cast<long>(sleeps.size()) * c.poll)
+        << "timeout " << c.timeout << ", poll " << c.poll << ": whole polls, at least one";
   }
-
   sleeps.clear();
-  std::string err;
-  err = Stderr([&] { EXPECT_FALSE(queue.GetNextConfigEvent(e, 100, 0)); });
+  EXPECT_EQ("ConfigEventQueue::GetNextConfigEvent - invalid poll interval 0 ms\n",
+            Stderr([&] { EXPECT_FALSE(queue.GetNextConfigEvent(e, 100, 0)); }));
   EXPECT_TRUE(sleeps.empty()) << "a zero interval must not spin until the time-out";
-  EXPECT_EQ("ConfigEventQueue::GetNextConfigEvent - invalid poll interval 0 ms\n", err);
-
-  // An event that arrives during the second sleep is taken on the next look.
-  ConfigEventQueue listening(store, 4);
-  listening.SetSleepFunction(RecordSleep);
-  sleeps.clear();
-  changeDuringSleep = store;
-  changeAtSleep = 2;
-  EXPECT_TRUE(listening.GetNextConfigEvent(e, 1000, 30));
-  changeDuringSleep = nullptr;
-  EXPECT_EQ(2u, sleeps.size());
-  EXPECT_EQ("FEEDC001:77/4", Render(e));
-  store->RemoveConfigEventListener(&listening);
-}
-
-TEST_F(PollingTest, ConsumerThreadSeesEveryChangeInOrder) {
-  ConfigEventQueue queue(store, 1000);
-  constexpr unsigned int kChanges = 200;
-  std::thread writer([this] {
-    for (unsigned int v = 1; v <= kChanges; ++v)
-      store->Set(kRaw, v);  // not validated: every value is kept
-  });
-  std::vector<unsigned int> seen;
-  ConfigEvent e;
-  while (seen.size() < kChanges && queue.GetNextConfigEvent(e, 10000, 1)) {
-    if (e.paramID == kRaw) seen.push_back(e.intValue);
-  }
-  writer.join();
-  ASSERT_EQ(kChanges, seen.size());
-  for (unsigned int i = 0; i < kChanges; ++i) ASSERT_EQ(i + 1, seen[i]) << "event " << i;
+  changeInSecondSleep = store;
+  EXPECT_TRUE(queue.GetNextConfigEvent(e, 1000, 30));
+  changeInSecondSleep = nullptr;
+  EXPECT_EQ(2u, sleeps.size()) << "an event that came during a sleep is taken at the next look";
+  EXPECT_EQ(77u, e.intValue);
   store->RemoveConfigEventListener(&queue);
 }
 
-TEST_F(PollingTest, MonitorFlagsOnlyMonitoredChanges) {
+TEST_F(PollingTest, QueueAndMonitorUnderAWriterThread) {
+  ConfigEventQueue queue(store, 1000);
   ConfigParamMonitor monitor(store);
-  const unsigned int ids[] = {kPercent, kName};
-  monitor.AddParamsToMonitor(ids, 0);
-  monitor.AddParamsToMonitor(ids, -1);
-  EXPECT_FALSE(monitor.IsParamMonitored(kPercent)) << "a count of 0 or less adds nothing";
-  monitor.AddParamsToMonitor(ids, 2);
-  std::vector<unsigned int> more{kMode, kPercent};
-  monitor.AddParamsToMonitor(more);
-
-  store->Set(kTenToHundred, 20);
-  EXPECT_FALSE(monitor.DidSomethingChange(false)) << "kTenToHundred is not monitored";
-
-  store->Set(kName, std::string("Rack 9"));
-  EXPECT_TRUE(monitor.DidSomethingChange(false));
-  EXPECT_TRUE(monitor.DidSomethingChange(false)) << "asking without reset keeps the flag";
-  EXPECT_TRUE(monitor.DidSomethingChange(true)) << "the value before the reset";
-  EXPECT_FALSE(monitor.DidSomethingChange(true));
-
-  monitor.RemoveParamFromMonitorList(kMode);
-  store->Set(kMode, 2);
-  EXPECT_FALSE(monitor.DidSomethingChange(false)) << "removed from the list";
-  store->Set(kPercent, 12);
-  EXPECT_TRUE(monitor.DidSomethingChange(true));
-
-  // Moved to another store, it no longer hears the first one.
-  Config* other = nullptr;
-  Stderr([&] { other = ConfigFactoryImpl::GetInstance()->Connect("local:configid=46"); });
-  ASSERT_NE(nullptr, other);
-  monitor.SetConfig(other);
-  store->Set(kPercent, 13);
-  EXPECT_FALSE(monitor.DidSomethingChange(false));
-  other->Set(kPercent, 14);
-  EXPECT_TRUE(monitor.DidSomethingChange(false));
-  monitor.SetConfig(nullptr);
-  ConfigFactoryImpl::GetInstance()->Disconnect(other);
-}
-
-TEST_F(PollingTest, MonitorUnderConcurrentWritersAndReaders) {
-  auto* monitor = new ConfigParamMonitor(store);
-  monitor->AddParamToMonitor(kPercent);
+  monitor.AddParamToMonitor(kRaw);
   std::thread writer([this] {
-    for (unsigned int v = 0; v < 200; ++v) store->Set(kPercent, v % 100);
+    for (unsigned int v = 1; v <= 200; ++v) store->Set(kRaw, v);  // kept as written
   });
-  std::thread editor([monitor] {
-    for (int i = 0; i < 200; ++i) {
-      monitor->AddParamToMonitor(kMode);
-      monitor->RemoveParamFromMonitorList(kMode);
-    }
-  });
-  int seen = 0;
-  for (int i = 0; i < 200; ++i) seen += monitor->DidSomethingChange(true) ? 1 : 0;
+  unsigned int expected = 1;
+  ConfigEvent e;
+  while (expected <= 200 && queue.GetNextConfigEvent(e, 10000, 1))
+    if (e.paramID == kRaw && e.intValue == expected) ++expected;
   writer.join();
-  editor.join();
-  monitor->DidSomethingChange(true);
-  store->Set(kPercent, 99);
-  EXPECT_TRUE(monitor->DidSomethingChange(true)) << seen;
-  delete monitor;  // leaves the store's listeners
-  store->Set(kPercent, 98);
-}
+  EXPECT_EQ(201u, expected) << "every change, in order";
+  EXPECT_TRUE(monitor.DidSomethingChange(false));
+  EXPECT_TRUE(monitor.DidSomethingChange(true)) << "without reset the flag stays";
+  EXPECT_FALSE(monitor.DidSomethingChange(true)) << "the reset cleared it";
+  store->Set(kPercent, 3);
+  monitor.RemoveParamFromMonitorList(kRaw);
+  store->Set(kRaw, 1);
+  EXPECT_FALSE(monitor.DidSomethingChange(false)) << "changes outside the set leave the flag";
+  store->RemoveConfigEventListener(&queue);
+}  // the monitor leaves the store's listeners
