@@ -5,51 +5,36 @@
 
 #include <gtest/gtest.h>
 
-#include <condition_variable>
-
 #include "config/access/socket_factory.h"
 #include "config/descriptors/unit_catalogue.h"
 #include "config/manager/config_manager.h"
+#include "config/manager/recording_listener.h"
 #include "config/mapper/tundra_param_mapper.h"
 #include "loopback_server.h"
 
 using zyn::boxline::config::access::MappingConfig;
-typedef std::vector<std::string> Lines;
 
 namespace {
 
-// Records events as "Name=value", the ID name without "eParamID_".
-class NamedEvents : public ConfigEventListener {
- public:
-  bool ParamChanged(eParam_t id, unsigned int value, timeval) override {
-    return Add(GetDescriptor(id)->GetParamIDName().substr(9) + "=" + std::to_string(value));
-  }
-  bool ParamChanged(eParam_t id, std::string value, timeval) override {
-    return Add(GetDescriptor(id)->GetParamIDName().substr(9) + "='" + value + "'");
-  }
-  // The events so far, once `count` came or after a deadline; cleared.
-  Lines Take(size_t count = 0, int timeoutMs = 5000) {
-    std::unique_lock<std::mutex> hold(lock);
-    arrived.wait_for(hold, std::chrono::milliseconds(timeoutMs),
-                     [&] { return seen.size() >= count; });
-    Lines out;
-    out.swap(seen);
-    return out;
-  }
+// The unit's proc amp gain of processor 1, its selector and two specifics.
+constexpr unsigned int kGain = 0x883AD0D9, kInput = 0xD22FD6CA;
+constexpr unsigned int kGainSDI1 = 0xB87ACB03, kGainHDMI = 0x13DDCCAB;
+constexpr unsigned int kIPConfig = 0xAFA99192;  // a volatile selector
 
- private:
-  bool Add(const std::string& line) {
-    std::lock_guard<std::mutex> hold(lock);
-    seen.push_back(line);
-    arrived.notify_all();
-    return true;
-  }
-  std::mutex lock;
-  std::condition_variable arrived;
-  Lines seen;
-};
+// What `listener` heard, after waiting up to 5 s for `count` events.
+std::string Heard(RecordingListener& listener, size_t count = 0) {
+  for (int i = 0; i < 500 && listener.Events().size() < count; ++i) usleep(10000);
+  return listener.Rendered();
+}
 
-unsigned int ID(const char* name) { return GetDescriptor(std::string(name))->GetParamID(); }
+tundra::mapper::TundraParamMapper* NewMapper() {
+  unit_catalogue::CatalogueIDs();
+  test_catalogue::Register();
+  testing::internal::CaptureStdout();  // the tables' build lines
+  auto* mapper = new tundra::mapper::TundraParamMapper();
+  testing::internal::GetCapturedStdout();
+  return mapper;
+}
 
 Config* Open(const std::string& uri) {
   Config* c = nullptr;
@@ -57,62 +42,38 @@ Config* Open(const std::string& uri) {
   return c;
 }
 
-class MappingConfigTest : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    unit_catalogue::CatalogueIDs();
-    test_catalogue::Register();
-  }
-  tundra::mapper::TundraParamMapper* NewMapper() {
-    testing::internal::CaptureStdout();  // the tables' build lines
-    auto* mapper = new tundra::mapper::TundraParamMapper();
-    testing::internal::GetCapturedStdout();
-    return mapper;
-  }
-  const unsigned int gain = ID("eParamID_Vid1YUVProcAmpGain");
-  const unsigned int input = ID("eParamID_Vid1VideoInput");
-  const unsigned int gainSDI1 = ID("eParamID_Vid1YUVProcAmpGain_SDI1");
-  const unsigned int gainHDMI = ID("eParamID_Vid1YUVProcAmpGain_HDMI");
-};
-
 }  // namespace
 
-TEST_F(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
+TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
   for (bool cached : {false, true}) {
     SCOPED_TRACE(cached ? "cached" : "direct");
     const std::string uri = "local:configid=" + std::to_string(47 + cached);
     MappingConfig* mapping = nullptr;
-    Stderr([&] { mapping = MappingConfig::Create(uri, NewMapper(), true, cached); });
+    tundra::mapper::TundraParamMapper* mapper = NewMapper();
+    Stderr([&] { mapping = MappingConfig::Create(uri, mapper, true, cached); });
     Config* store = Open(uri);
     ASSERT_TRUE(mapping != nullptr && store != nullptr);
-    NamedEvents gainOnly, all;
-    mapping->AddConfigEventListener(gain, &gainOnly);
+    store->Set(kInput, 0);
+    store->Set(kGainHDMI, 300);
+    RecordingListener gainOnly, all;
+    mapping->AddConfigEventListener(kGain, &gainOnly);
     mapping->AddConfigEventListener(&all);
-    store->Set(input, 0);
-    store->Set(gainHDMI, 300);
-    gainOnly.Take(), all.Take();
 
-    EXPECT_TRUE(mapping->Set(gain, 900));
-    EXPECT_EQ(900u, store->Get(gainSDI1)) << "input SDI1 selects the SDI1 gain";
-    EXPECT_EQ((Lines{"Vid1YUVProcAmpGain_SDI1=900", "Vid1YUVProcAmpGain=900"}), all.Take());
-    store->Set(input, 6);
-    EXPECT_EQ(300u, mapping->Get(gain)) << "input HDMI selects the HDMI gain";
-    EXPECT_EQ((Lines{"Vid1YUVProcAmpGain=900", "Vid1YUVProcAmpGain=300"}), gainOnly.Take())
+    EXPECT_TRUE(mapping->Set(kGain, 900));
+    EXPECT_EQ(900u, store->Get(kGainSDI1)) << "input SDI1 selects the SDI1 gain";
+    EXPECT_EQ("B87ACB03=900 883AD0D9=900", Heard(all)) << "the specific, then the generic";
+    store->Set(kInput, 6);
+    EXPECT_EQ(300u, mapping->Get(kGain)) << "input HDMI selects the HDMI gain";
+    store->Set(kGainHDMI, 301);
+    EXPECT_EQ(301u, mapping->Get(kGain)) << "reads stay current";
+    EXPECT_EQ("883AD0D9=900 883AD0D9=300 883AD0D9=301", Heard(gainOnly))
         << "a selector change carries the value of the newly selected gain";
-    store->Set(gainHDMI, 301);
-    EXPECT_EQ(301u, mapping->Get(gain)) << "reads stay current";
 
-    // A volatile selector is reported as itself, without the fan-out.
-    all.Take();
-    const unsigned int ipConfig = ID("eParamID_IPConfig");
-    std::string before, after;
-    mapping->Get(ID("eParamID_IPAddress"), before);
-    store->Set(ipConfig, 1 - store->Get(ipConfig));
-    mapping->Get(ID("eParamID_IPAddress"), after);
-    EXPECT_NE(before, after) << "the DHCP and static addresses differ";
-    EXPECT_EQ((Lines{"IPConfig=" + std::to_string(store->Get(ipConfig))}), all.Take());
-    EXPECT_TRUE(mapping->IsVolatile(ipConfig) && !mapping->IsVolatile(gain));
-
+    store->Set(kIPConfig, 1 - store->Get(kIPConfig));
+    std::string heard = Heard(all);
+    EXPECT_EQ("AFA99192=" + std::to_string(store->Get(kIPConfig)),
+              heard.substr(heard.rfind(' ') + 1))
+        << "a volatile selector is reported as itself, without the fan-out";
     EXPECT_TRUE(mapping->RemoveConfigEventListener(&gainOnly));
     mapping->RemoveConfigEventListener(&all);
     delete mapping;
@@ -121,11 +82,9 @@ TEST_F(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
   }
 }
 
-TEST_F(MappingConfigTest, CreateFailuresAndNoMapper) {
+TEST(MappingConfigTest, CreateFailuresAndNoMapper) {
   EXPECT_EQ("MappingConfig::Create: pConfig failed\n",
-            Stderr([] {
-              EXPECT_EQ(nullptr, MappingConfig::Create("nowhere:", nullptr, 0, 0));
-            }).substr(0 + 0));
+            Stderr([] { EXPECT_EQ(nullptr, MappingConfig::Create("nowhere:", nullptr, 0, 0)); }));
   Config* store = Open("local:configid=49");
   std::string err = Stderr([] {
     EXPECT_EQ(nullptr, MappingConfig::Create("local:configid=49", "nowhere:", nullptr, 0, 0));
@@ -134,39 +93,42 @@ TEST_F(MappingConfigTest, CreateFailuresAndNoMapper) {
   EXPECT_EQ(1, static_cast<ConfigManager*>(store)->GetUseCount()) << "requests released";
 
   MappingConfig* plain = MappingConfig::Create("local:configid=49", nullptr, false, false);
-  NamedEvents events;
+  RecordingListener events;
   plain->AddConfigEventListener(&events);
-  EXPECT_TRUE(plain->Set(gain, 5));
-  EXPECT_EQ(5u, store->Get(gain)) << "without a mapper IDs pass unchanged";
-  store->Set(input, 6);
-  EXPECT_EQ(Lines{}, events.Take(0, 0)) << "and no events are delivered";
+  EXPECT_TRUE(plain->Set(test_catalogue::kPercent, 5));
+  EXPECT_EQ(5u, store->Get(test_catalogue::kPercent)) << "without a mapper IDs pass unchanged";
+  EXPECT_EQ("", events.Rendered()) << "and no events are delivered";
   plain->RemoveConfigEventListener(&events);
   delete plain;
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
 }
 
-TEST_F(MappingConfigTest, EventsOverSocketClients) {
+TEST(MappingConfigTest, EventsOverSocketClients) {
+  std::unique_ptr<tundra::mapper::TundraParamMapper> mapper(NewMapper());
   LoopbackServer server;
   zyn::config::access::SocketFactory factory;
   std::string uri = "socket://127.0.0.1:" + std::to_string(server.port) + "/configid=0";
   Config* requests = factory.Connect(uri);
   Config* events = factory.Connect(uri);
-  std::unique_ptr<tundra::mapper::TundraParamMapper> mapper(NewMapper());
   auto* mapping = new MappingConfig(requests, mapper.get(), events);
   mapper->SetConfig(mapping);
-  NamedEvents gainOnly, sync;
-  mapping->AddConfigEventListener(std::list<eParam_t>{gain}, &gainOnly);
+  RecordingListener gainOnly, sync;
+  mapping->AddConfigEventListener(std::list<eParam_t>{kGain}, &gainOnly);
   mapping->AddConfigEventListener(test_catalogue::kPercent, &sync);
   // The server registers the events connection while the client goes on.
-  for (unsigned int v = 1; v < 100 && sync.Take(1, 50).empty(); ++v)
-    server.store->Set(test_catalogue::kPercent, v);
-
-  server.store->Set(gainHDMI, 410);
-  server.store->Set(input, 6);
-  EXPECT_EQ("Vid1YUVProcAmpGain=410", gainOnly.Take(2).back());
-  EXPECT_TRUE(mapping->Set(gain, 420));
-  EXPECT_EQ((Lines{"Vid1YUVProcAmpGain=420"}), gainOnly.Take(1));
-  EXPECT_EQ(420u, server.store->Get(gainHDMI));
+  for (unsigned int i = 0; i < 500 && sync.Events().empty(); ++i) {
+    server.store->Set(test_catalogue::kPercent, i % 100);
+    usleep(10000);
+  }
+  // Each event is awaited: the generic's value is read when it is handled.
+  server.store->Set(kInput, 6);
+  Heard(gainOnly, 1);
+  server.store->Set(kGainHDMI, 410);
+  Heard(gainOnly, 2);
+  EXPECT_TRUE(mapping->Set(kGain, 420));
+  std::string heard = Heard(gainOnly, 3);
+  EXPECT_EQ(420u, server.store->Get(kGainHDMI));
+  EXPECT_EQ("883AD0D9=410 883AD0D9=420", heard.substr(heard.find(' ') + 1));
   delete mapping;
   factory.Disconnect(events);
   factory.Disconnect(requests);
