@@ -37,6 +37,7 @@ tundra::mapper::TundraParamMapper* NewMapper() {
 }
 
 Config* Open(const std::string& uri) {
+  test_catalogue::Register();
   Config* c = nullptr;
   Stderr([&] { c = ConfigFactoryImpl::GetInstance()->Connect(uri); });
   return c;
