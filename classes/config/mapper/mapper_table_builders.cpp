@@ -39,8 +39,8 @@ constexpr GenericEntry kGenerics[] = {
 };
 // clang-format on
 
-// Step 3 of a build: a generic parameter is never kept, saved in presets or
-// reset itself; its specifics are.
+// A generic parameter only stands for its specifics: it is never kept,
+// saved in presets or reset itself; its specifics are.
 void CheckGenericFlags(const ParamDescriptor* generic, const std::string& name) {
   if (generic->GetPersistenceType() == ePersist) {
     printf("Warning: Generic parameter %s is set to ePersist!\n", name.c_str());
@@ -53,7 +53,8 @@ void CheckGenericFlags(const ParamDescriptor* generic, const std::string& name) 
   }
 }
 
-// Enters specific as entry index of the generic, after the rule's checks.
+// Records that specific belongs to the generic, after the rule's checks;
+// returns its ID.
 unsigned int EnterSpecific(const MappingRule& rule, const ParamDescriptor* specific,
                            unsigned int generic_id) {
   std::string name = specific->GetParamIDName();
@@ -71,7 +72,11 @@ unsigned int EnterSpecific(const MappingRule& rule, const ParamDescriptor* speci
   return specific_id;
 }
 
-void BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
+const MappingRule& Rule(MappingScheme_t scheme) { return *FindRule(scheme); }
+
+}  // namespace
+
+void TundraParamMapper::BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
   if (generic == nullptr) return;
   const std::string name = generic->GetParamIDName();
   const unsigned int generic_id = generic->GetParamID();
@@ -101,17 +106,19 @@ void BuildMap(const MappingRule& rule, ParamDescriptor* generic) {
     }
   }
 
-  TundraParamMapper::ReverseMap[SelectorOf(rule, proc_no)].insert(generic_id);
-  TundraParamMapper::MappingScheme[generic_id] = rule.scheme;
+  unsigned int selector = SelectorOf(rule, proc_no);
+  ReverseMap[selector].insert(generic_id);
+  if (rule.byProcessor) _selectors[generic_id] = selector;
+  MappingScheme[generic_id] = rule.scheme;
 }
 
-void BuildMap(const MappingRule& rule, unsigned int id) {
+void TundraParamMapper::BuildMap(const MappingRule& rule, unsigned int id) {
   ParamDescriptor* generic = GetDescriptor(id);
   if (generic == nullptr) fprintf(stderr, "Not found generic (int) PD : 0x%0x\n", id);
   BuildMap(rule, generic);
 }
 
-void BuildMap(const MappingRule& rule, const char* id_name) {
+void TundraParamMapper::BuildMap(const MappingRule& rule, const char* id_name) {
   ParamDescriptor* generic = id_name != nullptr ? GetDescriptor(std::string(id_name)) : nullptr;
   if (generic == nullptr) {
     fprintf(stderr, "Not found generic (str) PD IN HERE : %s (%d)\n",
@@ -120,11 +127,8 @@ void BuildMap(const MappingRule& rule, const char* id_name) {
   BuildMap(rule, generic);
 }
 
-const MappingRule& Rule(MappingScheme_t scheme) { return *FindRule(scheme); }
-
-}  // namespace
-
 bool TundraParamMapper::_initialized = false;
+std::unordered_map<unsigned int, unsigned int> TundraParamMapper::_selectors(10);
 
 void TundraParamMapper::Initialize() {
   if (_initialized) return;

@@ -67,8 +67,12 @@ unsigned int TundraParamMapper::MapParamID(unsigned int const& id) {
     return id;
   }
 
-  unsigned int proc_no = rule->byProcessor ? ProcNoOf(GetDescriptor(id)) : 0;
-  unsigned int selector = SelectorOf(*rule, proc_no);
+  unsigned int selector = rule->selector;
+  if (rule->byProcessor) {
+    auto entered = _selectors.find(id);
+    selector = entered != _selectors.end() ? entered->second
+                                           : SelectorOf(*rule, ProcNoOf(GetDescriptor(id)));
+  }
   unsigned int index = config->Get(selector);
   if (rule->scheme == eMapByIPConfig && index > 1) {
     fprintf(stderr, "Invalid IP Config mode.  TundraParamMapper treating as if DHCP\n");

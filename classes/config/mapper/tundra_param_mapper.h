@@ -38,6 +38,8 @@ class ParamDescriptor;
 namespace tundra {
 namespace mapper {
 
+struct MappingRule;
+
 // How a generic parameter is mapped; an ID without an entry is eMapNone.
 enum MappingScheme_t : int {
   eMapNone = 0,
@@ -113,7 +115,15 @@ class TundraParamMapper : public zyn::boxline::config::access::ParamMapper {
   static ReverseTable ReverseMap;
 
  private:
+  // Enter one generic under rule; the three forms of the Init*Map builders.
+  static void BuildMap(const MappingRule& rule, ParamDescriptor* generic);
+  static void BuildMap(const MappingRule& rule, unsigned int id);
+  static void BuildMap(const MappingRule& rule, char const* name);
+
   static bool _initialized;
+  // The selector each generic of a processor scheme was entered with, as
+  // its "proc_no" chose it, so that a mapping need not read the descriptor.
+  static std::unordered_map<unsigned int, unsigned int> _selectors;
 
   ::Config* config;  // not owned; null until SetConfig
 };
