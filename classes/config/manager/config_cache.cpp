@@ -71,19 +71,39 @@ bool ConfigCache::Unchanged(uint64_t generation) {
   return _generation == generation;
 }
 
+template <typename T>
+bool ConfigCache::Lookup(std::map<eParam_t, T>& cache, eParam_t id, T& value,
+                         uint64_t& generation) {
+  SemaphoreHelper lock(&_lock);
+  DropIfEventsLost();
+  auto memo = _volatile.find(id);
+  if (memo != _volatile.end() && memo->second != 1) {
+    auto it = cache.find(id);
+    if (it != cache.end()) {
+      value = it->second;
+      return true;
+    }
+  }
+  generation = _generation;
+  return false;
+}
+
+template <typename T>
+void ConfigCache::Keep(std::map<eParam_t, T>& cache, eParam_t id, const T& value,
+                       uint64_t generation) {
+  if (Unchanged(generation))
+    cache[id] = value;
+  else
+    cache.erase(id);
+}
+
 unsigned int ConfigCache::Get(eParam_t id) {
   if (!HasConfig("Get")) return 0;
-  if (IsVolatile(id)) return _config->Get(id);
-  uint64_t generation;
-  {
-    SemaphoreHelper lock(&_lock);
-    DropIfEventsLost();
-    auto it = _int_cache.find(id);
-    if (it != _int_cache.end()) return it->second;
-    generation = _generation;
-  }
-  // A failed fetch is not kept, so the next read asks again.
   unsigned int value = 0;
+  uint64_t generation;
+  if (Lookup(_int_cache, id, value, generation)) return value;
+  if (IsVolatile(id)) return _config->Get(id);
+  // A failed fetch is not kept, so the next read asks again.
   if (!_config->Get(id, value)) return 0;
   SemaphoreHelper lock(&_lock);
   if (Unchanged(generation)) _int_cache[id] = value;
@@ -102,29 +122,16 @@ bool ConfigCache::Set(eParam_t id, unsigned int value) {
   uint64_t generation = Generation();
   if (!_config->Set(id, value)) return false;
   SemaphoreHelper lock(&_lock);
-  if (Unchanged(generation))
-    _int_cache[id] = value;
-  else
-    _int_cache.erase(id);
+  Keep(_int_cache, id, value, generation);
   return true;
 }
 
 bool ConfigCache::GetText(eParam_t id, std::string& value, bool data) {
-  const char* method = data ? "GetData" : "Get";
-  if (!HasConfig(method)) return false;
-  if (IsVolatile(id)) return data ? _config->GetData(id, value) : _config->Get(id, value);
+  if (!HasConfig(data ? "GetData" : "Get")) return false;
   std::map<eParam_t, std::string>& cache = data ? _data_cache : _string_cache;
   uint64_t generation;
-  {
-    SemaphoreHelper lock(&_lock);
-    DropIfEventsLost();
-    auto it = cache.find(id);
-    if (it != cache.end()) {
-      value = it->second;
-      return true;
-    }
-    generation = _generation;
-  }
+  if (Lookup(cache, id, value, generation)) return true;
+  if (IsVolatile(id)) return data ? _config->GetData(id, value) : _config->Get(id, value);
   std::string fetched;
   if (!(data ? _config->GetData(id, fetched) : _config->Get(id, fetched))) return false;
   SemaphoreHelper lock(&_lock);
@@ -143,10 +150,7 @@ bool ConfigCache::SetText(eParam_t id, std::string& value, bool data) {
   // The string and data forms can be two views of one value: a write of one
   // makes the other's copy stale.
   (data ? _string_cache : _data_cache).erase(id);
-  if (Unchanged(generation))
-    cache[id] = value;
-  else
-    cache.erase(id);
+  Keep(cache, id, value, generation);
   return true;
 }
 

@@ -102,6 +102,14 @@ class ConfigCache : public Config, public ConfigEventListener {
   // True when no event arrived (or was lost) since `generation`. The caller
   // holds _lock.
   bool Unchanged(uint64_t generation);
+  // Under one hold of _lock: true with the held value of a parameter known
+  // not to be volatile; otherwise the generation to fetch against.
+  template <typename T>
+  bool Lookup(std::map<eParam_t, T>& cache, eParam_t id, T& value, uint64_t& generation);
+  // After a write: keeps `value` if no event arrived since `generation`,
+  // else forgets the entry. The caller holds _lock.
+  template <typename T>
+  void Keep(std::map<eParam_t, T>& cache, eParam_t id, const T& value, uint64_t generation);
   // The read and write of the string and data maps share one shape.
   bool GetText(eParam_t id, std::string& value, bool data);
   bool SetText(eParam_t id, std::string& value, bool data);
