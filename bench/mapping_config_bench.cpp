@@ -23,8 +23,8 @@ unsigned int ID(const char* name) { return GetDescriptor(std::string(name))->Get
 MappingConfig* Mapping() {
   static MappingConfig* mapping = [] {
     CreateDescriptors();
-    return MappingConfig::Create("local:configid=0", new tundra::mapper::TundraParamMapper(),
-                                 true, false);
+    return MappingConfig::Create("local:configid=0", new tundra::mapper::TundraParamMapper(), true,
+                                 false);
   }();
   return mapping;
 }
