@@ -40,7 +40,7 @@ bool ParseCount(const std::string& text, unsigned long max, unsigned long& value
 }  // namespace
 
 const char* UsageText() {
-  return "Usage: configctl [--uri URI] [--json] [--verbose] COMMAND\n"
+  return "Usage: configctl [--uri URI] [--json] [--mapped] [--verbose] COMMAND\n"
          "Reads, changes and watches the unit's settings held by configd.\n"
          "\n"
          "Commands:\n"
@@ -64,6 +64,8 @@ const char* UsageText() {
          "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110)\n"
          "  --json      print JSON: one object per line for get, watch and map, one object or\n"
          "              array for set, describe and list\n"
+         "  --mapped    get, set and watch generic parameters as the parameters they stand\n"
+         "              for now (the proc amp of the current input, for example)\n"
          "  --verbose   show the library's diagnostics on standard error\n"
          "  --help      this text\n"
          "\n"
@@ -112,6 +114,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       return true;
     } else if (name == "--json") {
       out.json = true;
+    } else if (name == "--mapped") {
+      out.mapped = true;
     } else if (name == "--verbose" || name == "-v") {
       out.verbose = true;
     } else if (name == "--uri") {
@@ -159,6 +163,11 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (countGiven && out.command != Command::kWatch) {
     error = "--count belongs to watch";
+    return false;
+  }
+  if (out.mapped && out.command != Command::kGet && out.command != Command::kSet &&
+      out.command != Command::kWatch) {
+    error = "--mapped belongs to get, set and watch";
     return false;
   }
   if (out.hasGroup && out.command != Command::kList) {

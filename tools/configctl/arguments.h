@@ -25,6 +25,7 @@ struct Arguments {
   std::string uri = kDefaultUri;
   bool json = false;
   bool verbose = false;  // keep the library's diagnostics on standard error
+  bool mapped = false;   // get, set and watch through the unit's parameter mapper
   Command command = Command::kHelp;
   std::vector<std::string> operands;
   unsigned int count = 0;  // watch --count; 0: until interrupted

@@ -96,6 +96,7 @@ int RunGet(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
+  if (arguments.mapped) client = link.Map(client, nullptr);
   int status = kExitOk;
   for (ParamDescriptor* descriptor : descriptors) {
     ParamValue value;
@@ -124,6 +125,7 @@ int RunSet(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
+  if (arguments.mapped) client = link.Map(client, nullptr);
   ParamValue before;
   if (!ReadValue(client, descriptor, before)) {
     Console::Error("configd gave no value for %s", name.c_str());

@@ -8,10 +8,12 @@
 #ifndef TOOLS_CONFIGCTL_DAEMON_LINK_H
 #define TOOLS_CONFIGCTL_DAEMON_LINK_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "config/access/socket_factory.h"
+#include "config/mapper/param_mapper.h"
 #include "configctl/parameters.h"
 
 class Config;
@@ -29,6 +31,9 @@ class DaemonLink {
   // A new connected client, owned by the link; null after reporting that
   // configd cannot be reached at the URI.
   Config* Open();
+  // `requests` seen through the unit's parameter mapper, hearing changes on
+  // `events` (null: none). Owned by the link, destroyed before its clients.
+  Config* Map(Config* requests, Config* events);
 
   const std::string& GetUri() const { return _uri; }
 
@@ -36,6 +41,8 @@ class DaemonLink {
   std::string _uri;
   zyn::config::access::SocketFactory _factory;  // outlives the clients
   std::vector<Config*> _clients;
+  std::vector<std::unique_ptr<Config>> _mapped;  // MappingConfigs, over the clients
+  std::vector<std::unique_ptr<zyn::boxline::config::access::ParamMapper>> _mappers;
 };
 
 // Reads the parameter's current value from `config`, as a string or a number

@@ -16,12 +16,8 @@
 
 namespace configctl {
 
-namespace {
-
 using tundra::mapper::TundraParamMapper;
 
-// Builds the mapper's tables with standard output sent to standard error
-// (the null device unless configctl runs verbose).
 void BuildMapperTables() {
   fflush(stdout);
   int saved = dup(STDOUT_FILENO);
@@ -33,8 +29,6 @@ void BuildMapperTables() {
     close(saved);
   }
 }
-
-}  // namespace
 
 int RunMap(const Arguments& arguments) {
   std::vector<ParamDescriptor*> descriptors;
