@@ -19,34 +19,35 @@ struct MessageInfo {
   const char* name;
   eMessageDirection direction;
   size_t localRequestSize;  // 0: the local server does not accept it
+  size_t responseSize;      // a response's or event's record; 0 for requests
 };
 
 constexpr MessageInfo kMessages[] = {
-    {XCFG_CONNECT_REQUEST, "Connect Request", eRequest, 24},
-    {XCFG_DISCONNECT_REQUEST, "Disconnect Request", eRequest, 24},
-    {XCFG_CONNECT_RESPONSE, "Connect Response", eResponse, 0},
-    {XCFG_DISCONNECT_RESPONSE, "Disconnect Response", eResponse, 0},
-    {XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, "Add Listener Request", eRequest, 28},
-    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, "Remove Listener Request", eRequest, 28},
-    {XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE, "Add Listener Response", eResponse, 0},
-    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE, "Remove Listener Response", eResponse, 0},
-    {XCFG_GET_PARAM_REQUEST, "Get Request", eRequest, 40},
-    {XCFG_SET_PARAM_REQUEST, "Set Request", eRequest, 40},
-    {XCFG_GET_PARAM_RESPONSE, "Get Response", eResponse, 0},
-    {XCFG_SET_PARAM_RESPONSE, "Set Response", eResponse, 0},
-    {XCFG_GET_STREAM_PARAM_REQUEST, "Get String Request", eRequest, 40},
-    {XCFG_SET_STREAM_PARAM_REQUEST, "Set String Request", eRequest, 40},
-    {XCFG_POPULATE_PARAM_REQUEST, "Populate Param Request", eRequest, 0},
-    {XCFG_GET_STREAM_PARAM_RESPONSE, "Get String Response", eResponse, 0},
-    {XCFG_SET_STREAM_PARAM_RESPONSE, "Set String Response", eResponse, 0},
-    {XCFG_POPULATE_PARAM_RESPONSE, "Populate Param Response", eResponse, 0},
-    {XCFG_PARAM_CHANGED_EVENT, "Param Changed Event", eEvent, 0},
-    {XCFG_PARAM_STREAM_CHANGED_EVENT, "Param String Changed Event", eEvent, 0},
-    {XCFG_PARAM_DATA_CHANGED_EVENT, "Param Data Changed Event", eEvent, 0},
-    {XCFG_GET_DATA_REQUEST, "Get Data Request", eRequest, 0},
-    {XCFG_GET_DATA_RESPONSE, "Get Data Response", eResponse, 0},
-    {XCFG_SET_DATA_REQUEST, "Set Data Request", eRequest, 0},
-    {XCFG_SET_DATA_RESPONSE, "Set Data Response", eResponse, 0},
+    {XCFG_CONNECT_REQUEST, "Connect Request", eRequest, 24, 0},
+    {XCFG_DISCONNECT_REQUEST, "Disconnect Request", eRequest, 24, 0},
+    {XCFG_CONNECT_RESPONSE, "Connect Response", eResponse, 0, 28},
+    {XCFG_DISCONNECT_RESPONSE, "Disconnect Response", eResponse, 0, 28},
+    {XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, "Add Listener Request", eRequest, 28, 0},
+    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, "Remove Listener Request", eRequest, 28, 0},
+    {XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE, "Add Listener Response", eResponse, 0, 28},
+    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE, "Remove Listener Response", eResponse, 0, 28},
+    {XCFG_GET_PARAM_REQUEST, "Get Request", eRequest, 40, 0},
+    {XCFG_SET_PARAM_REQUEST, "Set Request", eRequest, 40, 0},
+    {XCFG_GET_PARAM_RESPONSE, "Get Response", eResponse, 0, 44},
+    {XCFG_SET_PARAM_RESPONSE, "Set Response", eResponse, 0, 44},
+    {XCFG_GET_STREAM_PARAM_REQUEST, "Get String Request", eRequest, 40, 0},
+    {XCFG_SET_STREAM_PARAM_REQUEST, "Set String Request", eRequest, 40, 0},
+    {XCFG_POPULATE_PARAM_REQUEST, "Populate Param Request", eRequest, 0, 0},
+    {XCFG_GET_STREAM_PARAM_RESPONSE, "Get String Response", eResponse, 0, 44},
+    {XCFG_SET_STREAM_PARAM_RESPONSE, "Set String Response", eResponse, 0, 44},
+    {XCFG_POPULATE_PARAM_RESPONSE, "Populate Param Response", eResponse, 0, 44},
+    {XCFG_PARAM_CHANGED_EVENT, "Param Changed Event", eEvent, 0, 44},
+    {XCFG_PARAM_STREAM_CHANGED_EVENT, "Param String Changed Event", eEvent, 0, 44},
+    {XCFG_PARAM_DATA_CHANGED_EVENT, "Param Data Changed Event", eEvent, 0, 44},
+    {XCFG_GET_DATA_REQUEST, "Get Data Request", eRequest, 0, 0},
+    {XCFG_GET_DATA_RESPONSE, "Get Data Response", eResponse, 0, 44},
+    {XCFG_SET_DATA_REQUEST, "Set Data Request", eRequest, 0, 0},
+    {XCFG_SET_DATA_RESPONSE, "Set Data Response", eResponse, 0, 44},
 };
 
 const MessageInfo* Find(uint32_t code) {
@@ -81,6 +82,11 @@ const char* DirectionArrow(uint32_t msgtype) {
 size_t LocalRequestSize(uint32_t msgtype) {
   const MessageInfo* info = Find(msgtype);
   return info != nullptr ? info->localRequestSize : 0;
+}
+
+size_t ResponseRecordSize(uint32_t msgtype) {
+  const MessageInfo* info = Find(msgtype);
+  return info != nullptr ? info->responseSize : 0;
 }
 
 XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t requestID,

@@ -121,6 +121,10 @@ const char* DirectionArrow(uint32_t msgtype);
 // The whole size of the record a request of this type is, as the local
 // server reads it (24, 28 or 40 bytes); 0 for a type it does not accept.
 size_t LocalRequestSize(uint32_t msgtype);
+// The size of the record a response or event of this type travels in (28
+// for connection and listener responses, 44 for the others, without the
+// payload); 0 for a request or an unknown type.
+size_t ResponseRecordSize(uint32_t msgtype);
 
 // A header with the fixed fields filled: flags 0, bufferSize 4096.
 XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t requestID,
