@@ -362,6 +362,13 @@ bool Socket::drop_membership(const std::string& group, const std::string& interf
   return change_membership(IP_DROP_MEMBERSHIP, group, interface);
 }
 
+bool Socket::set_multicast_interface(const std::string& interface) {
+  if (_socket < 0) return false;
+  in_addr address;
+  if (inet_pton(AF_INET, interface.c_str(), &address) != 1) return false;
+  return setsockopt(_socket, IPPROTO_IP, IP_MULTICAST_IF, &address, sizeof address) == 0;
+}
+
 int Socket::close() {
   if (_socket < 0) return -1;
   shutdown(_socket, SHUT_RDWR);

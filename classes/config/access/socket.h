@@ -110,6 +110,10 @@ class Socket {
   // text. False without a descriptor, for empty texts or when refused.
   bool add_membership(const std::string& group, const std::string& interface);
   bool drop_membership(const std::string& group, const std::string& interface);
+  // Sends this socket's multicast datagrams out on the interface with the
+  // given dotted address (IP_MULTICAST_IF). False without a descriptor, for
+  // an unparsable address or when refused.
+  bool set_multicast_interface(const std::string& interface);
 
   // Shuts down and closes the descriptor. The result of close(), or -1 when
   // there was no descriptor.

@@ -37,39 +37,6 @@ LiveConnections& Live() {
   return *live;
 }
 
-// The symbolic names of the requests the connection reads, for its messages.
-const char* SymbolicName(uint32_t msgtype) {
-  switch (msgtype) {
-    case XCFG_CONNECT_REQUEST:
-      return "XCFG_CONNECT_REQUEST";
-    case XCFG_DISCONNECT_REQUEST:
-      return "XCFG_DISCONNECT_REQUEST";
-    case XCFG_GET_PARAM_REQUEST:
-      return "XCFG_GET_PARAM_REQUEST";
-    case XCFG_SET_PARAM_REQUEST:
-      return "XCFG_SET_PARAM_REQUEST";
-    case XCFG_GET_STREAM_PARAM_REQUEST:
-      return "XCFG_GET_STREAM_PARAM_REQUEST";
-    case XCFG_SET_STREAM_PARAM_REQUEST:
-      return "XCFG_SET_STREAM_PARAM_REQUEST";
-    case XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST:
-      return "XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST";
-    case XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST:
-      return "XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST";
-    default:
-      return "N/A";
-  }
-}
-
-// A response header answering `request`: the request's fields echoed under
-// the response's code.
-XCONFIGMGR_HEADER_T Answer(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype) {
-  XCONFIGMGR_HEADER_T header = request;
-  header.msgtype = msgtype;
-  header.bufferSize = kXConfigBufferSize;
-  return header;
-}
-
 // The error a Connect Response carries when the store cannot be opened.
 constexpr uint32_t kStoreUnavailable = 1;
 
@@ -245,7 +212,7 @@ bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST
   }
   std::string uri = "local:configid=" + std::to_string(static_cast<int>(request.header.configID));
   _store = ConfigFactoryImpl::GetInstance()->Connect(uri);
-  XCONFIGMGR_CONNECTION_RESPONSE_T response{Answer(request.header, XCFG_CONNECT_RESPONSE),
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
                                             _store != nullptr ? 0u : kStoreUnavailable};
   if (!SendRecord(response))
     fprintf(stderr, "SocketConnection::ProcessConnectRequest - unable to send response\n");
@@ -253,7 +220,8 @@ bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST
 }
 
 bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
-  XCONFIGMGR_CONNECTION_RESPONSE_T response{Answer(request.header, XCFG_DISCONNECT_RESPONSE), 0};
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
+                                            0};
   if (!SendRecord(response)) {
     perror("SocketConnection::ProcessDisconnectRequest - unable to send response");
     fprintf(stderr, "SocketConnection::ProcessDisconnectRequest: unable to send response\n");
@@ -264,7 +232,7 @@ bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQU
 bool SocketConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
   unsigned int value = _store->Get(request.paramID);
   XCONFIGMGR_RESPONSE_T response{
-      Answer(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
+      AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
     fprintf(stderr, "SocketConnection::ProcessGetRequest - _socket->send failed\n");
   return true;
@@ -301,7 +269,7 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
   int result = value != nullptr ? DoSetRequest(value) : 0;
   delete value;
   if (result == 0) {
-    XCONFIGMGR_RESPONSE_T response{Answer(request.header, XCFG_SET_STREAM_PARAM_RESPONSE),
+    XCONFIGMGR_RESPONSE_T response{AnswerHeader(request.header, XCFG_SET_STREAM_PARAM_RESPONSE),
                                    request.paramID,
                                    kXConfigSetStringError,
                                    0,
@@ -366,7 +334,7 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
 bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
     const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
   XCONFIGMGR_CONNECTION_RESPONSE_T response{
-      Answer(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
+      AnswerHeader(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
   SemaphoreHelper lock(&_send_lock);
   _registered = false;  // the filter and the store registration are kept
   if (!SendRecordLocked(response))
@@ -446,7 +414,7 @@ bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
     return false;
   }
   XCONFIGMGR_RESPONSE_T response{
-      Answer(request.header, msgtype),       request.paramID,         0, 0,
+      AnswerHeader(request.header, msgtype), request.paramID,         0, 0,
       static_cast<uint32_t>(payload.size()), kXConfigStreamBufferSize};
   bytes.resize(sizeof response + payload.size());
   Pack(response, bytes.data());

@@ -14,40 +14,58 @@ namespace access {
 
 namespace {
 
+// One line per message code. A request size of 0 means that transport's
+// server does not accept the message.
 struct MessageInfo {
   uint32_t code;
   const char* name;
+  const char* symbol;
   eMessageDirection direction;
-  size_t localRequestSize;  // 0: the local server does not accept it
-  size_t responseSize;      // a response's or event's record; 0 for requests
+  size_t localRequestSize;
+  size_t tcpRequestSize;
+  size_t udpRequestSize;
 };
 
 constexpr MessageInfo kMessages[] = {
-    {XCFG_CONNECT_REQUEST, "Connect Request", eRequest, 24, 0},
-    {XCFG_DISCONNECT_REQUEST, "Disconnect Request", eRequest, 24, 0},
-    {XCFG_CONNECT_RESPONSE, "Connect Response", eResponse, 0, 28},
-    {XCFG_DISCONNECT_RESPONSE, "Disconnect Response", eResponse, 0, 28},
-    {XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, "Add Listener Request", eRequest, 28, 0},
-    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, "Remove Listener Request", eRequest, 28, 0},
-    {XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE, "Add Listener Response", eResponse, 0, 28},
-    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE, "Remove Listener Response", eResponse, 0, 28},
-    {XCFG_GET_PARAM_REQUEST, "Get Request", eRequest, 40, 0},
-    {XCFG_SET_PARAM_REQUEST, "Set Request", eRequest, 40, 0},
-    {XCFG_GET_PARAM_RESPONSE, "Get Response", eResponse, 0, 44},
-    {XCFG_SET_PARAM_RESPONSE, "Set Response", eResponse, 0, 44},
-    {XCFG_GET_STREAM_PARAM_REQUEST, "Get String Request", eRequest, 40, 0},
-    {XCFG_SET_STREAM_PARAM_REQUEST, "Set String Request", eRequest, 40, 0},
-    {XCFG_POPULATE_PARAM_REQUEST, "Populate Param Request", eRequest, 0, 0},
-    {XCFG_GET_STREAM_PARAM_RESPONSE, "Get String Response", eResponse, 0, 44},
-    {XCFG_SET_STREAM_PARAM_RESPONSE, "Set String Response", eResponse, 0, 44},
-    {XCFG_POPULATE_PARAM_RESPONSE, "Populate Param Response", eResponse, 0, 44},
-    {XCFG_PARAM_CHANGED_EVENT, "Param Changed Event", eEvent, 0, 44},
-    {XCFG_PARAM_STREAM_CHANGED_EVENT, "Param String Changed Event", eEvent, 0, 44},
-    {XCFG_PARAM_DATA_CHANGED_EVENT, "Param Data Changed Event", eEvent, 0, 44},
-    {XCFG_GET_DATA_REQUEST, "Get Data Request", eRequest, 0, 0},
-    {XCFG_GET_DATA_RESPONSE, "Get Data Response", eResponse, 0, 44},
-    {XCFG_SET_DATA_REQUEST, "Set Data Request", eRequest, 0, 0},
-    {XCFG_SET_DATA_RESPONSE, "Set Data Response", eResponse, 0, 44},
+    {XCFG_CONNECT_REQUEST, "Connect Request", "XCFG_CONNECT_REQUEST", eRequest, 24, 24, 24},
+    {XCFG_DISCONNECT_REQUEST, "Disconnect Request", "XCFG_DISCONNECT_REQUEST", eRequest, 24, 24,
+     24},
+    {XCFG_CONNECT_RESPONSE, "Connect Response", "XCFG_CONNECT_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_DISCONNECT_RESPONSE, "Disconnect Response", "XCFG_DISCONNECT_RESPONSE", eResponse, 0, 0,
+     0},
+    {XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, "Add Listener Request",
+     "XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST", eRequest, 28, 28, 0},
+    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, "Remove Listener Request",
+     "XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST", eRequest, 28, 28, 0},
+    {XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE, "Add Listener Response",
+     "XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE, "Remove Listener Response",
+     "XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_GET_PARAM_REQUEST, "Get Request", "XCFG_GET_PARAM_REQUEST", eRequest, 40, 40, 40},
+    {XCFG_SET_PARAM_REQUEST, "Set Request", "XCFG_SET_PARAM_REQUEST", eRequest, 40, 40, 40},
+    {XCFG_GET_PARAM_RESPONSE, "Get Response", "XCFG_GET_PARAM_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_SET_PARAM_RESPONSE, "Set Response", "XCFG_SET_PARAM_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_GET_STREAM_PARAM_REQUEST, "Get String Request", "XCFG_GET_STREAM_PARAM_REQUEST", eRequest,
+     40, 40, 40},
+    {XCFG_SET_STREAM_PARAM_REQUEST, "Set String Request", "XCFG_SET_STREAM_PARAM_REQUEST", eRequest,
+     40, 40, 40},
+    {XCFG_POPULATE_PARAM_REQUEST, "Populate Param Request", "XCFG_POPULATE_PARAM_REQUEST", eRequest,
+     0, 0, 0},
+    {XCFG_GET_STREAM_PARAM_RESPONSE, "Get String Response", "XCFG_GET_STREAM_PARAM_RESPONSE",
+     eResponse, 0, 0, 0},
+    {XCFG_SET_STREAM_PARAM_RESPONSE, "Set String Response", "XCFG_SET_STREAM_PARAM_RESPONSE",
+     eResponse, 0, 0, 0},
+    {XCFG_POPULATE_PARAM_RESPONSE, "Populate Param Response", "XCFG_POPULATE_PARAM_RESPONSE",
+     eResponse, 0, 0, 0},
+    {XCFG_PARAM_CHANGED_EVENT, "Param Changed Event", "XCFG_PARAM_CHANGED_EVENT", eEvent, 0, 0, 0},
+    {XCFG_PARAM_STREAM_CHANGED_EVENT, "Param String Changed Event",
+     "XCFG_PARAM_STREAM_CHANGED_EVENT", eEvent, 0, 0, 0},
+    {XCFG_PARAM_DATA_CHANGED_EVENT, "Param Data Changed Event", "XCFG_PARAM_DATA_CHANGED_EVENT",
+     eEvent, 0, 0, 0},
+    {XCFG_GET_DATA_REQUEST, "Get Data Request", "XCFG_GET_DATA_REQUEST", eRequest, 0, 0, 40},
+    {XCFG_GET_DATA_RESPONSE, "Get Data Response", "XCFG_GET_DATA_RESPONSE", eResponse, 0, 0, 0},
+    {XCFG_SET_DATA_REQUEST, "Set Data Request", "XCFG_SET_DATA_REQUEST", eRequest, 0, 0, 40},
+    {XCFG_SET_DATA_RESPONSE, "Set Data Response", "XCFG_SET_DATA_RESPONSE", eResponse, 0, 0, 0},
 };
 
 const MessageInfo* Find(uint32_t code) {
@@ -84,14 +102,45 @@ size_t LocalRequestSize(uint32_t msgtype) {
   return info != nullptr ? info->localRequestSize : 0;
 }
 
+size_t TCPRequestSize(uint32_t msgtype) {
+  const MessageInfo* info = Find(msgtype);
+  return info != nullptr ? info->tcpRequestSize : 0;
+}
+
+size_t UDPRequestSize(uint32_t msgtype) {
+  const MessageInfo* info = Find(msgtype);
+  return info != nullptr ? info->udpRequestSize : 0;
+}
+
 size_t ResponseRecordSize(uint32_t msgtype) {
   const MessageInfo* info = Find(msgtype);
-  return info != nullptr ? info->responseSize : 0;
+  if (info == nullptr || info->direction == eRequest) return 0;
+  switch (msgtype) {
+    case XCFG_CONNECT_RESPONSE:
+    case XCFG_DISCONNECT_RESPONSE:
+    case XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE:
+    case XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE:
+      return sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T);
+    default:
+      return sizeof(XCONFIGMGR_RESPONSE_T);
+  }
+}
+
+const char* SymbolicName(uint32_t msgtype) {
+  const MessageInfo* info = Find(msgtype);
+  return info != nullptr ? info->symbol : "N/A";
 }
 
 XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t requestID,
                                uint32_t configID) {
   return XCONFIGMGR_HEADER_T{msgtype, connectionID, requestID, configID, 0, kXConfigBufferSize};
+}
+
+XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype) {
+  XCONFIGMGR_HEADER_T header = request;
+  header.msgtype = msgtype;
+  header.bufferSize = kXConfigBufferSize;
+  return header;
 }
 
 // Records are plain sequences of 32-bit words without padding, so their
@@ -116,6 +165,14 @@ template void Unpack(const char*, XCONFIGMGR_CONNECTION_RESPONSE_T&);
 template void Unpack(const char*, XCONFIGMGR_EVENT_HANDLER_REQUEST_T&);
 template void Unpack(const char*, XCONFIGMGR_REQUEST_T&);
 template void Unpack(const char*, XCONFIGMGR_RESPONSE_T&);
+
+std::vector<char> PackWithPayload(const XCONFIGMGR_RESPONSE_T& record,
+                                  const std::vector<char>& payload) {
+  std::vector<char> bytes(sizeof record + payload.size());
+  Pack(record, bytes.data());
+  if (!payload.empty()) memcpy(bytes.data() + sizeof record, payload.data(), payload.size());
+  return bytes;
+}
 
 uint32_t PeekMessageType(const char* in) {
   uint32_t msgtype;

@@ -121,6 +121,14 @@ const char* DirectionArrow(uint32_t msgtype);
 // The whole size of the record a request of this type is, as the local
 // server reads it (24, 28 or 40 bytes); 0 for a type it does not accept.
 size_t LocalRequestSize(uint32_t msgtype);
+// The same for the network servers: the TCP server reads 24, 28 or 40 bytes
+// (no data requests); the UDP server takes 24 or 40-byte records (no listener
+// requests, but the data requests).
+size_t TCPRequestSize(uint32_t msgtype);
+size_t UDPRequestSize(uint32_t msgtype);
+// The code's symbolic name, as messages quote it ("XCFG_GET_PARAM_REQUEST"),
+// "N/A" for a code outside the table.
+const char* SymbolicName(uint32_t msgtype);
 // The size of the record a response or event of this type travels in (28
 // for connection and listener responses, 44 for the others, without the
 // payload); 0 for a request or an unknown type.
@@ -130,12 +138,19 @@ size_t ResponseRecordSize(uint32_t msgtype);
 XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t requestID,
                                uint32_t configID);
 
+// The header of a response to `request`: every field echoed under the
+// response's code, bufferSize 4096.
+XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype);
+
 // Packing into and out of the wire bytes of each record. Pack writes exactly
 // sizeof(record) bytes; Unpack reads exactly that many.
 template <typename Record>
 void Pack(const Record& record, char* out);
 template <typename Record>
 void Unpack(const char* in, Record& record);
+// A response record followed by its payload, as one block of wire bytes.
+std::vector<char> PackWithPayload(const XCONFIGMGR_RESPONSE_T& record,
+                                  const std::vector<char>& payload);
 // The message type at the head of a record.
 uint32_t PeekMessageType(const char* in);
 

@@ -1,5 +1,6 @@
-// A socket server on a free loopback port over the test catalogue's store,
-// and a raw protocol peer that sends and reads records byte for byte.
+// A socket server and the network servers on free loopback ports over the
+// test catalogue's store, raw protocol peers (stream and datagram) that send
+// and read records byte for byte, and a listener for the multicast events.
 #ifndef TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H
 #define TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H
 
@@ -14,6 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "config/access/network_server.h"
+#include "config/access/network_tcp_connection.h"
+#include "config/access/socket.h"
 #include "config/access/socket_connection.h"
 #include "config/access/socket_server.h"
 #include "config/access/xconfigmgr_records.h"
@@ -122,6 +126,102 @@ class RawPeer {
 
   int fd = -1;
   bool connected = false;
+};
+
+// A network server (TCP or UDP) on a free port, its events sent to the
+// test's own multicast port; stopped with its connections afterwards.
+class NetworkLoopbackServer {
+ public:
+  NetworkLoopbackServer(int type, int multicastPort) {
+    test_catalogue::Register();
+    testing::internal::CaptureStderr();
+    store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
+    testing::internal::GetCapturedStderr();
+    auto* server = new zyn::boxline::config::access::NetworkServer(AF_INET, type, 0);
+    server->SetMulticastPort(multicastPort);
+    if (!server->Init() || !server->Start()) {
+      ADD_FAILURE() << "network server did not start";
+      delete server;
+      return;
+    }
+    port = server->GetPort();
+    thread = server->GetThread();
+    running = server;
+  }
+  ~NetworkLoopbackServer() { Stop(); }
+  // Stops the server and waits for its thread and every TCP connection.
+  void Stop() {
+    if (running != nullptr) {
+      running->Stop();
+      pthread_join(thread, nullptr);  // the server deleted itself
+      running = nullptr;
+    }
+    zyn::boxline::config::access::NetworkTCPConnection::StopAll();
+    EXPECT_TRUE(zyn::boxline::config::access::NetworkTCPConnection::WaitForAll(10000));
+    if (store != nullptr) ConfigFactoryImpl::GetInstance()->Disconnect(store);
+    store = nullptr;
+  }
+
+  Config* store = nullptr;
+  int port = 0;
+
+ private:
+  zyn::boxline::config::access::NetworkServer* running = nullptr;
+  pthread_t thread{};
+};
+
+// A datagram socket on 127.0.0.1: sends to a loopback port, or, joined to
+// the event group on 127.0.0.1, receives the multicast events sent to its
+// own port.
+class RawDatagramPeer {
+ public:
+  RawDatagramPeer() : socket(Socket::kInternetDomain, Socket::kDatagram) {
+    socket.create();
+    socket.bind("", 0);
+    sockaddr_in bound{};
+    socklen_t length = sizeof bound;
+    getsockname(socket.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
+    port = ntohs(bound.sin_port);
+  }
+  // False where the machine cannot deliver multicast on the loopback.
+  bool JoinEvents() { return socket.add_membership("239.18.27.18", "127.0.0.1"); }
+
+  void SendBytes(int to, const std::vector<char>& bytes) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(to));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_TRUE(socket.sendto(bytes.data(), static_cast<int>(bytes.size()), address));
+  }
+  template <typename Record>
+  void Send(int to, const Record& record, const std::vector<char>& payload = {}) {
+    std::vector<char> bytes(sizeof(Record));
+    zyn::config::access::Pack(record, bytes.data());
+    bytes.insert(bytes.end(), payload.begin(), payload.end());
+    SendBytes(to, bytes);
+  }
+  // The next datagram, empty when none arrives in time.
+  std::vector<char> Receive(int timeoutMs = 3000) {
+    pollfd p{socket.get_fd(), POLLIN, 0};
+    if (poll(&p, 1, timeoutMs) <= 0) return {};
+    std::vector<char> bytes(24 * 1024);
+    ssize_t n = ::recv(socket.get_fd(), bytes.data(), bytes.size(), 0);
+    bytes.resize(n > 0 ? static_cast<size_t>(n) : 0);
+    return bytes;
+  }
+  // The words of the next datagram's leading record.
+  template <typename Record>
+  std::vector<uint32_t> ReceiveWords(std::vector<char>* payload = nullptr, int timeoutMs = 3000) {
+    std::vector<char> bytes = Receive(timeoutMs);
+    if (bytes.size() < sizeof(Record)) return {static_cast<uint32_t>(bytes.size())};
+    if (payload != nullptr) payload->assign(bytes.begin() + sizeof(Record), bytes.end());
+    std::vector<uint32_t> words(sizeof(Record) / 4);
+    memcpy(words.data(), bytes.data(), sizeof(Record));
+    return words;
+  }
+
+  Socket socket;
+  int port = 0;
 };
 
 // The words of a record, for whole-record comparisons.

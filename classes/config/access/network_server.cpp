@@ -1,0 +1,170 @@
+#include "config/access/network_server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+#include "config/access/network_tcp_connection.h"
+#include "config/access/network_udp_connection.h"
+#include "config/access/socket.h"
+#include "support/semaphore_helper.h"
+
+namespace zyn {
+namespace boxline {
+namespace config {
+namespace access {
+
+NetworkServer::NetworkServer(int f, int t, int p)
+    : stop(0),
+      thread(),
+      socket(nullptr),
+      family(f),
+      type(t),
+      port(p),
+      udpConnection(nullptr),
+      _fd(-1),
+      _multicast_port(NetworkUDPConnection::kDefaultEventPort),
+      _event_interface(NetworkUDPConnection::kDefaultEventInterface) {
+  SemaphoreHelper::InitSemaphore(&_stop_lock);
+}
+
+NetworkServer::~NetworkServer() {
+  delete socket;
+  SemaphoreHelper::DestroySemaphore(&_stop_lock);
+}
+
+bool NetworkServer::Init() {
+  delete socket;
+  _fd = -1;
+  socket = new Socket(family, type);
+  if (socket == nullptr) {
+    fprintf(stderr, "NetworkServer::Init - failed to new Socket\n");
+    return false;
+  }
+  if (!socket->create()) {
+    fprintf(stderr, "NetworkServer::Init - failed to create Socket\n");
+    return false;
+  }
+  if (!socket->bind(_listen_address, port)) {
+    fprintf(stderr, "NetworkServer::Init - failed to bind Socket\n");
+    return false;
+  }
+  if (type == SOCK_STREAM && !socket->listen()) {
+    fprintf(stderr, "NetworkServer::Init - listen failed\n");
+    return false;
+  }
+  _fd = socket->get_fd();
+  // Port 0 asks the system for a free port; remember which one it gave.
+  sockaddr_in bound{};
+  socklen_t length = sizeof bound;
+  if (getsockname(_fd, reinterpret_cast<sockaddr*>(&bound), &length) == 0)
+    port = ntohs(bound.sin_port);
+  return true;
+}
+
+bool NetworkServer::Start() {
+  int rc = pthread_create(&thread, nullptr, pthread_start, this);
+  if (rc != 0) {
+    errno = rc;
+    perror("configd::main");
+    fprintf(stderr, "NetworkServer::Start - pthread_create failed\n");
+    return false;
+  }
+  return true;
+}
+
+void* NetworkServer::pthread_start(void* arg) {
+  NetworkServer* server = static_cast<NetworkServer*>(arg);
+  server->stop = 0;
+  server->Run();
+  // A Stop in progress finishes before the server goes.
+  { SemaphoreHelper hold(&server->_stop_lock); }
+  delete server;
+  return nullptr;
+}
+
+void NetworkServer::Stop() {
+  SemaphoreHelper hold(&_stop_lock);
+  stop = 1;
+  // Shutting the socket down ends a blocked accept or receive; the server
+  // thread closes it when it deletes the server.
+  if (_fd >= 0) ::shutdown(_fd, SHUT_RDWR);
+}
+
+void NetworkServer::Run() {
+  if (type == SOCK_STREAM) {
+    RunStream();
+  } else {
+    RunDatagram();
+  }
+  fprintf(stderr, "NetworkServer::Run - exiting\n");
+}
+
+void NetworkServer::RunStream() {
+  while (!stop) {
+    if (!WaitForConnection() && !stop) usleep(1000);  // out of descriptors: do not spin
+  }
+}
+
+void NetworkServer::RunDatagram() {
+  if (!socket->set_buffer_size(SO_SNDBUF, NetworkUDPConnection::kSocketBufferSize) ||
+      !socket->set_buffer_size(SO_RCVBUF, NetworkUDPConnection::kSocketBufferSize))
+    return;
+  udpConnection = new NetworkUDPConnection(socket);
+  if (udpConnection == nullptr) {
+    fprintf(stderr, "NetworkServer::Run - unable to create socket connection\n");
+    return;
+  }
+  udpConnection->SetMulticastPort(_multicast_port);
+  udpConnection->SetEventInterface(_event_interface);
+  // Touched only as far as each datagram reaches.
+  std::vector<char> buffer(kDatagramBufferSize);
+  while (!stop) WaitForDatagram(buffer.data());
+  delete udpConnection;
+  udpConnection = nullptr;
+}
+
+bool NetworkServer::WaitForConnection() {
+  Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
+  if (!socket->accept(accepted)) {
+    perror("NetworkServer::WaitForConnection");
+    fprintf(stderr, "NetworkServer::WaitForConnection - accept failed\n");
+    delete accepted;
+    return false;
+  }
+  NetworkTCPConnection* connection = new NetworkTCPConnection(accepted);
+  if (!connection->Start()) {
+    fprintf(stderr, "NetworkServer::Run - unable to start connection\n");
+    delete connection;
+  }
+  return true;
+}
+
+bool NetworkServer::WaitForDatagram(char* buffer) {
+  sockaddr_in from{};
+  socklen_t length = sizeof from;
+  ssize_t n =
+      ::recvfrom(_fd, buffer, kDatagramBufferSize, 0, reinterpret_cast<sockaddr*>(&from), &length);
+  if (n < 0 && errno == EINTR) return true;
+  if (n == 0 && stop) {
+    fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n");
+    return false;
+  }
+  if (n < 0) {
+    perror("NetworkServer::WaitForDatagram");
+    fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom error condition\n");
+    return false;
+  }
+  udpConnection->ProcessMessages(buffer, static_cast<int>(n), from);
+  return true;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
+}  // namespace zyn

@@ -1,0 +1,429 @@
+#include "config/access/network_tcp_connection.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <set>
+
+#include "config/access/connection_utilities.h"
+#include "config/access/socket.h"
+#include "config/config_factory_impl.h"
+#include "config/values/config_value.h"
+#include "support/semaphore_helper.h"
+
+namespace zyn {
+namespace boxline {
+namespace config {
+namespace access {
+
+using namespace ::zyn::config::access;
+
+namespace {
+
+// Every live connection of the process, for a clean shutdown.
+struct LiveConnections {
+  std::mutex lock;
+  std::condition_variable gone;
+  std::set<NetworkTCPConnection*> all;
+};
+
+LiveConnections& Live() {
+  static LiveConnections* live = new LiveConnections();
+  return *live;
+}
+
+}  // namespace
+
+NetworkTCPConnection::NetworkTCPConnection(Socket* s)
+    : config(nullptr),
+      socket(s),
+      _fd(s->get_fd()),
+      _reader(_fd),
+      connectionID(0),
+      _config_id(0),
+      registered(false),
+      _listening(false),
+      stopped(false),
+      _broken(false) {
+  SemaphoreHelper::InitSemaphore(&lock);
+  // A client that stops reading must not hold the store's writers for long.
+  socket->set_send_timeout(kSendTimeoutMs);
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  live.all.insert(this);
+}
+
+NetworkTCPConnection::~NetworkTCPConnection() {
+  {
+    LiveConnections& live = Live();
+    std::lock_guard<std::mutex> hold(live.lock);
+    live.all.erase(this);
+    live.gone.notify_all();
+  }
+  delete socket;
+  SemaphoreHelper::DestroySemaphore(&lock);
+}
+
+int NetworkTCPConnection::LiveCount() {
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  return static_cast<int>(live.all.size());
+}
+
+void NetworkTCPConnection::StopAll() {
+  LiveConnections& live = Live();
+  std::lock_guard<std::mutex> hold(live.lock);
+  for (NetworkTCPConnection* connection : live.all) connection->Stop();
+}
+
+bool NetworkTCPConnection::WaitForAll(long timeoutMs) {
+  LiveConnections& live = Live();
+  std::unique_lock<std::mutex> hold(live.lock);
+  return live.gone.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                            [&live] { return live.all.empty(); });
+}
+
+bool NetworkTCPConnection::Start() {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  pthread_attr_setstacksize(&attributes, kThreadStackSize);
+  pthread_t thread;
+  int rc = pthread_create(&thread, &attributes, pthread_start, this);
+  pthread_attr_destroy(&attributes);
+  if (rc != 0) {
+    fprintf(stderr, "NetworkTCPConnection::Start - pthread_create failed\n");
+    return false;
+  }
+  return true;
+}
+
+void* NetworkTCPConnection::pthread_start(void* arg) {
+  NetworkTCPConnection* connection = static_cast<NetworkTCPConnection*>(arg);
+  connection->Run();
+  delete connection;
+  return nullptr;
+}
+
+void NetworkTCPConnection::Stop() {
+  stopped = true;
+  ::shutdown(_fd, SHUT_RDWR);  // wakes the blocked read
+}
+
+void NetworkTCPConnection::Run() {
+  ProcessMessages();
+  ReleaseConfig();
+}
+
+void NetworkTCPConnection::ReleaseConfig() {
+  if (config == nullptr) return;
+  // Leaving the listeners waits for a notification in progress, so no
+  // callback reaches the connection after this.
+  if (_listening) config->RemoveConfigEventListener(this);
+  _listening = false;
+  ConfigFactoryImpl::GetInstance()->Disconnect(config);
+  config = nullptr;
+}
+
+void NetworkTCPConnection::ProcessMessages() {
+  char record[sizeof(XCONFIGMGR_REQUEST_T)];
+  while (!stopped) {
+    long n = _reader.Read(record, 4);
+    if (n == 0) break;  // the client has gone
+    if (n != 4) {
+      fprintf(stderr,
+              "NetworkTCPConnection::ProcessMessages - error calling recv for socket message "
+              "(connection pid = 0x%X)\n",
+              connectionID & 0xFFFF);
+      break;
+    }
+    uint32_t msgtype = PeekMessageType(record);
+    size_t size = TCPRequestSize(msgtype);
+    if (size == 0) {
+      fprintf(stderr, "NetworkTCPConnection::ProcessMessages - Unknown message type %d\n",
+              static_cast<int>(msgtype));
+      break;
+    }
+    n = _reader.Read(record + 4, size - 4);
+    if (n != static_cast<long>(size - 4)) {
+      fprintf(stderr,
+              "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
+              "= 0x%X)\n",
+              SymbolicName(msgtype), connectionID & 0xFFFF);
+      break;
+    }
+    if (!Dispatch(msgtype, record)) break;
+  }
+}
+
+bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
+  if (msgtype == XCFG_CONNECT_REQUEST || msgtype == XCFG_DISCONNECT_REQUEST) {
+    XCONFIGMGR_CONNECTION_REQUEST_T request;
+    Unpack(record, request);
+    ConnectionUtilities::Dump(request);
+    return msgtype == XCFG_CONNECT_REQUEST ? ProcessConnectRequest(request)
+                                           : ProcessDisconnectRequest(request);
+  }
+  // Every other request needs the store a Connect Request opens first.
+  if (config == nullptr) {
+    fprintf(stderr,
+            "NetworkTCPConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+            "(connection pid = 0x%X)\n",
+            SymbolicName(msgtype), connectionID & 0xFFFF);
+    return false;
+  }
+  if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
+      msgtype == XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST) {
+    XCONFIGMGR_EVENT_HANDLER_REQUEST_T request;
+    Unpack(record, request);
+    ConnectionUtilities::Dump(request);
+    return msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST
+               ? ProcessAddConfigEventListenerRequest(request)
+               : ProcessRemoveConfigEventListenerRequest(request);
+  }
+  XCONFIGMGR_REQUEST_T request;
+  Unpack(record, request);
+  ConnectionUtilities::Dump(request);
+  switch (msgtype) {
+    case XCFG_GET_PARAM_REQUEST:
+      return ProcessGetRequest(request);
+    case XCFG_SET_PARAM_REQUEST:
+      return ProcessSetRequest(request);
+    case XCFG_GET_STREAM_PARAM_REQUEST:
+      return ProcessGetStreamRequest(request);
+    default:
+      return ProcessSetStreamRequest(request);
+  }
+}
+
+bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
+  ReleaseConfig();  // a second Connect Request moves the connection to its store
+  std::string uri = "local:configid=" + std::to_string(static_cast<int>(request.header.configID));
+  {
+    SemaphoreHelper hold(&lock);
+    connectionID = request.header.connectionID;
+    _config_id = request.header.configID;
+  }
+  config = ConfigFactoryImpl::GetInstance()->Connect(uri);
+  if (config == nullptr) {
+    // No answer: the client's own wait for the response ends its attempt.
+    fprintf(stderr,
+            "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config\n");
+    return true;
+  }
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE), 0};
+  if (!SendRecord(response))
+    fprintf(stderr, "NetworkTCPConnection::ProcessConnectRequest - unable to send response\n");
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessDisconnectRequest(
+    const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
+                                            0};
+  if (!SendRecord(response))
+    fprintf(stderr, "NetworkTCPConnection::ProcessDisconnectRequest: unable to send response\n");
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
+  unsigned int value = config->Get(request.paramID);
+  XCONFIGMGR_RESPONSE_T response{
+      AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
+  if (!SendRecord(response))
+    fprintf(stderr, "NetworkTCPConnection::ProcessGetRequest - _socket->send failed\n");
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessSetRequest(const XCONFIGMGR_REQUEST_T& request) {
+  config->Set(request.paramID, request.value);  // never answered
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  SendStreamResponse(request);
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0) {
+    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    return true;
+  }
+  // A payload longer than any value cannot be skipped safely: the stream
+  // cannot be resynchronised, so the connection ends.
+  if (request.streamLength > kXConfigStreamBufferSize) {
+    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    return false;
+  }
+  std::vector<char> payload(request.streamLength);
+  if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
+    fprintf(stderr,
+            "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
+            "= 0x%X)\n",
+            SymbolicName(request.header.msgtype), connectionID & 0xFFFF);
+    return false;
+  }
+  ConnectionUtilities::Dump(request, payload.data(), payload.size());
+  ConfigValue* value = DecodePayload(payload.data(), payload.size());
+  bool applied = value != nullptr && DoSetRequest(config, value);
+  delete value;
+  if (!applied) {
+    XCONFIGMGR_RESPONSE_T response{AnswerHeader(request.header, XCFG_SET_STREAM_PARAM_RESPONSE),
+                                   request.paramID,
+                                   kXConfigSetStringError,
+                                   0,
+                                   0,
+                                   0};
+    SendErrorResponse(response);
+  }
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
+    const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
+  {
+    SemaphoreHelper hold(&lock);
+    if (request.paramID == 0) {
+      paramIDs.clear();
+    } else if (std::find(paramIDs.begin(), paramIDs.end(), request.paramID) == paramIDs.end()) {
+      paramIDs.push_back(request.paramID);
+    }
+    registered = true;
+  }
+  // Joining the store's listeners happens outside `lock`: a writer that
+  // notifies holds the store's listener lock and then takes `lock`.
+  if (!_listening) {
+    _listening = true;
+    config->AddConfigEventListener(this);
+  }
+  return true;
+}
+
+bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
+    const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{
+      AnswerHeader(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
+  SemaphoreHelper hold(&lock);
+  // No events after the response; the store registration is kept, so a
+  // later Add Listener Request only switches them on again.
+  registered = false;
+  if (!SendRecordLocked(response))
+    fprintf(stderr,
+            "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+            "response!\n");
+  return true;
+}
+
+bool NetworkTCPConnection::ParamChanged(unsigned int paramID, unsigned int value, timeval) {
+  SemaphoreHelper hold(&lock);
+  if (!registered || _broken) return true;
+  XCONFIGMGR_RESPONSE_T event{
+      MakeHeader(XCFG_PARAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, _config_id),
+      paramID,
+      0,
+      value,
+      0,
+      kXConfigStreamBufferSize};
+  if (!SendRecordLocked(event)) {
+    perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
+    return false;
+  }
+  return true;
+}
+
+bool NetworkTCPConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
+  SemaphoreHelper hold(&lock);
+  if (!registered || _broken) return true;
+  XCONFIGMGR_REQUEST_T event{
+      MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, _config_id),
+      paramID, 0, 0, 0};
+  std::vector<char> bytes;
+  if (!BuildStreamResponse(event, bytes) || !SendLocked(bytes.data(), bytes.size())) {
+    perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
+    return false;
+  }
+  return true;
+}
+
+bool NetworkTCPConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
+                                               std::vector<char>& bytes) {
+  uint32_t msgtype = request.header.msgtype == XCFG_GET_STREAM_PARAM_REQUEST
+                         ? static_cast<uint32_t>(XCFG_GET_STREAM_PARAM_RESPONSE)
+                         : static_cast<uint32_t>(XCFG_PARAM_STREAM_CHANGED_EVENT);
+  ConfigValue* value = dynamic_cast<ConfigValue*>(config->GetSerializable(request.paramID));
+  std::vector<char> payload;
+  if (value != nullptr) payload = EncodePayload(value);
+  if (payload.empty()) {
+    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    return false;
+  }
+  XCONFIGMGR_RESPONSE_T response{
+      AnswerHeader(request.header, msgtype), request.paramID,         0, 0,
+      static_cast<uint32_t>(payload.size()), kXConfigStreamBufferSize};
+  bytes = PackWithPayload(response, payload);
+  ConnectionUtilities::Dump(response, payload.data(), payload.size());
+  return true;
+}
+
+bool NetworkTCPConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& request) {
+  std::vector<char> bytes;
+  if (!BuildStreamResponse(request, bytes)) return false;
+  if (!Send(bytes.data(), bytes.size())) {
+    perror("SendStreamResponse: socket send failed");
+    return false;
+  }
+  return true;
+}
+
+bool NetworkTCPConnection::SendErrorResponse(XCONFIGMGR_RESPONSE_T& response) {
+  if (response.error == 0)
+    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+  response.streamLength = 0;
+  response.streamBufferSize = 0;
+  if (!SendRecord(response)) {
+    perror("SendErrorResponse: send failed");
+    return false;
+  }
+  return true;
+}
+
+template <typename Record>
+bool NetworkTCPConnection::SendRecord(const Record& record) {
+  SemaphoreHelper hold(&lock);
+  return SendRecordLocked(record);
+}
+
+template <typename Record>
+bool NetworkTCPConnection::SendRecordLocked(const Record& record) {
+  char bytes[sizeof(Record)];
+  Pack(record, bytes);
+  ConnectionUtilities::Dump(record);
+  return SendLocked(bytes, sizeof bytes);
+}
+
+bool NetworkTCPConnection::Send(const char* bytes, size_t length) {
+  SemaphoreHelper hold(&lock);
+  return SendLocked(bytes, length);
+}
+
+bool NetworkTCPConnection::SendLocked(const char* bytes, size_t length) {
+  if (_broken) return false;
+  if (SendAll(_fd, bytes, length)) return true;
+  // A failed or timed-out send leaves the stream mid-record: the client is
+  // cut off and the reading loop ends.
+  _broken = true;
+  registered = false;
+  ::shutdown(_fd, SHUT_RDWR);
+  return false;
+}
+
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
+}  // namespace zyn

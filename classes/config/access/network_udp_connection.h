@@ -1,0 +1,112 @@
+// NetworkUDPConnection answers every datagram of the network protocol that
+// reaches the UDP server, for all its clients at once, and multicasts the
+// changes those requests make: a "Param Changed Event" after every Set
+// Request (a refused one too, re-announcing the unchanged value), then the
+// events of the parameter's dependants from store 0; a "Param String
+// Changed Event" or "Param Data Changed Event" after a successful Set String
+// or Set Data Request.
+//
+// Ownership: the server creates it in its Run and deletes it when Run ends.
+// It owns its event socket, bound to 127.0.0.1 on a free port and sending on
+// the event interface (127.0.0.1 unless set otherwise), and one open store
+// per config ID ever connected (released when the connection is deleted).
+// The server's socket, used to answer, stays the server's.
+//
+// Threads: used by the server thread alone; no lock.
+#ifndef CLASSES_CONFIG_ACCESS_NETWORK_UDP_CONNECTION_H
+#define CLASSES_CONFIG_ACCESS_NETWORK_UDP_CONNECTION_H
+
+#include <netinet/in.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "config/access/network_connection.h"
+#include "config/access/xconfigmgr_records.h"
+
+class Config;
+class Socket;
+
+namespace zyn {
+namespace boxline {
+namespace config {
+namespace access {
+
+class NetworkUDPConnection : public NetworkConnection {
+ public:
+  // The largest datagram the server takes.
+  static constexpr int kMaxDatagram = 24 * 1024;
+  // Send buffer of the event socket (and both buffers of the server's).
+  static constexpr int kSocketBufferSize = 786432;
+  static constexpr const char* kEventGroup = "239.18.27.18";
+  static constexpr int kDefaultEventPort = 63110;
+  static constexpr const char* kDefaultEventInterface = "127.0.0.1";
+  // A dependent parameter with this class name is a data parameter: its
+  // changes go out as "Param Data Changed Event" with its current data.
+  static constexpr const char* kDataClassName = "data";
+
+  // `serverSocket` answers requests and is not owned. Failures to set up
+  // the event socket are reported; the connection still answers requests.
+  explicit NetworkUDPConnection(Socket* serverSocket);
+  ~NetworkUDPConnection() override;
+
+  // Where events go: the group's port (default 63110) and the address of
+  // the interface they leave on (default "127.0.0.1"). False when the
+  // interface address is refused.
+  void SetMulticastPort(int port);
+  bool SetEventInterface(const std::string& address);
+  // The local port of the event socket, 0 when it has none.
+  int GetEventSourcePort() const;
+
+  // Handles one datagram from `from`; every answer goes back there.
+  // Datagrams that are too short, of a type the server does not accept, or
+  // with a payload longer than what arrived are dropped with a message.
+  void ProcessMessages(char* datagram, int length, sockaddr_in& from);
+
+ private:
+  // The store opened for `configID` by an earlier Connect Request, or null
+  // (with a message).
+  Config* GetConfig(unsigned int configID);
+
+  void ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
+                             const sockaddr_in& from);
+  void ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
+                                const sockaddr_in& from);
+  void ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request, const sockaddr_in& from);
+  void ProcessSetRequest(const XCONFIGMGR_REQUEST_T& request, const sockaddr_in& from);
+  void ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& request, const sockaddr_in& from);
+  void ProcessSetStreamRequest(unsigned int configID, char* payload, unsigned int length);
+  void ProcessGetDataRequest(const XCONFIGMGR_REQUEST_T& request, const sockaddr_in& from);
+  void ProcessSetDataRequest(const XCONFIGMGR_REQUEST_T& request, char* payload,
+                             unsigned int length);
+
+  // Multicasts a "Param Changed Event" (numbered by eventSequence) or a
+  // "Param String Changed Event" carrying `payload`.
+  void ParamChanged(unsigned int paramID, unsigned int configID, unsigned int value);
+  void ParamChanged(unsigned int paramID, unsigned int configID, const char* payload,
+                    unsigned int length);
+  // Multicasts a "Param Data Changed Event" with the request's header.
+  void DataChanged(const XCONFIGMGR_REQUEST_T& request, const char* payload, unsigned int length);
+  void FireDependentParamsChangedEvents(const XCONFIGMGR_REQUEST_T& request, unsigned int paramID);
+
+  // Sends a response, with its payload if any, back to the requester.
+  bool Answer(const std::vector<char>& bytes, const sockaddr_in& to);
+  template <typename Record>
+  bool Answer(const Record& record, const sockaddr_in& to);
+  bool Multicast(const XCONFIGMGR_RESPONSE_T& event, const std::vector<char>& payload);
+
+  Socket* eventSocket;
+  sockaddr_in eventAddress;
+  std::map<unsigned int, Config*> configs;
+  Socket* serverSocket;
+  unsigned int eventSequence;
+};
+
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
+}  // namespace zyn
+
+#endif  // CLASSES_CONFIG_ACCESS_NETWORK_UDP_CONNECTION_H

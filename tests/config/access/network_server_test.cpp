@@ -1,0 +1,266 @@
+// The network server over real loopback sockets: TCP clients and UDP
+// datagrams driven by raw peers, multicast events heard on the test's own
+// port, every record checked word for word.
+#include <gtest/gtest.h>
+
+#include "config/values/string_value.h"
+#include "loopback_server.h"
+#include "test_stderr.h"
+
+using namespace zyn::config::access;
+using namespace test_catalogue;
+using zyn::boxline::config::access::NetworkTCPConnection;
+
+namespace {
+
+constexpr uint32_t kClient = 0x00071234;
+constexpr uint32_t kRefused = 0xFFFFFFFF;
+using Words = std::vector<uint32_t>;
+
+XCONFIGMGR_REQUEST_T Request(uint32_t msgtype, uint32_t requestID, uint32_t paramID,
+                             uint32_t value = 0, uint32_t streamLength = 0, uint32_t configID = 0) {
+  return XCONFIGMGR_REQUEST_T{MakeHeader(msgtype, kClient, requestID, configID), paramID, value,
+                              streamLength, 0};
+}
+
+XCONFIGMGR_CONNECTION_REQUEST_T Connection(uint32_t msgtype, uint32_t requestID) {
+  return XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(msgtype, kClient, requestID, 0)};
+}
+
+std::vector<char> StringPayload(unsigned int paramID, const std::string& text) {
+  StringValue value(eConfigID_Default, paramID, eCParam_StringValue, text);
+  return EncodePayload(&value);
+}
+
+// A TCP Get answered: everything the peer sent before has been handled.
+void SyncTcp(RawPeer& peer) {
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 1000, kRaw));
+  XCONFIGMGR_RESPONSE_T response{};
+  ASSERT_TRUE(peer.ReadRecord(response));
+  ASSERT_EQ(96u, response.header.msgtype);
+}
+
+class NetworkTCPServerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(0, server.port);
+    server.store->Set(kPercent, 50);
+    server.store->Set(kName, std::string("unit"));
+    server.store->Set(kMode, 1);
+  }
+  RawDatagramPeer events;  // unused by TCP, but gives the server a port of its own
+  NetworkLoopbackServer server{SOCK_STREAM, events.port};
+};
+
+class NetworkUDPServerTest : public NetworkTCPServerTest {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(0, udp.port);
+    NetworkTCPServerTest::SetUp();
+    if (!events.JoinEvents()) GTEST_SKIP() << "no multicast on the loopback interface here";
+    peer.Send(udp.port, Connection(XCFG_CONNECT_REQUEST, 1));
+    ASSERT_EQ((Words{32, kClient, 1, 0, 0, 4096, 0, 0, 0, 0, 0}),
+              peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>())
+        << "a UDP Connect Response is a whole 44-byte response record";
+  }
+  NetworkLoopbackServer udp{SOCK_DGRAM, events.port};
+  RawDatagramPeer peer;
+};
+
+}  // namespace
+
+TEST_F(NetworkTCPServerTest, RequestsAnsweredByteForByte) {
+  RawPeer peer(server.port);
+  peer.Send(Connection(XCFG_CONNECT_REQUEST, 7));
+  XCONFIGMGR_CONNECTION_RESPONSE_T connected{};
+  ASSERT_TRUE(peer.ReadRecord(connected));
+  EXPECT_EQ((Words{32, kClient, 7, 0, 0, 4096, 0}), WordsOf(connected));
+
+  peer.Send(Request(XCFG_SET_PARAM_REQUEST, 8, kPercent, 70));
+  EXPECT_TRUE(peer.Read(1, 200).empty()) << "a TCP Set Request got a reply";
+  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 9, kPercent));
+  XCONFIGMGR_RESPONSE_T got{};
+  ASSERT_TRUE(peer.ReadRecord(got));
+  EXPECT_EQ((Words{96, kClient, 9, 0, 0, 4096, kPercent, 0, 70, 0, 0}), WordsOf(got));
+
+  std::vector<char> text = StringPayload(kName, "deck");
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 10, kName, 0, text.size()));
+  peer.SendBytes(text.data(), text.size());
+  peer.Send(Request(XCFG_GET_STREAM_PARAM_REQUEST, 11, kName));
+  ASSERT_TRUE(peer.ReadRecord(got)) << "a successful Set String got a reply, or no Get answer";
+  EXPECT_EQ((Words{128, kClient, 11, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            WordsOf(got));
+  EXPECT_EQ(text, peer.Read(text.size()));
+
+  // A refused string, and an empty one, which is refused without a read.
+  std::string err = Stderr([&] {
+    peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 12, kUnknown, 0, text.size()));
+    peer.SendBytes(StringPayload(kUnknown, "lost").data(), text.size());
+    ASSERT_TRUE(peer.ReadRecord(got));
+    EXPECT_EQ((Words{129, kClient, 12, 0, 0, 4096, kUnknown, 15, 0, 0, 0}), WordsOf(got));
+    peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 13, kName));
+    SyncTcp(peer);
+  });
+  EXPECT_NE(std::string::npos,
+            err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
+
+  peer.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+      MakeHeader(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, kClient, 14, 0), 0});
+  ASSERT_TRUE(peer.ReadRecord(connected));
+  EXPECT_EQ((Words{65, kClient, 14, 0, 0, 4096, 0}), WordsOf(connected));
+  peer.Send(Connection(XCFG_DISCONNECT_REQUEST, 15));
+  ASSERT_TRUE(peer.ReadRecord(connected));
+  EXPECT_EQ((Words{33, kClient, 15, 0, 0, 4096, 0}), WordsOf(connected));
+}
+
+TEST_F(NetworkTCPServerTest, RegisteredClientHearsEveryParameter) {
+  RawPeer listener(server.port);
+  ASSERT_EQ(0u, listener.Connect(kClient));
+  // Named parameters are remembered but never filter, and 0 clears them.
+  for (uint32_t id : {kPercent, kPercent, 0u})
+    listener.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+        MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kClient, 2, 0), id});
+  SyncTcp(listener);
+  RawPeer writer(server.port);
+  ASSERT_EQ(0u, writer.Connect(kClient + 1));
+  writer.Send(Request(XCFG_SET_PARAM_REQUEST, 3, kMode, 2));
+  XCONFIGMGR_RESPONSE_T event{};
+  ASSERT_TRUE(listener.ReadRecord(event)) << "no event for a parameter never named";
+  EXPECT_EQ((Words{144, kClient, kRefused, 0, 0, 4096, kMode, 0, 2, 0, 3072}), WordsOf(event));
+  server.store->Set(kName, std::string("tape"));
+  ASSERT_TRUE(listener.ReadRecord(event));
+  std::vector<char> text = StringPayload(kName, "tape");
+  EXPECT_EQ((Words{145, kClient, kRefused, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            WordsOf(event));
+  EXPECT_EQ(text, listener.Read(text.size()));
+}
+
+TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
+  RawPeer other(server.port);
+  ASSERT_EQ(0u, other.Connect(kClient + 1));
+  std::string err = Stderr([&] {
+    RawPeer data(server.port);
+    ASSERT_EQ(0u, data.Connect(kClient));
+    data.Send(Request(XCFG_GET_DATA_REQUEST, 2, kName));
+    EXPECT_TRUE(data.ClosedByPeer()) << "a Get Data Request did not close the TCP connection";
+    RawPeer big(server.port);
+    ASSERT_EQ(0u, big.Connect(kClient));
+    big.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 3, kName, 0, 3073));
+    EXPECT_TRUE(big.ClosedByPeer()) << "an oversized payload did not close the connection";
+  });
+  EXPECT_NE(std::string::npos,
+            err.find("NetworkTCPConnection::ProcessMessages - Unknown message type 256\n"));
+  EXPECT_NE(std::string::npos,
+            err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
+  SyncTcp(other);
+}
+
+TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
+  RawPeer peer(server.port);
+  ASSERT_EQ(0u, peer.Connect(kClient));
+  std::string err = Stderr([&] { server.Stop(); });
+  EXPECT_NE(std::string::npos, err.find("NetworkServer::Run - exiting\n"));
+  EXPECT_EQ(0, NetworkTCPConnection::LiveCount());
+  EXPECT_TRUE(peer.ClosedByPeer()) << "StopAll left a client connected";
+}
+
+TEST_F(NetworkUDPServerTest, DatagramsAnsweredByteForByte) {
+  peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, 2, kPercent));
+  EXPECT_EQ((Words{96, kClient, 2, 0, 0, 4096, kPercent, 0, 50, 0, 0}),
+            peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+
+  std::vector<char> payload;
+  std::vector<char> text = StringPayload(kName, "unit");
+  peer.Send(udp.port, Request(XCFG_GET_STREAM_PARAM_REQUEST, 3, kName));
+  EXPECT_EQ((Words{128, kClient, 3, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
+  EXPECT_EQ(text, payload) << "the payload starts at byte 44 of the datagram";
+
+  // A string set is not answered; the change goes out as an event with the
+  // request's payload.
+  text = StringPayload(kName, "deck");
+  peer.Send(udp.port, Request(XCFG_SET_STREAM_PARAM_REQUEST, 4, kName, 0, text.size()), text);
+  EXPECT_EQ((Words{145, 0, 0, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
+  EXPECT_EQ(text, payload);
+
+  // Data travels as a string value, its event carries the request's header.
+  text = StringPayload(kName, "blob");
+  peer.Send(udp.port, Request(XCFG_SET_DATA_REQUEST, 5, kName, 0, text.size()), text);
+  EXPECT_EQ((Words{146, kClient, 5, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
+  peer.Send(udp.port, Request(XCFG_GET_DATA_REQUEST, 6, kName));
+  EXPECT_EQ((Words{257, kClient, 6, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
+  EXPECT_EQ(text, payload);
+
+  peer.Send(udp.port, Connection(XCFG_DISCONNECT_REQUEST, 7));
+  EXPECT_EQ((Words{33, kClient, 7, 0, 0, 4096, 0}),
+            peer.ReceiveWords<XCONFIGMGR_CONNECTION_RESPONSE_T>());
+}
+
+TEST_F(NetworkUDPServerTest, SetAnsweredThenMulticastWithDependants) {
+  peer.Send(udp.port, Request(XCFG_SET_PARAM_REQUEST, 2, kPercent, 60));
+  EXPECT_EQ((Words{97, kClient, 2, 0, 0, 4096, kPercent, 0, 60, 0, 0}),
+            peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+  // The event sequence of a fresh server starts at 0.
+  const uint32_t sequence = 0;
+  EXPECT_EQ((Words{144, 0, sequence, 0, 0, 4096, kPercent, 0, 60, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+
+  // Refused: answered with the error and the value read back, and the
+  // unchanged value is announced all the same.
+  std::string err = Stderr([&] {
+    peer.Send(udp.port, Request(XCFG_SET_PARAM_REQUEST, 3, kMode, 7));
+    EXPECT_EQ((Words{97, kClient, 3, 0, 0, 4096, kMode, kRefused, 1, 0, 0}),
+              peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+  });
+  EXPECT_NE(std::string::npos, err.find("\tNetworkUDPConnection::ProcessSetRequest - Set failed "
+                                        "for paramID 0xfeedc003 (eParamID_TestMode), value 7\n"))
+      << err;
+  EXPECT_EQ((Words{144, 0, sequence + 1, 0, 0, 4096, kMode, 0, 1, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+
+  // kSource's dependants follow its own event, from store 0.
+  peer.Send(udp.port, Request(XCFG_SET_PARAM_REQUEST, 4, kSource, 3));
+  EXPECT_EQ(97u, peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>()[0]);
+  EXPECT_EQ((Words{144, 0, sequence + 2, 0, 0, 4096, kSource, 0, 3, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+  EXPECT_EQ((Words{144, 0, sequence + 3, 0, 0, 4096, kPercent, 0, 60, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+  std::vector<char> payload;
+  std::vector<char> text = StringPayload(kName, "unit");
+  EXPECT_EQ((Words{145, 0, 0, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
+  EXPECT_EQ(text, payload);
+}
+
+TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
+  std::vector<char> text = StringPayload(kName, "deck");
+  std::string err = Stderr([&] {
+    peer.SendBytes(udp.port, {16, 0, 0});
+    peer.Send(udp.port, XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+                            MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kClient, 2, 0), 0});
+    peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, 3, kPercent, 0, 0, 7));
+    // A payload claimed longer than what arrived.
+    peer.Send(udp.port, Request(XCFG_SET_STREAM_PARAM_REQUEST, 4, kName, 0, text.size() + 1), text);
+    peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, 5, kPercent));
+    EXPECT_EQ(5u, peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>()[2]) << "a dropped datagram answered";
+  });
+  for (const char* line :
+       {"NetworkUDPConnection::ProcessDatagramMessages - insufficient message length\n",
+        "NetworkUDPConnection::ProcessDatagramMessages - Unknown message type \"Add Listener "
+        "Request\" (0x30 )\n",
+        "NetworkUDPConnection::GetConfig - ConfigID 7 instance not present\n",
+        "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength\n"})
+    EXPECT_NE(std::string::npos, err.find(line)) << "missing: " << line << "in:\n" << err;
+  EXPECT_TRUE(events.Receive(200).empty()) << "a dropped Set String was multicast";
+}
+
+TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
+  std::string err = Stderr([&] { udp.Stop(); });
+  EXPECT_NE(std::string::npos,
+            err.find("NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
+                     "NetworkServer::Run - exiting\n"))
+      << err;
+}
