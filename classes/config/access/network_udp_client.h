@@ -43,6 +43,8 @@ class NetworkUDPClient : public NetworkClient {
                    bool eventsOnly = false);
   ~NetworkUDPClient() override;
 
+  using NetworkClient::Get;
+  using NetworkClient::Set;
   // Waits for the server's Set Response: true when the store took the value.
   bool Set(eParam_t id, unsigned int value) override;
   bool Get(eParam_t id, std::string& value) override;
