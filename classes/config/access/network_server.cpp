@@ -68,6 +68,9 @@ bool NetworkServer::Init() {
 }
 
 bool NetworkServer::Start() {
+  // Cleared before the thread exists, so a Stop that comes before the
+  // thread runs is not lost.
+  stop = 0;
   int rc = pthread_create(&thread, nullptr, pthread_start, this);
   if (rc != 0) {
     errno = rc;
@@ -80,7 +83,6 @@ bool NetworkServer::Start() {
 
 void* NetworkServer::pthread_start(void* arg) {
   NetworkServer* server = static_cast<NetworkServer*>(arg);
-  server->stop = 0;
   server->Run();
   // A Stop in progress finishes before the server goes.
   { SemaphoreHelper hold(&server->_stop_lock); }

@@ -71,15 +71,6 @@ bool NetworkUDPConnection::SetEventInterface(const std::string& address) {
   return true;
 }
 
-int NetworkUDPConnection::GetEventSourcePort() const {
-  if (eventSocket == nullptr || eventSocket->get_fd() < 0) return 0;
-  sockaddr_in bound{};
-  socklen_t length = sizeof bound;
-  if (getsockname(eventSocket->get_fd(), reinterpret_cast<sockaddr*>(&bound), &length) != 0)
-    return 0;
-  return ntohs(bound.sin_port);
-}
-
 void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_in& from) {
   if (length < 4) {
     fprintf(stderr,

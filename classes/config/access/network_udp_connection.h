@@ -57,8 +57,6 @@ class NetworkUDPConnection : public NetworkConnection {
   // interface address is refused.
   void SetMulticastPort(int port);
   bool SetEventInterface(const std::string& address);
-  // The local port of the event socket, 0 when it has none.
-  int GetEventSourcePort() const;
 
   // Handles one datagram from `from`; every answer goes back there.
   // Datagrams that are too short, of a type the server does not accept, or

@@ -1,8 +1,14 @@
 // The network server over real loopback sockets: TCP clients and UDP
 // datagrams driven by raw peers, multicast events heard on the test's own
 // port, every record checked word for word.
+#include <dirent.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 
+#include <fstream>
+
+#include "config/access/network_connection.h"
+#include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
 #include "test_stderr.h"
@@ -38,6 +44,24 @@ void SyncTcp(RawPeer& peer) {
   XCONFIGMGR_RESPONSE_T response{};
   ASSERT_TRUE(peer.ReadRecord(response));
   ASSERT_EQ(96u, response.header.msgtype);
+}
+
+// True once a thread of this process sits in system call `number` (a wait
+// with a deadline, not a fixed sleep).
+bool SomeThreadBlockedIn(long number, int timeoutMs = 5000) {
+  for (int waited = 0; waited < timeoutMs; waited += 5) {
+    DIR* tasks = opendir("/proc/self/task");
+    bool found = false;
+    while (dirent* task = readdir(tasks)) {
+      std::ifstream in(std::string("/proc/self/task/") + task->d_name + "/syscall");
+      long current = -1;
+      found = found || ((in >> current) && current == number);
+    }
+    closedir(tasks);
+    if (found) return true;
+    usleep(5000);
+  }
+  return false;
 }
 
 class NetworkTCPServerTest : public testing::Test {
@@ -155,6 +179,47 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
   SyncTcp(other);
 }
 
+TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
+  zyn::boxline::config::access::NetworkConnection connection;
+  IntegerValue mode(eConfigID_Default, kMode, eCParam_IntegerValue, 2);
+  EXPECT_TRUE(connection.DoSetRequest(server.store, &mode));
+  EXPECT_EQ(2u, server.store->Get(kMode));
+  StringValue text(eConfigID_Default, kName, eCParam_StringValue, "x");
+  mode.SetClassID(eClassID_StringValue);
+  text.SetClassID(eClassID_IntegerValue);
+  std::string err = Stderr([&] {
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &mode));
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &text));
+    text.SetClassID(static_cast<eClassID_t>(6));
+    EXPECT_FALSE(connection.DoSetRequest(server.store, &text));
+  });
+  EXPECT_EQ(
+      "NetworkConnection::DoSetRequest - type error, configValue is not a StringValue\n"
+      "NetworkConnection::DoSetRequest - type error, configValue is not an IntegerValue\n"
+      "NetworkConnection::DoSetRequest - returning error (unsupported classID)\n",
+      err);
+}
+
+TEST_F(NetworkTCPServerTest, ListenerThatStopsReadingIsCutOff) {
+  RawPeer stalled(server.port, 4096);
+  ASSERT_EQ(0u, stalled.Connect(kClient));
+  stalled.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+      MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kClient, 2, 0), 0});
+  SyncTcp(stalled);
+  RawPeer reader(server.port);
+  ASSERT_EQ(0u, reader.Connect(kClient + 1));
+  // Writers go on while the stalled client's buffers fill; once an event
+  // send times out the client is dropped and its thread ends.
+  int writes = 0;
+  std::string err = Stderr([&] {
+    while (NetworkTCPConnection::LiveCount() == 2 && writes < 2000000)
+      server.store->Set(kPercent, writes++ % 100);
+  });
+  EXPECT_EQ(1, NetworkTCPConnection::LiveCount()) << "the stalled client was never cut off";
+  EXPECT_NE(std::string::npos, err.find("NetworkTCPConnection::ParamChanged - unable to send"));
+  SyncTcp(reader);
+}
+
 TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
   RawPeer peer(server.port);
   ASSERT_EQ(0u, peer.Connect(kClient));
@@ -258,6 +323,7 @@ TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
 }
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
+  ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
   std::string err = Stderr([&] { udp.Stop(); });
   EXPECT_NE(std::string::npos,
             err.find("NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"

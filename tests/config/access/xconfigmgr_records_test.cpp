@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
@@ -67,6 +68,20 @@ TEST(XConfigRecordsTest, MessageTable) {
   EXPECT_EQ(0u, LocalRequestSize(XCFG_POPULATE_PARAM_REQUEST));
   EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_DATA_REQUEST));
   EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_PARAM_RESPONSE));
+  // The network servers: TCP takes the listener requests but no data
+  // requests, UDP the data requests but no listener requests.
+  const std::map<uint32_t, std::pair<size_t, size_t>> network = {
+      {16, {24, 24}}, {17, {24, 24}},  {48, {28, 0}},   {49, {28, 0}},  {80, {40, 40}},
+      {81, {40, 40}}, {112, {40, 40}}, {113, {40, 40}}, {256, {0, 40}}, {258, {0, 40}}};
+  for (uint32_t code = 0; code < 0x200; ++code) {
+    auto it = network.find(code);
+    std::pair<size_t, size_t> sizes =
+        it != network.end() ? it->second : std::pair<size_t, size_t>();
+    EXPECT_EQ(sizes.first, TCPRequestSize(code)) << "TCP, code " << code;
+    EXPECT_EQ(sizes.second, UDPRequestSize(code)) << "UDP, code " << code;
+  }
+  EXPECT_STREQ("XCFG_SET_DATA_REQUEST", SymbolicName(XCFG_SET_DATA_REQUEST));
+  EXPECT_STREQ("N/A", SymbolicName(999));
 }
 
 TEST(XConfigRecordsTest, Payloads) {
