@@ -16,6 +16,7 @@
 #include <memory>
 
 #include "config/access/connection_utilities.h"
+#include "config/access/dump_context.h"
 #include "config/access/socket.h"
 #include "config/access/stream_io.h"
 #include "config/descriptors/param_descriptors.h"
@@ -59,6 +60,12 @@ NetworkClient::NetworkClient(unsigned int connectionID, Socket* socket, eConfigI
       _request_buffer(kXConfigDatagramSize) {
   SemaphoreHelper::InitSemaphore(&_listener_lock);
   SemaphoreHelper::InitSemaphore(&_socket_lock);
+}
+
+void NetworkClient::TimeReceives() {
+  int milliseconds = ResponseTimeoutMs();
+  timeval wait{milliseconds / 1000, (milliseconds % 1000) * 1000};
+  _timed_receives = setsockopt(_fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait) == 0;
 }
 
 NetworkClient::~NetworkClient() {
@@ -132,7 +139,7 @@ NetworkClient::eReadResult NetworkClient::AwaitResponse(std::vector<char>& messa
 NetworkClient::eReadResult NetworkClient::ReadOwnResponse(std::vector<char>& message, int timeoutMs,
                                                           const char* timeoutFormat) {
   for (;;) {
-    if (timeoutMs >= 0 && !_socket->read_select(timeoutMs)) {
+    if (!_timed_receives && timeoutMs >= 0 && !_socket->read_select(timeoutMs)) {
       if (timeoutFormat != nullptr) TimedOut(timeoutFormat);
       return eReadError;
     }
@@ -140,6 +147,15 @@ NetworkClient::eReadResult NetworkClient::ReadOwnResponse(std::vector<char>& mes
     uint32_t msgtype = 0;
     eReadResult result =
         ReadMessage(_request_buffer.data(), _request_buffer.size(), length, msgtype);
+    if (result == eReadError && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+      // The socket's receive time-out (the response wait) ran out.
+      if (timeoutMs < 0) continue;
+      if (timeoutFormat != nullptr) {
+        records::dump_context();
+        TimedOut(timeoutFormat);
+      }
+      return eReadError;
+    }
     if (result != eReadMessage) return result;
     // Events keep arriving on a connection the server still counts as a
     // listener; nobody here waits for them.
@@ -183,7 +199,7 @@ bool NetworkClient::IntegerExchange(uint32_t msgtype, eParam_t id, uint32_t valu
                                                       : "NetworkClient::Get - send failed\n");
     return false;
   }
-  std::vector<char> message;
+  std::vector<char>& message = _response;
   if (AwaitResponse(message, ResponseTimeoutMs(), timeoutFormat) != eReadMessage ||
       message.size() < sizeof response) {
     fprintf(stderr, "%s\n", recvFailed);

@@ -106,8 +106,9 @@ class NetworkClient : public Config, public EventLossCounter {
   [[nodiscard]] uint64_t LostEvents() const override;
 
   unsigned int GetConnectionID() const { return _connection_id; }
-  // The wait for a response before the process is ended; the default is
-  // kDefaultResponseTimeoutMs. Values below 1 restore the default.
+  // The wait for a response before the process is ended, for clients made
+  // afterwards; the default is kDefaultResponseTimeoutMs. Values below 1
+  // restore the default.
   static void SetResponseTimeoutMs(int milliseconds);
   static int ResponseTimeoutMs();
 
@@ -130,6 +131,9 @@ class NetworkClient : public Config, public EventLossCounter {
     const char* shortRead;
   };
 
+  // Bounds every receive on the socket by the response wait, so that a
+  // requester reads without a select of its own first.
+  void TimeReceives();
   // Sends a whole message; false on failure.
   bool SendMessage(const char* bytes, size_t length);
   // Registers as the waiter for the events thread's hand-over. Call under
@@ -138,10 +142,11 @@ class NetworkClient : public Config, public EventLossCounter {
   void ExpectResponse();
   void CancelResponse();
   // Waits for the answer to the request just sent and copies it to
-  // `message`. With `timeoutMs` >= 0 and a `timeoutFormat` (printed with the
-  // socket's port and the process ID), a silent server ends the process;
-  // without a format the wait just fails; with -1 it waits for ever. Events
-  // met on the way are skipped. The caller holds `_socket_lock`.
+  // `message`. With `timeoutMs` >= 0 (a select, or the socket's own receive
+  // time-out after TimeReceives, bounds a read) and a `timeoutFormat` (printed with the socket's
+  // port and the process ID), a silent server ends the process; without a format the wait just
+  // fails; with -1 it waits for ever. Events met on the way are skipped. The caller holds
+  // `_socket_lock`.
   eReadResult AwaitResponse(std::vector<char>& message, int timeoutMs, const char* timeoutFormat);
   // Sends a 40-byte request and waits for its 44-byte response of type
   // `expected`; `recvFailed` reports a missing or short response.
@@ -192,6 +197,8 @@ class NetworkClient : public Config, public EventLossCounter {
   int _wake[2] = {-1, -1};                   // a pipe that wakes the events thread to stop
   std::atomic<uint64_t> _lost_events{0};
   std::vector<char> _request_buffer;  // guarded by _socket_lock
+  std::vector<char> _response;        // the last answer; guarded by _socket_lock
+  bool _timed_receives = false;       // set once, before any request
 
  private:
   static void* EventsThreadEntry(void* arg);

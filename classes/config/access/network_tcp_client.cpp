@@ -18,9 +18,10 @@ namespace access {
 namespace records = ::zyn::config::access;
 
 NetworkTCPClient::NetworkTCPClient(unsigned int connectionID, Socket* socket, eConfigID_t configID)
-    : NetworkClient(connectionID, socket, configID) {
+    : NetworkClient(connectionID, socket, configID), _reader(socket->get_fd()) {
   socket->set_buffer_size(SO_RCVBUF, kSocketBufferSize);
   socket->set_buffer_size(SO_SNDBUF, kSocketBufferSize);
+  TimeReceives();
 }
 
 NetworkTCPClient::~NetworkTCPClient() {
@@ -31,13 +32,13 @@ NetworkTCPClient::~NetworkTCPClient() {
 
 NetworkClient::eReadResult NetworkTCPClient::ReadMessage(char* buffer, size_t capacity,
                                                          size_t& length, uint32_t& msgtype) {
-  long n = records::RecvExact(_fd, buffer, 4);
+  long n = _reader.Read(buffer, 4);
   if (n < 0) return eReadError;
   if (n < 4) return eReadClosed;
   msgtype = records::PeekMessageType(buffer);
   size_t size = records::ResponseRecordSize(msgtype);
   if (size == 0) return eReadUnknown;
-  n = records::RecvExact(_fd, buffer + 4, size - 4);
+  n = _reader.Read(buffer + 4, size - 4);
   if (n < 0) return eReadError;
   if (n < static_cast<long>(size - 4)) return eReadClosed;
   length = size;
@@ -50,7 +51,7 @@ NetworkClient::eReadResult NetworkTCPClient::ReadMessage(char* buffer, size_t ca
     ::shutdown(_fd, SHUT_RDWR);
     return eReadInvalid;
   }
-  n = records::RecvExact(_fd, buffer + size, record.streamLength);
+  n = _reader.Read(buffer + size, record.streamLength);
   if (n < 0) return eReadError;
   if (n < static_cast<long>(record.streamLength)) return eReadClosed;
   length = size + record.streamLength;

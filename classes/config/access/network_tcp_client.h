@@ -12,6 +12,7 @@
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CLIENT_H
 
 #include "config/access/network_client.h"
+#include "config/access/stream_io.h"
 
 namespace zyn {
 namespace boxline {
@@ -35,6 +36,12 @@ class NetworkTCPClient : public NetworkClient {
  protected:
   eReadResult ReadMessage(char* buffer, size_t capacity, size_t& length,
                           uint32_t& msgtype) override;
+
+ private:
+  // Reads the stream a record at a time in one system call; used by the
+  // events thread while it runs, else by the requester under the socket
+  // lock.
+  ::zyn::config::access::StreamReader _reader;
 };
 
 }  // namespace access

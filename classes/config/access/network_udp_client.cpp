@@ -22,6 +22,7 @@ NetworkUDPClient::NetworkUDPClient(unsigned int connectionID, Socket* socket, eC
     : NetworkClient(connectionID, socket, configID), _response_thread(), _events_only(eventsOnly) {
   socket->set_buffer_size(SO_RCVBUF, kSocketBufferSize);
   socket->set_buffer_size(SO_SNDBUF, kSocketBufferSize);
+  TimeReceives();
   StartResponseThread();
 }
 
