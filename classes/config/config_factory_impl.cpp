@@ -2,14 +2,23 @@
 
 #include <cstdio>
 
+#include "config/access/network_client.h"
+#include "config/access/network_factory.h"
 #include "config/config_uri.h"
+
+using zyn::boxline::config::access::NetworkClient;
+using zyn::boxline::config::access::NetworkFactory;
 
 ConfigFactoryImpl* ConfigFactoryImpl::s_theSingleton = nullptr;
 
 ConfigFactoryImpl::ConfigFactoryImpl()
-    : _local_factory(new zyn::config::access::LocalConfigFactory()) {}
+    : _network_factory(new NetworkFactory()),
+      _local_factory(new zyn::config::access::LocalConfigFactory()) {}
 
-ConfigFactoryImpl::~ConfigFactoryImpl() { delete _local_factory; }
+ConfigFactoryImpl::~ConfigFactoryImpl() {
+  delete _network_factory;
+  delete _local_factory;
+}
 
 ConfigFactoryImpl* ConfigFactoryImpl::GetInstance() {
   if (s_theSingleton == nullptr) s_theSingleton = new ConfigFactoryImpl();
@@ -39,8 +48,14 @@ bool ConfigFactoryImpl::Disconnect(Config* config) {
   return _local_factory->Disconnect(config);
 }
 
-Config* ConfigFactoryImpl::ConnectNetwork(const std::string&) { return nullptr; }
+Config* ConfigFactoryImpl::ConnectNetwork(const std::string& uri) {
+  return _network_factory->Connect(uri);
+}
 
-bool ConfigFactoryImpl::IsNetworkClient(Config*) { return false; }
+bool ConfigFactoryImpl::IsNetworkClient(Config* config) {
+  return dynamic_cast<NetworkClient*>(config) != nullptr;
+}
 
-bool ConfigFactoryImpl::DisconnectNetwork(Config*) { return false; }
+bool ConfigFactoryImpl::DisconnectNetwork(Config* config) {
+  return _network_factory->Disconnect(dynamic_cast<NetworkClient*>(config));
+}

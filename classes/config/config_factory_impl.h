@@ -3,9 +3,8 @@
 // "multicast:", which take precedence). "socket:" URIs belong to the socket
 // client's own factory and are not routed here.
 //
-// This build carries no network transport, so network URIs are refused with
-// the network-connect failure message; the routing is complete and only
-// ConnectNetwork and DisconnectNetwork gain a body when one is linked in.
+// Network URIs go to the NetworkFactory, which the factory owns; a
+// NetworkClient handed out that way is released through Disconnect.
 //
 // One instance per process (GetInstance), never destroyed by the library.
 // GetInstance is not guarded against concurrent first calls: call it once
@@ -18,6 +17,16 @@
 
 #include "config/config_factory.h"
 #include "config/local_config_factory.h"
+
+namespace zyn {
+namespace boxline {
+namespace config {
+namespace access {
+class NetworkFactory;
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
+}  // namespace zyn
 
 class ConfigFactoryImpl : public ConfigFactory {
  public:
@@ -34,12 +43,14 @@ class ConfigFactoryImpl : public ConfigFactory {
   bool Disconnect(Config* config) override;
 
  private:
-  // The network transport's Connect; null while none is linked in.
+  // The network factory's client for `uri`, or null.
   Config* ConnectNetwork(const std::string& uri);
-  // Whether `config` is a network client, and its release.
+  // Whether `config` is a network client (by run-time type), and its
+  // release through the network factory.
   bool IsNetworkClient(Config* config);
   bool DisconnectNetwork(Config* config);
 
+  zyn::boxline::config::access::NetworkFactory* _network_factory;
   zyn::config::access::LocalConfigFactory* _local_factory;
   static ConfigFactoryImpl* s_theSingleton;
 };

@@ -112,6 +112,20 @@ size_t UDPRequestSize(uint32_t msgtype) {
   return info != nullptr ? info->udpRequestSize : 0;
 }
 
+size_t ResponseRecordSize(uint32_t msgtype) {
+  const MessageInfo* info = Find(msgtype);
+  if (info == nullptr || info->direction == eRequest) return 0;
+  switch (msgtype) {
+    case XCFG_CONNECT_RESPONSE:
+    case XCFG_DISCONNECT_RESPONSE:
+    case XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE:
+    case XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE:
+      return sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T);
+    default:
+      return sizeof(XCONFIGMGR_RESPONSE_T);
+  }
+}
+
 const char* SymbolicName(uint32_t msgtype) {
   const MessageInfo* info = Find(msgtype);
   return info != nullptr ? info->symbol : "N/A";

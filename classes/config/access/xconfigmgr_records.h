@@ -129,6 +129,10 @@ size_t UDPRequestSize(uint32_t msgtype);
 // The code's symbolic name, as messages quote it ("XCFG_GET_PARAM_REQUEST"),
 // "N/A" for a code outside the table.
 const char* SymbolicName(uint32_t msgtype);
+// The size of the record a response or event of this type travels in (28
+// for connection and listener responses, 44 for the others, without the
+// payload); 0 for a request or an unknown type.
+size_t ResponseRecordSize(uint32_t msgtype);
 
 // A header with the fixed fields filled: flags 0, bufferSize 4096.
 XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t requestID,
