@@ -217,7 +217,7 @@ int main(int argc, char** argv) {
   std::unique_ptr<NetworkClient> tcp(
       factory.Connect("tcp://" + loopback + std::to_string(tcpServer->GetPort())));
   zyn::config::access::SocketFactory socketFactory;
-  std::unique_ptr<zyn::config::access::SocketClient> local(
+  std::unique_ptr<Config> local(
       socketFactory.Connect("socket://" + loopback + std::to_string(socketServer->GetPort())));
   if (!udp || !tcp || !local) return 1;
 

@@ -5,6 +5,7 @@
 #include "config/access/network_client.h"
 #include "config/access/network_factory.h"
 #include "config/config_uri.h"
+#include "config/manager/config_cache.h"
 
 using zyn::boxline::config::access::NetworkClient;
 using zyn::boxline::config::access::NetworkFactory;
@@ -37,7 +38,9 @@ Config* ConfigFactoryImpl::Connect(std::string uri) {
               uri.c_str());
     return config;
   }
-  Config* config = ConnectNetwork(uri);
+  // A cache is made whatever the network factory returned, so a failed
+  // connect still yields a cache (over nothing).
+  Config* config = WantsCaching(uri) ? MakeCache(uri, ConnectNetwork(uri)) : ConnectNetwork(uri);
   if (config == nullptr)
     fprintf(stderr, "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n");
   return config;
@@ -58,4 +61,17 @@ bool ConfigFactoryImpl::IsNetworkClient(Config* config) {
 
 bool ConfigFactoryImpl::DisconnectNetwork(Config* config) {
   return _network_factory->Disconnect(dynamic_cast<NetworkClient*>(config));
+}
+
+Config* ConfigFactoryImpl::MakeCache(const std::string& uri, Config* client) {
+  // A UDP request client hears no events: they are multicast, and arrive on
+  // a client bound to the event port. A TCP client carries its own events.
+  if (client == nullptr || uri.find("udp:") == std::string::npos) return new ConfigCache(client);
+  Config* events = ConnectNetwork(MulticastEventsURI(uri));
+  if (events == nullptr)
+    fprintf(stderr,
+            "ConfigFactoryImpl::Connect - no event connection for %s, the cache will not hear "
+            "other clients' changes\n",
+            uri.c_str());
+  return new ConfigCache(client, events);
 }

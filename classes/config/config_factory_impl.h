@@ -4,7 +4,9 @@
 // client's own factory and are not routed here.
 //
 // Network URIs go to the NetworkFactory, which the factory owns; a
-// NetworkClient handed out that way is released through Disconnect.
+// NetworkClient handed out that way is released through Disconnect. With
+// "caching=true" the client comes wrapped in a ConfigCache kept current by
+// the client's events (for UDP, by a second client on the multicast port).
 //
 // One instance per process (GetInstance), never destroyed by the library.
 // GetInstance is not guarded against concurrent first calls: call it once
@@ -45,6 +47,10 @@ class ConfigFactoryImpl : public ConfigFactory {
  private:
   // The network factory's client for `uri`, or null.
   Config* ConnectNetwork(const std::string& uri);
+  // The cache handed out for "caching=true": over `client` (which may be
+  // null), with a multicast event connection for a UDP client. The caller
+  // owns it and deletes it; Disconnect does not release a cache.
+  Config* MakeCache(const std::string& uri, Config* client);
   // Whether `config` is a network client (by run-time type), and its
   // release through the network factory.
   bool IsNetworkClient(Config* config);

@@ -1,5 +1,7 @@
 #include "config/config_uri.h"
 
+#include <cstdio>
+
 namespace {
 
 struct TransportURIs {
@@ -44,3 +46,16 @@ bool IsNetworkURI(const std::string& uri) {
 }
 
 bool WantsCaching(const std::string& uri) { return Contains(uri, "caching=true"); }
+
+std::string MulticastEventsURI(const std::string& uri) {
+  int port = kMulticastEventPort;
+  size_t at = uri.find("eventport=");
+  if (at != std::string::npos && sscanf(uri.c_str() + at, "eventport=%d", &port) != 1)
+    port = kMulticastEventPort;
+  std::string events = "multicast://127.0.0.1:" + std::to_string(port);
+  int configID = 0;
+  at = uri.find("configid=");
+  if (at != std::string::npos && sscanf(uri.c_str() + at, "configid=%d", &configID) == 1)
+    events += "/configid=" + std::to_string(configID);
+  return events;
+}

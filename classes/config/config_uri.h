@@ -22,5 +22,9 @@ std::string GetEventsURI(const std::string& transport);
 bool IsNetworkURI(const std::string& uri);
 // True when "caching=true" occurs in the URI.
 bool WantsCaching(const std::string& uri);
+// The URI of the multicast events that belong to a "udp:" URI: the group's
+// port (63110, or "eventport=" followed by a decimal number anywhere in the
+// URI) on 127.0.0.1, with the URI's "configid=" when it has one.
+std::string MulticastEventsURI(const std::string& uri);
 
 #endif  // CLASSES_CONFIG_CONFIG_URI_H

@@ -1,10 +1,16 @@
 // The Config defaults, the standard URIs and the factories that hand out the
 // in-process store.
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
 
 #include "config/config_factory_impl.h"
 #include "config/config_uri.h"
 #include "config/local_config_factory.h"
+#include "config/manager/config_cache.h"
 #include "config/manager/config_manager.h"
 #include "test_catalogue.h"
 #include "test_stderr.h"
@@ -127,11 +133,29 @@ TEST(ConfigFactoryImplTest, RoutesByURI) {
       Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("socket://127.0.0.1:43110")); });
   EXPECT_EQ("", err) << "a socket URI is not this factory's, silently";
 
-  const char* kFailed = "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n";
-  err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("local:configid=4 udp://127.0.0.1:1")); });
-  EXPECT_EQ(kFailed, err) << "a network transport wins over local:";
-  err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("tcp://127.0.0.1:43110/caching=true")); });
-  EXPECT_EQ(kFailed, err);
+  // A port nobody listens on: bound by the system, then closed.
+  int fd = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(0, bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  ASSERT_EQ(0, getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length));
+  close(fd);
+  const std::string closed = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+
+  const std::string kFailed = "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n";
+  err = Stderr([&] { EXPECT_EQ(nullptr, factory->Connect("local:configid=4 tcp://" + closed)); });
+  EXPECT_EQ(kFailed, err.substr(err.size() - std::min(err.size(), kFailed.size())))
+      << "a network transport wins over local:";
+  // A failed connect with caching still yields a cache, over nothing.
+  Config* cache = nullptr;
+  err = Stderr([&] { cache = factory->Connect("tcp://" + closed + "/caching=true"); });
+  ASSERT_NE(nullptr, dynamic_cast<ConfigCache*>(cache)) << err;
+  EXPECT_EQ(std::string::npos, err.find(kFailed));
+  Stderr([&] { EXPECT_EQ(0u, cache->Get(test_catalogue::kPercent)); });
+  EXPECT_FALSE(factory->Disconnect(cache)) << "a cache is the caller's to delete";
+  delete cache;
 
   Config* local = nullptr;
   Stderr([&] { local = factory->Connect("local:configid=5"); });
