@@ -11,6 +11,7 @@
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
+#include "configctl/presets.h"
 #include "configctl/watch.h"
 
 namespace configctl {
@@ -78,6 +79,10 @@ int RunCommand(const Arguments& arguments) {
       return RunDescribe(arguments);
     case Command::kList:
       return RunList(arguments);
+    case Command::kPreset:
+      return RunPreset(arguments);
+    case Command::kFactoryReset:
+      return RunFactoryReset(arguments);
     case Command::kHelp:
       break;
   }
