@@ -53,7 +53,8 @@ bool PersistenceWorker::Restore() {
       ++_counts.unknown;
       continue;
     }
-    const char* name = descriptor->GetParamIDName().c_str();
+    const std::string idName = descriptor->GetParamIDName();
+    const char* name = idName.c_str();
     if (fit == ValueImage::Fit::kInvalid) {
       fprintf(stderr, "PersistenceWorker::Restore - %s dropped: %s\n", name, why.c_str());
       ++_counts.dropped;
