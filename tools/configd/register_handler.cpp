@@ -108,17 +108,17 @@ bool RegisterHandler::ApplyWhole(const std::string& values, std::string& problem
     auto* value = static_cast<ConfigValue*>(wanted.Get(i));
     std::string why;
     ValueImage::Fit fit = ValueImage::Check(value, why);
-    char id[16];
-    snprintf(id, sizeof id, "0x%08X", value->GetParamID());
     if (fit == ValueImage::Fit::kUnknown) {
+      char id[16];
+      snprintf(id, sizeof id, "0x%08X", value->GetParamID());
       problem = std::string("unknown parameter ") + id;
       return false;
     }
+    ParamDescriptor* descriptor = _store->GetParamDescriptor(value->GetParamID());
     if (fit != ValueImage::Fit::kFits) {
-      problem = std::string("parameter ") + id + ": " + why;
+      problem = descriptor->GetParamIDName() + ": " + why;
       return false;
     }
-    ParamDescriptor* descriptor = _store->GetParamDescriptor(value->GetParamID());
     if (!InPresets(descriptor)) {
       problem = descriptor->GetParamIDName() + " does not belong in presets";
       return false;
