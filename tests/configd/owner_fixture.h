@@ -4,9 +4,7 @@
 #ifndef TESTS_CONFIGD_OWNER_FIXTURE_H
 #define TESTS_CONFIGD_OWNER_FIXTURE_H
 
-#include <dirent.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <functional>
 #include <memory>
@@ -16,25 +14,9 @@
 #include "config/descriptors/param_descriptors.h"
 #include "config/manager/config_manager.h"
 #include "test_stderr.h"
+#include "test_temp_folder.h"
 
 namespace owner_test {
-
-// A fresh folder, removed with its files when the object goes.
-struct TempFolder {
-  TempFolder() {
-    char pattern[] = "/tmp/owner_test_XXXXXX";
-    path = mkdtemp(pattern);
-  }
-  ~TempFolder() {
-    if (DIR* dir = opendir(path.c_str())) {
-      while (dirent* entry = readdir(dir))
-        if (entry->d_name[0] != '.') unlink((path + "/" + entry->d_name).c_str());
-      closedir(dir);
-    }
-    rmdir(path.c_str());
-  }
-  std::string path;
-};
 
 // The first parameter of the catalogue that `fits` accepts, or 0.
 inline unsigned int FindParam(const std::function<bool(ParamDescriptor*)>& fits) {

@@ -9,8 +9,6 @@
 #include "configd/sector_file.h"
 #include "owner_fixture.h"
 
-using owner_test::TempFolder;
-
 namespace {
 
 constexpr unsigned int kVersion = SectorCodec::kSettingsVersion;
