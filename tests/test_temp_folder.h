@@ -22,9 +22,6 @@ struct TempFolder {
     }
     rmdir(path.c_str());
   }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-
   std::string path;
 };
 

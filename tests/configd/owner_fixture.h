@@ -1,14 +1,11 @@
-// Shared by the owner's tests: a private temporary folder, a store of the
-// unit's whole catalogue, and parameters picked from the catalogue by what
-// they are (so the tests follow the catalogue instead of naming rows).
+// Shared by the owner's tests: a store of the unit's whole catalogue, a
+// private folder, and two parameters picked by what they are (kept preset
+// settings without dependants: a plain range and an enumeration), so the
+// tests follow the catalogue instead of naming rows.
 #ifndef TESTS_CONFIGD_OWNER_FIXTURE_H
 #define TESTS_CONFIGD_OWNER_FIXTURE_H
 
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <string>
 
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
@@ -18,44 +15,28 @@
 
 namespace owner_test {
 
-// The first parameter of the catalogue that `fits` accepts, or 0.
-inline unsigned int FindParam(const std::function<bool(ParamDescriptor*)>& fits) {
-  for (unsigned int id : GetParamIDs())
-    if (fits(GetDescriptor(id))) return id;
-  return 0;
-}
-
-// A kept setting that belongs in presets and has no dependants.
-inline bool PresetSetting(ParamDescriptor* d) {
-  return d->GetPersistenceType() == ePersist && d->GetRegisterType() == eRegister_Include &&
-         d->GetDependentParamIDs().empty() && d->GetClassNames().empty();
-}
-inline bool PlainRange(ParamDescriptor* d) {
-  auto* range = dynamic_cast<IntegerDescriptor*>(d);
-  return PresetSetting(d) && range && !dynamic_cast<EnumDescriptor*>(d) &&
-         range->GetMinValue() + 10 < range->GetMaxValue();
-}
-inline bool PlainEnum(ParamDescriptor* d) {
-  auto* list = dynamic_cast<EnumDescriptor*>(d);
-  return PresetSetting(d) && list && list->GetEnumValueDescriptors().size() >= 2;
-}
-
-// A store 0 of the whole catalogue, as configd opens it.
 class OwnerTest : public testing::Test {
  protected:
   void SetUp() override {
     CreateDescriptors();
     Stderr([this] { store.Init(); });
-    range = FindParam(PlainRange);
-    choice = FindParam(PlainEnum);
-    ASSERT_NE(0u, range);
-    ASSERT_NE(0u, choice);
+    for (unsigned int id : GetParamIDs()) {
+      ParamDescriptor* d = GetDescriptor(id);
+      auto* number = dynamic_cast<IntegerDescriptor*>(d);
+      auto* list = dynamic_cast<EnumDescriptor*>(d);
+      if (d->GetPersistenceType() != ePersist || d->GetRegisterType() != eRegister_Include ||
+          !d->GetDependentParamIDs().empty() || !d->GetClassNames().empty() || !number)
+        continue;
+      if (list && choice == 0 && list->GetEnumValueDescriptors().size() >= 2) choice = id;
+      if (!list && range == 0 && number->GetMinValue() + 10 < number->GetMaxValue()) range = id;
+    }
+    ASSERT_TRUE(range != 0 && choice != 0);
   }
   IntegerDescriptor* Range() { return dynamic_cast<IntegerDescriptor*>(GetDescriptor(range)); }
 
   ConfigManager store{eConfigID_Default};
-  unsigned int range = 0;   // a plain integer preset setting
-  unsigned int choice = 0;  // an enumerated preset setting
+  unsigned int range = 0;
+  unsigned int choice = 0;
   TempFolder folder;
 };
 

@@ -1,7 +1,5 @@
 // The sector codec and the two-slot sector file, driven through injected
 // write and fsync faults.
-#include <fcntl.h>
-
 #include <fstream>
 
 #include "configd/file_system.h"
@@ -19,20 +17,14 @@ class FaultyFiles : public FileSystem {
  public:
   ssize_t Write(int fd, const char* data, size_t size) override {
     if (writeBudget < 0) return FileSystem::Write(fd, data, size);
-    if (writeBudget == 0) {
-      errno = ENOSPC;
-      return -1;
-    }
     size_t n = std::min(size, static_cast<size_t>(writeBudget));
     writeBudget -= static_cast<long>(n);
-    return FileSystem::Write(fd, data, n);
+    errno = ENOSPC;
+    return n == 0 ? -1 : FileSystem::Write(fd, data, n);
   }
   int Fsync(int fd) override {
-    if (failFsync) {
-      errno = EIO;
-      return -1;
-    }
-    return FileSystem::Fsync(fd);
+    errno = EIO;
+    return failFsync ? -1 : FileSystem::Fsync(fd);
   }
   long writeBudget = -1;
   bool failFsync = false;
@@ -57,8 +49,7 @@ TEST(SectorCodecTest, RoundTripAndLayout) {
   unsigned int odometer = 0;
   std::string data, problem;
   ASSERT_TRUE(SectorCodec::Decode(sector, kVersion, odometer, data, problem)) << problem;
-  EXPECT_EQ(7u, odometer);
-  EXPECT_EQ("abc", data);
+  EXPECT_TRUE(odometer == 7 && data == "abc");
   EXPECT_FALSE(SectorCodec::Decode(sector, SectorCodec::kPresetVersion, odometer, data, problem));
   EXPECT_EQ("foreign config version 0x53450001", problem);
 }
