@@ -31,6 +31,9 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   Daemon daemon;
   ASSERT_TRUE(daemon.Start({"--state-dir", folder}));
   RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
+  Outcome second = RunToEnd({CONFIGD_PATH, "--port", "0", "--state-dir", folder});
+  EXPECT_EQ(1, second.exitCode);
+  EXPECT_TRUE(Has(second.err, "configd: the state folder " + folder + " is in use by another"));
   EXPECT_TRUE(Has(daemon.Stop(SIGTERM).err, "no saved settings, starting at factory values"));
   ASSERT_TRUE(daemon.Start({"--state-dir", folder}));
   EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n",

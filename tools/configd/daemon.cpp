@@ -1,5 +1,9 @@
 #include "configd/daemon.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <cstdio>
 
 #include "config/access/socket_connection.h"
@@ -29,9 +33,45 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   CreateDescriptors();
   zyn::logging::Logger::GetLogger();
   PresetImage::UnitProduct();
+  // Listen first: a second configd that cannot have the port must not touch
+  // the state of the one that has it. Connections wait in the backlog until
+  // the server thread starts, after the state is restored.
+  auto* server = new SocketServer(options.port);
+  if (!server->Init()) {
+    fprintf(stderr, "configd: cannot listen on port %d\n", options.port);
+    delete server;
+    return false;
+  }
+  if (!OpenState(options)) {
+    delete server;
+    Stop();
+    return false;
+  }
+  _port = server->GetPort();
+  if (!server->Start()) {
+    fprintf(stderr, "configd: cannot start the server thread\n");
+    delete server;
+    Stop();
+    return false;
+  }
+  _server_thread = server->GetThread();
+  _server = server;
+  return true;
+}
+
+bool ConfigDaemon::OpenState(const DaemonOptions& options) {
   FileSystem* files = FileSystem::Default();
   if (!files->MakeFolders(options.stateDir)) {
     fprintf(stderr, "configd: cannot create the state folder %s\n", options.stateDir.c_str());
+    return false;
+  }
+  // One owner per state folder: two writers would break the alternation of
+  // the sector files. The lock goes with the process, also on SIGKILL.
+  std::string lockPath = options.stateDir + "/lock";
+  _state_lock = files->Open(lockPath, O_RDWR | O_CREAT, 0644);
+  if (_state_lock < 0 || flock(_state_lock, LOCK_EX | LOCK_NB) != 0) {
+    fprintf(stderr, "configd: the state folder %s is in use by another configd\n",
+            options.stateDir.c_str());
     return false;
   }
   _store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
@@ -49,23 +89,6 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   _registers = std::make_unique<RegisterHandler>(_store, _presets.get(), options.presetFolder);
   _persistence->Start();
   _registers->Start();
-  int port = options.port;
-  auto* server = new SocketServer(port);
-  if (!server->Init()) {
-    fprintf(stderr, "configd: cannot listen on port %d\n", port);
-    delete server;
-    Stop();
-    return false;
-  }
-  _port = server->GetPort();
-  if (!server->Start()) {
-    fprintf(stderr, "configd: cannot start the server thread\n");
-    delete server;
-    Stop();
-    return false;
-  }
-  _server_thread = server->GetThread();
-  _server = server;
   return true;
 }
 
@@ -93,6 +116,10 @@ bool ConfigDaemon::Stop() {
   if (_store != nullptr) {
     ConfigFactoryImpl::GetInstance()->Disconnect(_store);
     _store = nullptr;
+  }
+  if (_state_lock >= 0) {
+    close(_state_lock);
+    _state_lock = -1;
   }
   return clean;
 }

@@ -70,6 +70,11 @@ class ConfigDaemon {
   bool Stop();
 
  private:
+  // Locks the state folder, opens the store, restores the kept state and
+  // starts the owner's threads. False after a message on standard error.
+  bool OpenState(const DaemonOptions& options);
+
+  int _state_lock = -1;  // descriptor holding the state folder's lock
   Config* _store = nullptr;
   std::unique_ptr<SectorFile> _settings_file;
   std::unique_ptr<PersistenceWorker> _persistence;
