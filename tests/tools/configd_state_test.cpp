@@ -31,7 +31,9 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   Daemon daemon;
   ASSERT_TRUE(daemon.Start({"--state-dir", folder}));
   RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
-  Outcome second = RunToEnd({CONFIGD_PATH, "--port", "0", "--state-dir", folder});
+  std::vector<std::string> again = {CONFIGD_PATH, "--port", "0", "--state-dir", folder};
+  for (const std::string& arg : NetworkArgs()) again.push_back(arg);
+  Outcome second = RunToEnd(again);
   EXPECT_EQ(1, second.exitCode);
   EXPECT_TRUE(Has(second.err, "configd: the state folder " + folder + " is in use by another"));
   EXPECT_TRUE(Has(daemon.Stop(SIGTERM).err, "no saved settings, starting at factory values"));
@@ -93,8 +95,15 @@ TEST(ConfigdCrashTest, SigkillAtRandomMomentsLosesNothingFlushed) {
   for (int round = 0; round <= kills; ++round) {
     ChildProcess configd;
     std::string ready, text;
-    ASSERT_TRUE(configd.Start({CONFIGD_PATH, "--port", "0", "--state-dir", state.path, "--flush-ms",
-                               std::to_string(kFlushMs)}));
+    std::vector<std::string> args = {CONFIGD_PATH,
+                                     "--port",
+                                     "0",
+                                     "--state-dir",
+                                     state.path,
+                                     "--flush-ms",
+                                     std::to_string(kFlushMs)};
+    for (const std::string& arg : NetworkArgs()) args.push_back(arg);
+    ASSERT_TRUE(configd.Start(args));
     ASSERT_TRUE(configd.ReadLine(ready, kStartMs)) << "round " << round;
     zyn::config::access::SocketFactory factory;
     auto* client = factory.Connect("socket://127.0.0.1:" + ready.substr(ready.rfind(' ') + 1));

@@ -17,6 +17,8 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
     Daemon daemon;
     ASSERT_TRUE(daemon.Start());
     EXPECT_EQ("configd: ready on port " + std::to_string(daemon.port), daemon.readyLine);
+    EXPECT_NE(0, daemon.tcpPort * daemon.udpPort) << "tcp and udp ready lines with their ports";
+    daemon.process->Signal(SIGHUP);  // a closed terminal does not stop the unit
     // A watching client keeps two connections open through the stop.
     ChildProcess watch;
     ASSERT_TRUE(watch.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock"})));
@@ -31,7 +33,12 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
     Outcome stopped = daemon.Stop(signal);
     EXPECT_FALSE(stopped.timedOut);
     EXPECT_EQ(0, stopped.exitCode) << stopped.err;
+    EXPECT_NE(std::string::npos, stopped.err.find("configd: SIGHUP ignored\n")) << stopped.err;
     EXPECT_NE(std::string::npos, stopped.err.find("configd: stopped")) << stopped.err;
+    for (const char* alarming : {"failed", "rror", "Invalid argument"})
+      EXPECT_EQ(std::string::npos,
+                stopped.err.substr(stopped.err.find("received, stopping")).find(alarming))
+          << "a clean stop says nothing alarming: " << stopped.err;
     EXPECT_EQ("", stopped.out);
     // The watcher notices that the daemon has gone.
     Outcome watched = watch.Wait(kStopMs);
@@ -63,15 +70,21 @@ TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
 TEST(ConfigdTest, CommandLine) {
   Outcome help = RunToEnd({CONFIGD_PATH, "--help"});
   EXPECT_EQ(0, help.exitCode);
-  EXPECT_EQ(0u, help.out.find("Usage: configd [--port N] [--state-dir DIR] [--flush-ms N]"));
-  for (std::vector<std::string> args : std::vector<std::vector<std::string>>{{"--port"},
-                                                                             {"--port", "http"},
-                                                                             {"--port", "65536"},
-                                                                             {"--port", "-1"},
-                                                                             {"--daemon"},
-                                                                             {"--flush-ms", "0"},
-                                                                             {"--flush-ms=60001"},
-                                                                             {"--state-dir="}}) {
+  EXPECT_EQ(0u, help.out.find("Usage: configd [OPTION]..."));
+  EXPECT_EQ("configd " LIBCONFIG_VERSION "\n", RunToEnd({CONFIGD_PATH, "--version"}).out);
+  for (std::vector<std::string> args :
+       std::vector<std::vector<std::string>>{{"--port"},
+                                             {"--port", "http"},
+                                             {"--port", "65536"},
+                                             {"--port", "-1"},
+                                             {"--daemon"},
+                                             {"--flush-ms", "0"},
+                                             {"--flush-ms=60001"},
+                                             {"--state-dir="},
+                                             {"--tcp-port", "x"},
+                                             {"--multicast-port=0"},
+                                             {"--address", "lan"},
+                                             {"--max-connections", "-1"}}) {
     args.insert(args.begin(), CONFIGD_PATH);
     Outcome outcome = RunToEnd(args);
     EXPECT_EQ(2, outcome.exitCode) << args.back();

@@ -25,20 +25,35 @@ constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
 constexpr unsigned int kSystemName = 0x663F2B65;
 constexpr const char* kClampedParam = "eParamID_DisplayIntensity";
 
+// configd's network servers on ports of the system's choice, and its events
+// on a port of their own, so that daemons of tests running side by side
+// never meet.
+inline std::vector<std::string> NetworkArgs(int multicastPort = FreePort()) {
+  return {"--tcp-port", "0", "--udp-port", "0", "--multicast-port", std::to_string(multicastPort)};
+}
+
 // A configd child on a free port, its state in a folder of its own.
 class Daemon {
  public:
-  // Starts configd and waits for its ready line; a port taken between
+  // Starts configd and waits for its ready lines; a port taken between
   // FreePort and the bind is retried.
   bool Start(std::vector<std::string> extra = {}) {
     for (int attempt = 0; attempt < 5; ++attempt) {
       port = FreePort();
+      multicastPort = FreePort();
       process = std::make_unique<ChildProcess>();
       std::vector<std::string> args = {CONFIGD_PATH, "--port", std::to_string(port), "--state-dir",
                                        state.path};
+      for (const std::string& arg : NetworkArgs(multicastPort)) args.push_back(arg);
       args.insert(args.end(), extra.begin(), extra.end());
       if (!process->Start(args)) return false;
-      if (process->ReadLine(readyLine, kStartMs)) return true;
+      std::string tcpLine, udpLine;
+      if (process->ReadLine(readyLine, kStartMs) && process->ReadLine(tcpLine, kStartMs) &&
+          process->ReadLine(udpLine, kStartMs)) {
+        tcpPort = atoi(tcpLine.c_str() + tcpLine.rfind(' ') + 1);
+        udpPort = atoi(udpLine.c_str() + udpLine.rfind(' ') + 1);
+        return true;
+      }
       Outcome failed = process->Wait(kStopMs);
       if (failed.exitCode != 1) {
         ADD_FAILURE() << "configd did not start: " << failed.err;
@@ -52,9 +67,18 @@ class Daemon {
     return process->Wait(kStopMs);
   }
   std::string Uri() const { return "socket://127.0.0.1:" + std::to_string(port); }
+  // "tcp", "udp" or "multicast" (the UDP server's events).
+  std::string NetworkUri(const std::string& scheme) const {
+    if (scheme == "multicast") return "multicast://127.0.0.1:" + std::to_string(multicastPort);
+    return scheme + "://127.0.0.1:" + std::to_string(scheme == "tcp" ? tcpPort : udpPort) +
+           "/eventport=" + std::to_string(multicastPort);
+  }
 
   TempFolder state;
   int port = 0;
+  int tcpPort = 0;
+  int udpPort = 0;
+  int multicastPort = 0;
   std::string readyLine;
   std::unique_ptr<ChildProcess> process;
 };

@@ -77,6 +77,7 @@ const char* UsageText() {
          "  --mapped    get, set and watch generic parameters as the parameters they stand\n"
          "              for now (the proc amp of the current input, for example)\n"
          "  --verbose   show the library's diagnostics on standard error\n"
+         "  --version   print the version and exit\n"
          "  --help      this text\n"
          "\n"
          "Exit status: 0 success, 1 failure (daemon unreachable, unknown parameter or\n"
@@ -121,6 +122,9 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
     }
     if (name == "--help" || name == "-h") {
       out.command = Command::kHelp;
+      return true;
+    } else if (name == "--version") {
+      out.command = Command::kVersion;
       return true;
     } else if (name == "--json") {
       out.json = true;

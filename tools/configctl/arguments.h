@@ -29,7 +29,8 @@ enum class Command {
   kMap,
   kExportMapping,
   kPreset,
-  kFactoryReset
+  kFactoryReset,
+  kVersion
 };
 
 struct Arguments {

@@ -89,6 +89,7 @@ int RunCommand(const Arguments& arguments) {
     case Command::kFactoryReset:
       return RunFactoryReset(arguments);
     case Command::kHelp:
+    case Command::kVersion:
       break;
   }
   fputs(UsageText(), stdout);

@@ -20,6 +20,10 @@ int main(int argc, char** argv) {
     fputs(configctl::UsageText(), stdout);
     return configctl::kExitOk;
   }
+  if (arguments.command == configctl::Command::kVersion) {
+    printf("configctl %s\n", LIBCONFIG_VERSION);
+    return configctl::kExitOk;
+  }
   configctl::Console::Init(arguments.verbose);
   // The catalogue gives the names and descriptors; like the logger's watch
   // list, it is built before any thread starts.

@@ -2,10 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "config/access/network_server.h"
+#include "config/access/network_tcp_connection.h"
 #include "config/access/socket_connection.h"
 #include "config/access/socket_server.h"
 #include "config/config_factory_impl.h"
@@ -20,8 +23,29 @@
 #include "configd/string_length_precondition.h"
 #include "support/logger.h"
 
+using zyn::boxline::config::access::NetworkServer;
+using zyn::boxline::config::access::NetworkTCPConnection;
 using zyn::config::access::SocketConnection;
 using zyn::config::access::SocketServer;
+
+namespace {
+
+// Stops a server whose thread runs and waits for the thread, which deletes
+// the server; deletes a server whose thread never started.
+template <typename Server>
+void EndServer(Server*& server, pthread_t thread, bool& started) {
+  if (server == nullptr) return;
+  if (started) {
+    server->Stop();
+    pthread_join(thread, nullptr);
+  } else {
+    delete server;
+  }
+  server = nullptr;
+  started = false;
+}
+
+}  // namespace
 
 ConfigDaemon::ConfigDaemon() = default;
 
@@ -36,27 +60,54 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   // Listen first: a second configd that cannot have the port must not touch
   // the state of the one that has it. Connections wait in the backlog until
   // the server thread starts, after the state is restored.
-  auto* server = new SocketServer(options.port);
-  if (!server->Init()) {
+  _server = new SocketServer(options.port);
+  _server->SetListenAddress(options.socketAddress);
+  _server->SetMaxConnections(options.maxConnections);
+  if (!_server->Init()) {
     fprintf(stderr, "configd: cannot listen on port %d\n", options.port);
-    delete server;
-    return false;
-  }
-  if (!OpenState(options)) {
-    delete server;
     Stop();
     return false;
   }
-  _port = server->GetPort();
-  if (!server->Start()) {
-    fprintf(stderr, "configd: cannot start the server thread\n");
-    delete server;
+  _port = _server->GetPort();
+  if (!InitNetwork(options) || !OpenState(options) || !StartServers()) {
     Stop();
     return false;
   }
-  _server_thread = server->GetThread();
-  _server = server;
   return true;
+}
+
+bool ConfigDaemon::InitNetwork(const DaemonOptions& options) {
+  _tcp_server = new NetworkServer(AF_INET, SOCK_STREAM, options.tcpPort);
+  _tcp_server->SetListenAddress(options.tcpAddress);
+  _tcp_server->SetMaxConnections(options.maxConnections);
+  if (!_tcp_server->Init()) {
+    fprintf(stderr, "configd: cannot listen on tcp port %d\n", options.tcpPort);
+    return false;
+  }
+  _tcp_port = _tcp_server->GetPort();
+  _udp_server = new NetworkServer(AF_INET, SOCK_DGRAM, options.udpPort);
+  _udp_server->SetListenAddress(options.udpAddress);
+  _udp_server->SetMulticastPort(options.multicastPort);
+  _udp_server->SetEventInterface(options.multicastInterface);
+  if (!_udp_server->Init()) {
+    fprintf(stderr, "configd: cannot listen on udp port %d\n", options.udpPort);
+    return false;
+  }
+  _udp_port = _udp_server->GetPort();
+  return true;
+}
+
+bool ConfigDaemon::StartServers() {
+  // Each Start hands its server to the server's thread; a server whose
+  // thread did not start is still ours to delete (by Stop).
+  _server_started = _server->Start();
+  if (_server_started) _server_thread = _server->GetThread();
+  _tcp_started = _server_started && _tcp_server->Start();
+  if (_tcp_started) _tcp_thread = _tcp_server->GetThread();
+  _udp_started = _tcp_started && _udp_server->Start();
+  if (_udp_started) _udp_thread = _udp_server->GetThread();
+  if (!_udp_started) fprintf(stderr, "configd: cannot start a server thread\n");
+  return _udp_started;
 }
 
 bool ConfigDaemon::OpenState(const DaemonOptions& options) {
@@ -96,14 +147,15 @@ size_t ConfigDaemon::GetParamCount() const { return GetParamIDs().size(); }
 
 bool ConfigDaemon::Stop() {
   bool clean = true;
-  if (_server != nullptr) {
-    _server->Stop();
-    pthread_join(_server_thread, nullptr);  // the server deletes itself
-    _server = nullptr;
-  }
+  EndServer(_server, _server_thread, _server_started);
+  EndServer(_tcp_server, _tcp_thread, _tcp_started);
+  EndServer(_udp_server, _udp_thread, _udp_started);
   SocketConnection::StopAll();
-  if (!SocketConnection::WaitForAll(kConnectionsTimeoutMs)) {
-    fprintf(stderr, "configd: %d client connections did not end\n", SocketConnection::LiveCount());
+  NetworkTCPConnection::StopAll();
+  if (!SocketConnection::WaitForAll(kConnectionsTimeoutMs) ||
+      !NetworkTCPConnection::WaitForAll(kConnectionsTimeoutMs)) {
+    fprintf(stderr, "configd: %d client connections did not end\n",
+            SocketConnection::LiveCount() + NetworkTCPConnection::LiveCount());
     clean = false;
   }
   // Commands already queued are finished and their changes written.

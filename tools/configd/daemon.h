@@ -2,7 +2,9 @@
 // catalogue, opens the authoritative store (store 0, in-process), puts the
 // persisted settings back, keeps them saved as they change, answers the
 // preset and factory-reset commands, and serves the store to the other
-// processes through the local socket server.
+// processes through the local socket server and to other machines through
+// the network TCP and UDP servers (events multicast on the loopback
+// interface unless another is named).
 //
 // Lifecycle: Start (catalogue, store, restored state, flush and register
 // threads, listening server thread) -> Stop (server stopped and joined,
@@ -35,13 +37,29 @@ namespace access {
 class SocketServer;
 }  // namespace access
 }  // namespace config
+namespace boxline {
+namespace config {
+namespace access {
+class NetworkServer;
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
 }  // namespace zyn
 
-// What configd is started with.
+// What configd is started with. An empty listening address means every
+// interface.
 struct DaemonOptions {
-  int port = 43110;
-  std::string stateDir;  // created if missing
-  long flushMs = 100;    // the longest a changed setting waits to be written
+  int port = 43110;  // the local socket server
+  std::string socketAddress;
+  int tcpPort = 43111;  // the network TCP server (43110 is the local server's)
+  std::string tcpAddress;
+  int udpPort = 43110;  // the network UDP server
+  std::string udpAddress;
+  int multicastPort = 63110;  // where the UDP server's events go
+  std::string multicastInterface = "127.0.0.1";
+  int maxConnections = 1024;  // per stream server; 0: no limit
+  std::string stateDir;       // created if missing
+  long flushMs = 100;         // the longest a changed setting waits to be written
   std::string presetFolder = "/tmp/zyn";
 };
 
@@ -60,8 +78,11 @@ class ConfigDaemon {
   // connections; false with a message on standard error, nothing left
   // running.
   bool Start(const DaemonOptions& options);
-  // The port the server listens on; valid after a successful Start.
+  // The ports the local, network TCP and network UDP servers listen on;
+  // valid after a successful Start.
   int GetPort() const { return _port; }
+  int GetTcpPort() const { return _tcp_port; }
+  int GetUdpPort() const { return _udp_port; }
   // The number of parameters in the catalogue.
   size_t GetParamCount() const;
   // Ends the server and every client connection, finishes the owner's work,
@@ -73,6 +94,10 @@ class ConfigDaemon {
   // Locks the state folder, opens the store, restores the kept state and
   // starts the owner's threads. False after a message on standard error.
   bool OpenState(const DaemonOptions& options);
+  // Binds the network servers (not started yet). False after a message.
+  bool InitNetwork(const DaemonOptions& options);
+  // Starts the bound servers' threads; from then on each owns its server.
+  bool StartServers();
 
   int _state_lock = -1;  // descriptor holding the state folder's lock
   Config* _store = nullptr;
@@ -83,7 +108,16 @@ class ConfigDaemon {
   // Owned by the server thread once started; only Stop is called on it.
   zyn::config::access::SocketServer* _server = nullptr;
   pthread_t _server_thread{};
+  bool _server_started = false;
+  zyn::boxline::config::access::NetworkServer* _tcp_server = nullptr;
+  pthread_t _tcp_thread{};
+  bool _tcp_started = false;
+  zyn::boxline::config::access::NetworkServer* _udp_server = nullptr;
+  pthread_t _udp_thread{};
+  bool _udp_started = false;
   int _port = 0;
+  int _tcp_port = 0;
+  int _udp_port = 0;
 };
 
 #endif  // TOOLS_CONFIGD_DAEMON_H

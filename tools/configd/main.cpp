@@ -7,6 +7,7 @@
 // thread exists, so every thread inherits the mask and the signals stay
 // pending until the main thread takes them with sigwait. No handler runs
 // asynchronously; the shutdown happens on the main thread in plain code.
+#include <arpa/inet.h>
 #include <signal.h>
 
 #include <cerrno>
@@ -33,18 +34,35 @@ std::string DefaultStateDir() {
 
 void PrintUsage(FILE* out) {
   fprintf(out,
-          "Usage: configd [--port N] [--state-dir DIR] [--flush-ms N]\n"
-          "Owns the unit's settings and serves them on 127.0.0.1 and every other\n"
-          "interface, port N (default %d), until SIGINT or SIGTERM.\n"
+          "Usage: configd [OPTION]...\n"
+          "Owns the unit's settings and serves them to the unit's processes over the\n"
+          "local socket protocol and to other machines over TCP and UDP, until SIGINT\n"
+          "or SIGTERM. Every server listens on every interface unless an address is\n"
+          "given; the UDP server's change events are multicast to 239.18.27.18 and\n"
+          "leave through the loopback interface unless another is named.\n"
           "\n"
-          "  --port N         the TCP port to listen on (0 lets the system choose)\n"
-          "  --state-dir DIR  where the settings and presets are kept, created if\n"
-          "                   missing (default $HOME/.local/state/configd, or\n"
-          "                   /var/lib/configd without HOME)\n"
-          "  --flush-ms N     the longest a changed setting waits to be written\n"
-          "                   (1 to 60000, default 100)\n"
-          "  --help           this text\n",
-          kXConfigPort);
+          "  --port N                  the local socket server's TCP port (default %d)\n"
+          "  --address ADDR            the local socket server's listening address\n"
+          "  --tcp-port N              the network TCP server's port (default %d)\n"
+          "  --tcp-address ADDR        the network TCP server's listening address\n"
+          "  --udp-port N              the network UDP server's port (default %d)\n"
+          "  --udp-address ADDR        the network UDP server's listening address\n"
+          "  --multicast-port N        the port change events are multicast to\n"
+          "                            (default %d)\n"
+          "  --multicast-interface ADDR  the interface they leave by (default\n"
+          "                            127.0.0.1: they stay on this machine)\n"
+          "  --max-connections N       live clients per TCP server; more are closed at\n"
+          "                            once (default %d, 0: no limit)\n"
+          "  --state-dir DIR           where the settings and presets are kept, created\n"
+          "                            if missing (default $HOME/.local/state/configd,\n"
+          "                            or /var/lib/configd without HOME)\n"
+          "  --flush-ms N              the longest a changed setting waits to be\n"
+          "                            written (1 to 60000, default 100)\n"
+          "  --version                 the version\n"
+          "  --help                    this text\n"
+          "Ports 0 let the system choose; each server prints the port it got.\n",
+          kXConfigPort, DaemonOptions().tcpPort, DaemonOptions().udpPort,
+          DaemonOptions().multicastPort, DaemonOptions().maxConnections);
 }
 
 // A decimal number from `min` to `max`.
@@ -58,10 +76,28 @@ bool ParseNumber(const char* text, long min, long max, long& number) {
   return true;
 }
 
-bool SetPort(const char* text, DaemonOptions& options) {
+// A port number into the field; `min` 0 lets the system choose.
+template <int DaemonOptions::*field, long min = 0>
+bool SetPortOf(const char* text, DaemonOptions& options) {
   long port = 0;
-  if (!ParseNumber(text, 0, 65535, port)) return false;
-  options.port = static_cast<int>(port);
+  if (!ParseNumber(text, min, 65535, port)) return false;
+  options.*field = static_cast<int>(port);
+  return true;
+}
+
+// A dotted IPv4 address into the field.
+template <std::string DaemonOptions::*field>
+bool SetAddressOf(const char* text, DaemonOptions& options) {
+  in_addr parsed{};
+  if (inet_pton(AF_INET, text, &parsed) != 1) return false;
+  options.*field = text;
+  return true;
+}
+
+bool SetMaxConnections(const char* text, DaemonOptions& options) {
+  long count = 0;
+  if (!ParseNumber(text, 0, 1000000, count)) return false;
+  options.maxConnections = static_cast<int>(count);
   return true;
 }
 
@@ -83,7 +119,16 @@ struct Option {
 };
 
 constexpr Option kOptions[] = {
-    {"--port", &SetPort, "port"},
+    {"--port", &SetPortOf<&DaemonOptions::port>, "port"},
+    {"--address", &SetAddressOf<&DaemonOptions::socketAddress>, "address"},
+    {"--tcp-port", &SetPortOf<&DaemonOptions::tcpPort>, "tcp port"},
+    {"--tcp-address", &SetAddressOf<&DaemonOptions::tcpAddress>, "tcp address"},
+    {"--udp-port", &SetPortOf<&DaemonOptions::udpPort>, "udp port"},
+    {"--udp-address", &SetAddressOf<&DaemonOptions::udpAddress>, "udp address"},
+    {"--multicast-port", &SetPortOf<&DaemonOptions::multicastPort, 1>, "multicast port"},
+    {"--multicast-interface", &SetAddressOf<&DaemonOptions::multicastInterface>,
+     "multicast interface"},
+    {"--max-connections", &SetMaxConnections, "connection limit"},
     {"--state-dir", &SetStateDir, "state folder"},
     {"--flush-ms", &SetFlushMs, "flush interval"},
 };
@@ -104,6 +149,10 @@ int main(int argc, char** argv) {
     std::string arg = argv[i];
     if (arg == "--help" || arg == "-h") {
       PrintUsage(stdout);
+      return 0;
+    }
+    if (arg == "--version") {
+      printf("configd %s\n", LIBCONFIG_VERSION);
       return 0;
     }
     const Option* option = nullptr;
@@ -128,6 +177,7 @@ int main(int argc, char** argv) {
   sigemptyset(&stopSignals);
   sigaddset(&stopSignals, SIGINT);
   sigaddset(&stopSignals, SIGTERM);
+  sigaddset(&stopSignals, SIGHUP);  // taken and ignored: a closed terminal does not stop the unit
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   signal(SIGPIPE, SIG_IGN);  // a vanished client is reported by send, not by a signal
 
@@ -136,10 +186,14 @@ int main(int argc, char** argv) {
   fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
           options.stateDir.c_str());
   printf("configd: ready on port %d\n", daemon.GetPort());
+  printf("configd: tcp ready on port %d\n", daemon.GetTcpPort());
+  printf("configd: udp ready on port %d\n", daemon.GetUdpPort());
   fflush(stdout);
 
   int received = 0;
-  while (sigwait(&stopSignals, &received) != 0) {
+  while (sigwait(&stopSignals, &received) != 0 || received == SIGHUP) {
+    if (received == SIGHUP) fprintf(stderr, "configd: SIGHUP ignored\n");
+    received = 0;
   }
   fprintf(stderr, "configd: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
   if (!daemon.Stop()) return 1;

@@ -2,7 +2,9 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -132,12 +134,33 @@ void NetworkServer::RunDatagram() {
 }
 
 bool NetworkServer::WaitForConnection() {
+  // Waits for a client (or the shutdown of Stop) before accepting, so that a
+  // clean stop does not report the accept it would interrupt as a failure.
+  pollfd ready{_fd, POLLIN, 0};
+  while (poll(&ready, 1, -1) < 0 && errno == EINTR) {
+  }
+  if (stop) return false;
   Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!socket->accept(accepted)) {
     perror("NetworkServer::WaitForConnection");
     fprintf(stderr, "NetworkServer::WaitForConnection - accept failed\n");
     delete accepted;
     return false;
+  }
+  if (_max_connections > 0 && NetworkTCPConnection::LiveCount() >= _max_connections) {
+    // Closed before a connection thread exists: the clients already served
+    // keep all they had.
+    delete accepted;
+    ++_refused;
+    long now = static_cast<long>(time(nullptr));
+    if (now != _refusal_reported) {
+      _refusal_reported = now;
+      fprintf(stderr,
+              "NetworkServer::WaitForConnection - connection limit of %d reached, %lu clients "
+              "refused so far\n",
+              _max_connections, _refused);
+    }
+    return true;
   }
   NetworkTCPConnection* connection = new NetworkTCPConnection(accepted);
   if (!connection->Start()) {
