@@ -71,7 +71,8 @@ const char* UsageText() {
          "(decimal or 0x hex), an enumeration's value name, or a string parameter's text.\n"
          "\n"
          "Options:\n"
-         "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110)\n"
+         "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110; also\n"
+         "              tcp://, udp:// and multicast://HOST:PORT, caching=true)\n"
          "  --json      print JSON: one object per line for get, watch and map, one object or\n"
          "              array for set, describe and list\n"
          "  --mapped    get, set and watch generic parameters as the parameters they stand\n"
@@ -201,8 +202,12 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
     error = "--hard belongs to factory-reset";
     return false;
   }
-  if (out.uri.rfind("socket://", 0) != 0) {
-    error = "unsupported URI '" + out.uri + "' (socket://HOST:PORT expected)";
+  bool known = false;
+  for (const char* scheme : {"socket://", "tcp://", "udp://", "multicast://"})
+    known = known || out.uri.rfind(scheme, 0) == 0;
+  if (!known) {
+    error = "unsupported URI '" + out.uri +
+            "' (socket://, tcp://, udp:// or multicast://HOST:PORT expected)";
     return false;
   }
   return true;

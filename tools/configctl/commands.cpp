@@ -141,12 +141,15 @@ int RunSet(const Arguments& arguments) {
   bool sent =
       requested.isString ? client->Set(id, requested.text) : client->Set(id, requested.number);
   ParamValue after;
-  // A Get after a Set on the same connection sees the Set's outcome.
-  if (!sent || !ReadValue(client, descriptor, after)) {
+  // A Get after a Set on the same connection sees the Set's outcome. Over
+  // UDP the Set is answered, and a false answer is configd's refusal.
+  bool refused = !sent && link.SetsAreAnswered();
+  if ((!sent && !refused) || !ReadValue(client, descriptor, after)) {
     Console::Error("could not set %s through configd", name.c_str());
     return kExitFailure;
   }
-  SetOutcome outcome = Classify(descriptor, requested, before, after);
+  SetOutcome outcome =
+      refused ? SetOutcome::kRefused : Classify(descriptor, requested, before, after);
   if (arguments.json) {
     PrintLine(SetJson(descriptor, requested, after, outcome));
   } else if (outcome == SetOutcome::kRefused) {

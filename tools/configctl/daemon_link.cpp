@@ -2,23 +2,46 @@
 
 #include "config/access/mapping_config.h"
 #include "config/access/socket_client.h"
+#include "config/config_factory_impl.h"
+#include "config/config_uri.h"
 #include "config/descriptors/param_descriptor.h"
+#include "config/manager/config_cache.h"
 #include "config/mapper/tundra_param_mapper.h"
 #include "configctl/console.h"
 #include "configctl/mapping_commands.h"
 
 namespace configctl {
 
-DaemonLink::DaemonLink(std::string uri) : _uri(std::move(uri)) {}
+DaemonLink::DaemonLink(std::string uri) : _uri(std::move(uri)), _network(IsNetworkURI(_uri)) {}
 
 DaemonLink::~DaemonLink() {
   _mapped.clear();
   _mappers.clear();
-  for (auto it = _clients.rbegin(); it != _clients.rend(); ++it) _factory.Disconnect(*it);
+  for (auto it = _clients.rbegin(); it != _clients.rend(); ++it) Release(*it);
+}
+
+Config* DaemonLink::Connect(const std::string& uri) {
+  if (!_network) return _factory.Connect(uri);
+  Config* client = ConfigFactoryImpl::GetInstance()->Connect(uri);
+  // A cache over a failed connection is no connection.
+  auto* cache = dynamic_cast<ConfigCache*>(client);
+  if (cache != nullptr && cache->GetConfig() == nullptr) {
+    delete cache;
+    return nullptr;
+  }
+  return client;
+}
+
+void DaemonLink::Release(Config* client) {
+  if (!_network) {
+    _factory.Disconnect(client);
+  } else if (!ConfigFactoryImpl::GetInstance()->Disconnect(client)) {
+    delete client;  // a cache is its holder's to delete
+  }
 }
 
 Config* DaemonLink::Open() {
-  Config* client = _factory.Connect(_uri);
+  Config* client = Connect(_uri);
   if (client == nullptr) {
     Console::Error("cannot reach configd at %s", _uri.c_str());
     return nullptr;
@@ -26,6 +49,20 @@ Config* DaemonLink::Open() {
   _clients.push_back(client);
   return client;
 }
+
+Config* DaemonLink::OpenEvents() {
+  if (_uri.find("udp:") == std::string::npos) return Open();
+  std::string events = MulticastEventsURI(_uri);
+  Config* client = Connect(events);
+  if (client == nullptr) {
+    Console::Error("cannot listen for configd's events at %s", events.c_str());
+    return nullptr;
+  }
+  _clients.push_back(client);
+  return client;
+}
+
+bool DaemonLink::SetsAreAnswered() const { return _uri.find("udp:") != std::string::npos; }
 
 Config* DaemonLink::Map(Config* requests, Config* events) {
   BuildMapperTables();

@@ -1,7 +1,10 @@
-// DaemonLink is configctl's connection to configd: it owns the SocketFactory
-// and every client opened through it, and disconnects the clients, newest
+// DaemonLink is configctl's connection to configd by any URI the library
+// takes: "socket://" through its own SocketFactory, "tcp://", "udp://" and
+// "multicast://" (with or without "caching=true") through the process's
+// ConfigFactoryImpl. It owns every client opened and releases them, newest
 // first, when it is destroyed. A client answers Get and Set; a client that
-// gets listeners becomes an event connection, so a watch opens two.
+// gets listeners becomes an event connection, so a watch opens two (over
+// UDP the events come from a multicast client on the event port).
 //
 // Used by configctl's main thread only; a client's events thread is the
 // library's and ends when its client is disconnected.
@@ -31,6 +34,12 @@ class DaemonLink {
   // A new connected client, owned by the link; null after reporting that
   // configd cannot be reached at the URI.
   Config* Open();
+  // A new client to register listeners on: another connection like Open's,
+  // or over UDP a client on the multicast event port.
+  Config* OpenEvents();
+  // True when a refused Set answers false (UDP); other transports send a
+  // Set without an answer.
+  bool SetsAreAnswered() const;
   // `requests` seen through the unit's parameter mapper, hearing changes on
   // `events` (null: none). Owned by the link, destroyed before its clients.
   Config* Map(Config* requests, Config* events);
@@ -40,6 +49,10 @@ class DaemonLink {
  private:
   std::string _uri;
   zyn::config::access::SocketFactory _factory;  // outlives the clients
+  Config* Connect(const std::string& uri);
+  void Release(Config* client);
+
+  bool _network;  // the URI names a network transport
   std::vector<Config*> _clients;
   std::vector<std::unique_ptr<Config>> _mapped;  // MappingConfigs, over the clients
   std::vector<std::unique_ptr<zyn::boxline::config::access::ParamMapper>> _mappers;

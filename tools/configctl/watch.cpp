@@ -75,7 +75,7 @@ int RunWatch(const Arguments& arguments) {
 
   ChangeQueue queue;  // outlives the link's clients
   DaemonLink link(arguments.uri);
-  Config* events = link.Open();
+  Config* events = link.OpenEvents();
   if (events == nullptr) return kExitFailure;
   Config* requests = link.Open();
   if (requests == nullptr) return kExitFailure;

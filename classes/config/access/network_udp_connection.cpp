@@ -10,7 +10,9 @@
 #include "config/access/socket.h"
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptor.h"
+#include "config/descriptors/param_types.h"
 #include "config/values/string_value.h"
+#include "support/semaphore_helper.h"
 
 namespace zyn {
 namespace boxline {
@@ -33,7 +35,12 @@ XCONFIGMGR_RESPONSE_T Response(const XCONFIGMGR_HEADER_T& request, uint32_t msgt
 }  // namespace
 
 NetworkUDPConnection::NetworkUDPConnection(Socket* server)
-    : eventSocket(nullptr), eventAddress(), serverSocket(server), eventSequence(0) {
+    : eventSocket(nullptr),
+      eventAddress(),
+      serverSocket(server),
+      eventSequence(0),
+      _server_thread(pthread_self()) {
+  SemaphoreHelper::InitSemaphore(&_event_lock);
   eventAddress.sin_family = AF_INET;
   eventAddress.sin_port = htons(kDefaultEventPort);
   inet_pton(AF_INET, kEventGroup, &eventAddress.sin_addr);
@@ -54,8 +61,42 @@ NetworkUDPConnection::NetworkUDPConnection(Socket* server)
 }
 
 NetworkUDPConnection::~NetworkUDPConnection() {
-  for (auto& entry : configs) ConfigFactoryImpl::GetInstance()->Disconnect(entry.second);
+  for (auto& entry : configs) {
+    Unrelay(entry.first);
+    ConfigFactoryImpl::GetInstance()->Disconnect(entry.second);
+  }
   delete eventSocket;
+  SemaphoreHelper::DestroySemaphore(&_event_lock);
+}
+
+void NetworkUDPConnection::Relay(unsigned int configID, Config* config) {
+  auto* relay = new StoreRelay(this, configID);
+  _relays[configID] = relay;
+  config->AddConfigEventListener(relay);
+}
+
+void NetworkUDPConnection::Unrelay(unsigned int configID) {
+  auto relay = _relays.find(configID);
+  if (relay == _relays.end()) return;
+  auto config = configs.find(configID);
+  if (config != configs.end()) config->second->RemoveConfigEventListener(relay->second);
+  delete relay->second;
+  _relays.erase(relay);
+}
+
+bool NetworkUDPConnection::StoreRelay::ParamChanged(eParam_t id, unsigned int value, timeval) {
+  if (pthread_equal(pthread_self(), _owner->_server_thread)) return true;
+  _owner->ParamChanged(id, _config_id, value);
+  return true;
+}
+
+bool NetworkUDPConnection::StoreRelay::ParamChanged(eParam_t id, std::string value, timeval) {
+  if (pthread_equal(pthread_self(), _owner->_server_thread)) return true;
+  StringValue text(eConfigID_Default, id, eCParam_StringValue, value);
+  std::vector<char> payload = EncodePayload(&text);
+  if (!payload.empty())
+    _owner->ParamChanged(id, _config_id, payload.data(), static_cast<unsigned int>(payload.size()));
+  return true;
 }
 
 void NetworkUDPConnection::SetMulticastPort(int port) {
@@ -161,8 +202,12 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
   // Every client of a config ID shares one open store; a reconnect
   // replaces it without raising the store's use count.
   auto it = configs.find(configID);
-  if (it != configs.end()) ConfigFactoryImpl::GetInstance()->Disconnect(it->second);
+  if (it != configs.end()) {
+    Unrelay(configID);
+    ConfigFactoryImpl::GetInstance()->Disconnect(it->second);
+  }
   configs[configID] = config;
+  Relay(configID, config);
   // The UDP form of the answer is a whole 44-byte response record.
   XCONFIGMGR_RESPONSE_T response = Response(request.header, XCFG_CONNECT_RESPONSE, 0, 0, 0);
   if (!Answer(response, from))
@@ -300,13 +345,14 @@ void NetworkUDPConnection::ProcessSetDataRequest(const XCONFIGMGR_REQUEST_T& req
 
 void NetworkUDPConnection::ParamChanged(unsigned int paramID, unsigned int configID,
                                         unsigned int value) {
+  SemaphoreHelper hold(&_event_lock);
   XCONFIGMGR_RESPONSE_T event{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 0, eventSequence++, configID),
                               paramID,
                               0,
                               value,
                               0,
                               kXConfigStreamBufferSize};
-  if (!Multicast(event, {})) perror("NetworkUDPConnection::ParamChanged");
+  if (!MulticastLocked(event, {})) perror("NetworkUDPConnection::ParamChanged");
 }
 
 void NetworkUDPConnection::ParamChanged(unsigned int paramID, unsigned int configID,
@@ -385,6 +431,12 @@ bool NetworkUDPConnection::Answer(const Record& record, const sockaddr_in& to) {
 
 bool NetworkUDPConnection::Multicast(const XCONFIGMGR_RESPONSE_T& event,
                                      const std::vector<char>& payload) {
+  SemaphoreHelper hold(&_event_lock);
+  return MulticastLocked(event, payload);
+}
+
+bool NetworkUDPConnection::MulticastLocked(const XCONFIGMGR_RESPONSE_T& event,
+                                           const std::vector<char>& payload) {
   if (eventSocket == nullptr) return false;
   ConnectionUtilities::Dump(event, payload.data(), payload.size());
   std::vector<char> bytes = PackWithPayload(event, payload);

@@ -17,6 +17,8 @@
 #define CLASSES_CONFIG_ACCESS_NETWORK_UDP_CONNECTION_H
 
 #include <netinet/in.h>
+#include <pthread.h>
+#include <semaphore.h>
 
 #include <cstdint>
 #include <map>
@@ -25,6 +27,7 @@
 
 #include "config/access/network_connection.h"
 #include "config/access/xconfigmgr_records.h"
+#include "config/config_event_listener.h"
 
 class Config;
 class Socket;
@@ -95,11 +98,38 @@ class NetworkUDPConnection : public NetworkConnection {
   bool Answer(const Record& record, const sockaddr_in& to);
   bool Multicast(const XCONFIGMGR_RESPONSE_T& event, const std::vector<char>& payload);
 
+  // Hears the changes that other clients (local socket, network TCP, the
+  // owner itself) make to one store and multicasts them too, so that every
+  // change reaches the UDP clients. Changes made by this connection's own
+  // requests are left to the request handlers, which multicast them after
+  // answering.
+  class StoreRelay : public ConfigEventListener {
+   public:
+    StoreRelay(NetworkUDPConnection* owner, unsigned int configID)
+        : _owner(owner), _config_id(configID) {}
+    bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
+    bool ParamChanged(eParam_t id, std::string value, timeval when) override;
+
+   private:
+    NetworkUDPConnection* _owner;
+    unsigned int _config_id;
+  };
+  // Opens the relay of `configID` on `config`, or closes it before the
+  // store is released.
+  void Relay(unsigned int configID, Config* config);
+  void Unrelay(unsigned int configID);
+  bool MulticastLocked(const XCONFIGMGR_RESPONSE_T& event, const std::vector<char>& payload);
+
   Socket* eventSocket;
   sockaddr_in eventAddress;
-  std::map<unsigned int, Config*> configs;
+  std::map<unsigned int, Config*> configs;  // server thread only
   Socket* serverSocket;
-  unsigned int eventSequence;
+  unsigned int eventSequence;  // guarded by _event_lock
+  // Guards the event socket and the sequence counter: relays multicast from
+  // the threads of other clients' writes.
+  sem_t _event_lock;
+  pthread_t _server_thread;                     // the thread that handles the datagrams
+  std::map<unsigned int, StoreRelay*> _relays;  // server thread only
 };
 
 }  // namespace access
