@@ -1,7 +1,6 @@
 #include "configctl/daemon_link.h"
 
 #include "config/access/socket_client.h"
-#include "config/descriptors/param_descriptor.h"
 #include "configctl/console.h"
 
 namespace configctl {
@@ -20,13 +19,6 @@ zyn::config::access::SocketClient* DaemonLink::Open() {
   }
   _clients.push_back(client);
   return client;
-}
-
-bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value) {
-  value = ParamValue();
-  value.isString = IsStringParam(descriptor);
-  unsigned int id = descriptor->GetParamID();
-  return value.isString ? config->Get(id, value.text) : config->Get(id, value.number);
 }
 
 }  // namespace configctl

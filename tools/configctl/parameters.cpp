@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
@@ -102,6 +103,13 @@ bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue
   }
   error += ")";
   return false;
+}
+
+bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value) {
+  value = ParamValue();
+  value.isString = IsStringParam(descriptor);
+  unsigned int id = descriptor->GetParamID();
+  return value.isString ? config->Get(id, value.text) : config->Get(id, value.number);
 }
 
 }  // namespace configctl

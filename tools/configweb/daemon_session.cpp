@@ -1,0 +1,142 @@
+#include "configweb/daemon_session.h"
+
+#include <chrono>
+#include <cstdio>
+
+#include "config/access/socket_client.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/descriptors/param_ids.h"
+#include "configctl/formatting.h"
+#include "configctl/json.h"
+#include "configweb/event_hub.h"
+
+namespace configweb {
+
+using configctl::JsonObject;
+using configctl::ParamValue;
+using zyn::config::access::SocketClient;
+using zyn::config::access::SocketFactory;
+
+Config* OpenPageConfig(SocketFactory& factory, const std::string& uri) {
+  return factory.Connect(uri);
+}
+
+void ClosePageConfig(SocketFactory& factory, Config* config) {
+  if (auto* client = dynamic_cast<SocketClient*>(config)) {
+    factory.Disconnect(client);
+  } else {
+    delete config;
+  }
+}
+
+bool DaemonSession::Forwarder::ParamChanged(eParam_t id, unsigned int value, timeval when) {
+  ParamValue change;
+  change.number = value;
+  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  return true;
+}
+
+bool DaemonSession::Forwarder::ParamChanged(eParam_t id, std::string value, timeval when) {
+  ParamValue change;
+  change.isString = true;
+  change.text = std::move(value);
+  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  return true;
+}
+
+DaemonSession::DaemonSession(std::string uri, EventHub& hub, long checkMs)
+    : _uri(std::move(uri)), _hub(hub), _checkMs(checkMs), _forwarder(hub) {}
+
+DaemonSession::~DaemonSession() { Stop(); }
+
+bool DaemonSession::Start() {
+  bool connected;
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    connected = ConnectLocked();
+    _stopping = false;
+  }
+  if (!connected) fprintf(stderr, "configweb: configd is not reachable at %s yet\n", _uri.c_str());
+  _supervisor = std::thread(&DaemonSession::Supervise, this);
+  return connected;
+}
+
+void DaemonSession::Stop() {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    _stopping = true;
+  }
+  _wake.notify_all();
+  if (_supervisor.joinable()) _supervisor.join();
+  std::lock_guard<std::mutex> hold(_lock);
+  DropLocked();
+}
+
+bool DaemonSession::WithConfig(const std::function<void(Config*)>& work) {
+  std::lock_guard<std::mutex> hold(_lock);
+  if (!_connected) return false;
+  work(_requests);
+  return true;
+}
+
+bool DaemonSession::IsConnected() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return _connected;
+}
+
+std::string DaemonSession::StatusFrame() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return StatusFrameLocked();
+}
+
+std::string DaemonSession::StatusFrameLocked() const {
+  return EventFrame("daemon",
+                    JsonObject().AddBool("connected", _connected).AddString("uri", _uri).Str());
+}
+
+bool DaemonSession::ConnectLocked() {
+  if (_connected) return true;
+  _requests = OpenPageConfig(_factory, _uri);
+  if (_requests != nullptr) _events = OpenPageConfig(_factory, _uri);
+  if (_events == nullptr || !_events->AddConfigEventListener(&_forwarder)) {
+    DropLocked();
+    return false;
+  }
+  _connected = true;
+  return true;
+}
+
+void DaemonSession::DropLocked() {
+  if (_events != nullptr) {
+    _events->RemoveConfigEventListener(&_forwarder);
+    ClosePageConfig(_factory, _events);
+  }
+  if (_requests != nullptr) ClosePageConfig(_factory, _requests);
+  _events = nullptr;
+  _requests = nullptr;
+  _connected = false;
+}
+
+bool DaemonSession::HeartbeatLocked() {
+  std::string name;
+  return _requests->Get(eParamID_SystemName, name);
+}
+
+void DaemonSession::Supervise() {
+  std::unique_lock<std::mutex> hold(_lock);
+  while (!_stopping) {
+    _wake.wait_for(hold, std::chrono::milliseconds(_checkMs), [this] { return _stopping; });
+    if (_stopping) break;
+    if (_connected) {
+      if (HeartbeatLocked()) continue;
+      fprintf(stderr, "configweb: lost the connection to configd at %s\n", _uri.c_str());
+      DropLocked();
+      _hub.Publish(StatusFrameLocked());
+    } else if (ConnectLocked()) {
+      fprintf(stderr, "configweb: connected to configd at %s\n", _uri.c_str());
+      _hub.Publish(StatusFrameLocked());
+    }
+  }
+}
+
+}  // namespace configweb

@@ -1,0 +1,97 @@
+// DaemonSession is configweb's link to configd: a request connection that
+// the HTTP handlers share, and an event connection whose listener publishes
+// every change to the EventHub. A supervisor thread checks the link with a
+// heartbeat read; when configd goes away it drops both connections, tells
+// the pages ("daemon" frame), and connects again once configd is back.
+//
+// Locks: _lock guards the two connections and _connected, and is held for
+// the whole of each WithConfig call, so requests from different HTTP threads
+// take turns (the connection's factory serialises exchanges anyway). The
+// listener runs on the event connection's thread and takes only the hub's
+// locks. Start and Stop belong to main's thread; WithConfig and IsConnected
+// may be called from any thread.
+#ifndef TOOLS_CONFIGWEB_DAEMON_SESSION_H
+#define TOOLS_CONFIGWEB_DAEMON_SESSION_H
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "config/access/socket_factory.h"
+#include "config/config_event_listener.h"
+
+class Config;
+
+namespace configweb {
+
+class EventHub;
+
+// Opens the Config the page reads and writes through for `uri`, or null.
+// Every parameter the page shows goes through what this returns, so this is
+// the one place where a mapping layer over the plain client belongs.
+Config* OpenPageConfig(zyn::config::access::SocketFactory& factory, const std::string& uri);
+// Gives back a Config from OpenPageConfig.
+void ClosePageConfig(zyn::config::access::SocketFactory& factory, Config* config);
+
+class DaemonSession {
+ public:
+  // How often the supervisor checks the link or retries a lost one.
+  static constexpr long kDefaultCheckMs = 500;
+
+  DaemonSession(std::string uri, EventHub& hub, long checkMs = kDefaultCheckMs);
+  ~DaemonSession();
+  DaemonSession(const DaemonSession&) = delete;
+  DaemonSession& operator=(const DaemonSession&) = delete;
+
+  // Connects (true when configd answered now) and starts the supervisor,
+  // which keeps trying in the background when it did not.
+  bool Start();
+  // Ends the supervisor and both connections.
+  void Stop();
+
+  // Runs `work` on the request connection while holding it; false (and
+  // `work` not run) when configd is not connected.
+  bool WithConfig(const std::function<void(Config*)>& work);
+  bool IsConnected();
+  const std::string& GetUri() const { return _uri; }
+  // The "daemon" frame for the current state, which a new stream starts with.
+  std::string StatusFrame();
+
+ private:
+  class Forwarder : public ConfigEventListener {
+   public:
+    explicit Forwarder(EventHub& hub) : _hub(hub) {}
+    bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
+    bool ParamChanged(eParam_t id, std::string value, timeval when) override;
+
+   private:
+    EventHub& _hub;
+  };
+
+  // Both connections, or neither; call with _lock held.
+  bool ConnectLocked();
+  void DropLocked();
+  bool HeartbeatLocked();
+  void Supervise();
+  std::string StatusFrameLocked() const;
+
+  const std::string _uri;
+  EventHub& _hub;
+  const long _checkMs;
+  Forwarder _forwarder;  // outlives _events' registration
+  zyn::config::access::SocketFactory _factory;
+
+  std::mutex _lock;
+  std::condition_variable _wake;
+  Config* _requests = nullptr;  // guarded by _lock
+  Config* _events = nullptr;    // guarded by _lock
+  bool _connected = false;      // guarded by _lock
+  bool _stopping = false;       // guarded by _lock
+  std::thread _supervisor;
+};
+
+}  // namespace configweb
+
+#endif  // TOOLS_CONFIGWEB_DAEMON_SESSION_H

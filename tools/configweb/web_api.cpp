@@ -1,0 +1,315 @@
+#include "configweb/web_api.h"
+
+#include <time.h>
+
+#include <boost/property_tree/json_parser.hpp>
+#include <boost/property_tree/ptree.hpp>
+#include <chrono>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+#include "config/config.h"
+#include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/descriptors/param_groups.h"
+#include "config/descriptors/param_ids.h"
+#include "config/values/presets_param_vector.h"
+#include "configctl/formatting.h"
+#include "configctl/json.h"
+#include "configctl/parameters.h"
+#include "configweb/daemon_session.h"
+#include "configweb/page.h"
+
+namespace configweb {
+
+using configctl::JsonObject;
+using configctl::JsonString;
+using configctl::ParamValue;
+using configctl::SetOutcome;
+
+namespace {
+
+constexpr int kFirstGroup = static_cast<int>(kRemoteMenuGroup);
+constexpr int kLastGroup = static_cast<int>(kDebugMenuGroup);
+constexpr unsigned int kLastPreset = 40;
+constexpr long kPresetPollMs = 10;
+
+// The register commands the page offers, with their result parameters.
+struct PresetCommand {
+  const char* operation;
+  eParam_t command;
+  eParam_t result;
+};
+constexpr PresetCommand kPresetCommands[] = {
+    {"save", eParamID_RegisterSave, eParamID_RegisterSaveResult},
+    {"recall", eParamID_RegisterRecall, eParamID_RegisterRecallResult},
+};
+
+WebReply Error(int status, const std::string& message) {
+  WebReply reply;
+  reply.status = status;
+  reply.body = JsonObject().AddString("error", message).Str();
+  return reply;
+}
+
+WebReply Json(const std::string& body) {
+  WebReply reply;
+  reply.body = body;
+  return reply;
+}
+
+WebReply Unreachable(const DaemonSession& session) {
+  return Error(503, "configd is not reachable at " + session.GetUri());
+}
+
+std::vector<std::string> PathSegments(const std::string& target, bool& valid) {
+  std::string path = target.substr(0, target.find('?'));
+  std::vector<std::string> segments;
+  valid = true;
+  std::string segment;
+  std::istringstream in(path);
+  while (std::getline(in, segment, '/')) {
+    if (segment.empty()) continue;
+    std::string decoded;
+    if (!UrlDecode(segment, decoded)) valid = false;
+    segments.push_back(decoded);
+  }
+  return segments;
+}
+
+int StringToGroup(const std::string& text) {
+  unsigned int number = 0;
+  if (!configctl::ParseNumber(text, number) || number < static_cast<unsigned int>(kFirstGroup) ||
+      number > static_cast<unsigned int>(kLastGroup))
+    return 0;
+  return static_cast<int>(number);
+}
+
+// The value under "value" of a JSON object body, as text: numbers and
+// strings alike, for ParseValue to read by the parameter's kind.
+bool BodyValue(const std::string& body, std::string& text, std::string& error) {
+  boost::property_tree::ptree tree;
+  try {
+    std::istringstream in(body);
+    boost::property_tree::read_json(in, tree);
+  } catch (const boost::property_tree::json_parser_error& failure) {
+    error = "the body is not JSON: " + failure.message();
+    return false;
+  }
+  auto value = tree.get_child_optional("value");
+  if (!value || !value->empty()) {
+    error = "the body needs a \"value\" member holding a number or a string";
+    return false;
+  }
+  text = value->data();
+  return true;
+}
+
+void Pause(long ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+}  // namespace
+
+bool HiddenFromPage(const ParamDescriptor* descriptor) {
+  for (const char* name : {"panel_hidden", "hidden_param", "rest_hidden"})
+    if (descriptor->HasClassName(name)) return true;
+  return false;
+}
+
+std::string GroupName(int group) {
+  if (group == static_cast<int>(kDebugMenuGroup)) return "Debug";
+  auto* buttons = dynamic_cast<EnumDescriptor*>(GetDescriptor(eParamID_CurrentlySelectedButton));
+  std::string name = buttons != nullptr ? buttons->GetEnumValue(group) : "";
+  return name.empty() ? "Group " + std::to_string(group) : name;
+}
+
+bool UrlDecode(const std::string& text, std::string& decoded) {
+  decoded.clear();
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      decoded += text[i];
+      continue;
+    }
+    if (i + 2 >= text.size() || !isxdigit(static_cast<unsigned char>(text[i + 1])) ||
+        !isxdigit(static_cast<unsigned char>(text[i + 2])))
+      return false;
+    decoded += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+    i += 2;
+  }
+  return true;
+}
+
+WebReply WebApi::Handle(const std::string& method, const std::string& target,
+                        const std::string& body) {
+  bool valid = true;
+  std::vector<std::string> path = PathSegments(target, valid);
+  if (!valid) return Error(400, "malformed %-escape in the path");
+  bool get = method == "GET";
+  if (path.empty()) {
+    if (!get) return Error(405, "the page is only read");
+    WebReply page;
+    page.contentType = "text/html; charset=utf-8";
+    page.body = PageHtml();
+    return page;
+  }
+  if (path[0] != "api" || path.size() < 2) return Error(404, "no such page");
+  const std::string& what = path[1];
+  size_t n = path.size();
+  if (what == "status" && n == 2 && get) return Status();
+  if (what == "groups" && n == 2 && get) return Groups();
+  if (what == "groups" && n == 3 && get) return Group(path[2]);
+  if (what == "params" && n == 3) {
+    if (get) return GetParam(path[2]);
+    if (method == "PUT" || method == "POST") return SetParam(path[2], body);
+    return Error(405, "a parameter takes GET, PUT or POST");
+  }
+  if (what == "presets" && n == 4) {
+    if (method != "POST") return Error(405, "preset commands take POST");
+    return Preset(path[2], path[3]);
+  }
+  return Error(404, "no such API path");
+}
+
+WebReply WebApi::Status() {
+  return Json(JsonObject()
+                  .AddBool("connected", _session.IsConnected())
+                  .AddString("uri", _session.GetUri())
+                  .Str());
+}
+
+WebReply WebApi::Groups() {
+  std::vector<std::string> groups;
+  for (int group = kFirstGroup; group <= kLastGroup; ++group) {
+    size_t count = 0;
+    for (unsigned int id : GetParamGroup(group))
+      if (!HiddenFromPage(GetDescriptor(id))) ++count;
+    if (count == 0) continue;
+    groups.push_back(JsonObject()
+                         .AddNumber("group", group)
+                         .AddString("name", GroupName(group))
+                         .AddNumber("count", count)
+                         .Str());
+  }
+  return Json(configctl::JsonArray(groups));
+}
+
+std::string WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
+  JsonObject object;
+  object.AddString("param", descriptor->GetParamIDName())
+      .AddNumber("id", descriptor->GetParamID())
+      .AddString("name", descriptor->GetName())
+      .AddBool("readonly", descriptor->HasClassName("readonly"));
+  if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor))
+    object.AddNumber("step", integer->GetAdjustBy());
+  object.AddRaw("descriptor", configctl::DescribeJson(descriptor));
+  ParamValue value;
+  if (configctl::ReadValue(config, descriptor, value)) {
+    std::string rendered = configctl::ValueJson(descriptor->GetParamID(), descriptor, value);
+    object.AddRaw("current", rendered);
+  }
+  return object.Str();
+}
+
+WebReply WebApi::Group(const std::string& number) {
+  int group = StringToGroup(number);
+  if (group == 0) return Error(404, "no menu group '" + number + "'");
+  std::vector<ParamDescriptor*> descriptors;
+  for (unsigned int id : GetParamGroup(group)) {
+    ParamDescriptor* descriptor = GetDescriptor(id);
+    if (!HiddenFromPage(descriptor)) descriptors.push_back(descriptor);
+  }
+  std::vector<std::string> params;
+  bool connected = _session.WithConfig([&](Config* config) {
+    for (ParamDescriptor* descriptor : descriptors) params.push_back(ParamJson(descriptor, config));
+  });
+  if (!connected) return Unreachable(_session);
+  return Json(JsonObject()
+                  .AddNumber("group", group)
+                  .AddString("name", GroupName(group))
+                  .AddRaw("params", configctl::JsonArray(params))
+                  .Str());
+}
+
+WebReply WebApi::GetParam(const std::string& name) {
+  ParamDescriptor* descriptor = configctl::FindParameter(name);
+  if (descriptor == nullptr) return Error(404, "unknown parameter '" + name + "'");
+  ParamValue value;
+  bool read = false;
+  if (!_session.WithConfig(
+          [&](Config* config) { read = configctl::ReadValue(config, descriptor, value); }))
+    return Unreachable(_session);
+  if (!read) return Error(502, "configd gave no value for " + descriptor->GetParamIDName());
+  return Json(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
+}
+
+WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
+  ParamDescriptor* descriptor = configctl::FindParameter(name);
+  if (descriptor == nullptr) return Error(404, "unknown parameter '" + name + "'");
+  std::string text;
+  std::string error;
+  ParamValue requested;
+  if (!BodyValue(body, text, error) || !configctl::ParseValue(descriptor, text, requested, error))
+    return Error(400, error);
+  if (descriptor->HasClassName("readonly"))
+    return Error(403, descriptor->GetParamIDName() + " is read-only");
+  ParamValue before;
+  ParamValue after;
+  bool done = false;
+  bool connected = _session.WithConfig([&](Config* config) {
+    if (!configctl::ReadValue(config, descriptor, before)) return;
+    unsigned int id = descriptor->GetParamID();
+    bool sent =
+        requested.isString ? config->Set(id, requested.text) : config->Set(id, requested.number);
+    // A Get after a Set on the same connection sees the Set's outcome.
+    done = sent && configctl::ReadValue(config, descriptor, after);
+  });
+  if (!connected) return Unreachable(_session);
+  if (!done)
+    return Error(502, "could not set " + descriptor->GetParamIDName() + " through configd");
+  SetOutcome outcome = configctl::ClassifySet(descriptor, requested, before, after);
+  WebReply reply = Json(configctl::SetJson(descriptor, requested, after, outcome));
+  if (outcome == SetOutcome::kRefused) reply.status = 409;
+  return reply;
+}
+
+WebReply WebApi::Preset(const std::string& number, const std::string& operation) {
+  const PresetCommand* command = nullptr;
+  for (const PresetCommand& candidate : kPresetCommands)
+    if (operation == candidate.operation) command = &candidate;
+  if (command == nullptr) return Error(404, "no preset command '" + operation + "'");
+  unsigned int preset = 0;
+  if (!configctl::ParseNumber(number, preset) || preset > kLastPreset)
+    return Error(400, "invalid preset '" + number + "' (0 to " + std::to_string(kLastPreset) + ")");
+  using zyn::config::values::kRegisterDone;
+  using zyn::config::values::kRegisterInProgress;
+  bool sent = false;
+  if (!_session.WithConfig([&](Config* config) {
+        sent = config->Set(command->result, kRegisterInProgress) &&
+               config->Set(command->command, preset);
+      }))
+    return Unreachable(_session);
+  // configd moves the result on when it has finished; each look takes the
+  // connection only briefly, so the page's other requests go on meanwhile.
+  unsigned int state = kRegisterInProgress;
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPresetTimeoutMs);
+  while (sent && state == kRegisterInProgress && std::chrono::steady_clock::now() < deadline) {
+    if (!_session.WithConfig([&](Config* config) { config->Get(command->result, state); }))
+      return Unreachable(_session);
+    if (state == kRegisterInProgress) Pause(kPresetPollMs);
+  }
+  if (!sent) return Error(409, "configd refused preset " + std::to_string(preset));
+  if (state == kRegisterInProgress)
+    return Error(504, "configd did not finish the preset " + operation + " in time");
+  auto* results = dynamic_cast<EnumDescriptor*>(GetDescriptor(command->result));
+  std::string resultName = results != nullptr ? results->GetEnumValue(state) : "";
+  WebReply reply = Json(JsonObject()
+                            .AddNumber("preset", preset)
+                            .AddString("operation", operation)
+                            .AddNumber("state", state)
+                            .AddString("result", resultName)
+                            .Str());
+  if (state != kRegisterDone) reply.status = 409;
+  return reply;
+}
+
+}  // namespace configweb
