@@ -105,8 +105,7 @@ bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* d
     }
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
         deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0 || !ReadSome(_fd, _buffer, static_cast<int>(left.count())))
-      return false;
+    if (left.count() <= 0 || !ReadSome(_fd, _buffer, static_cast<int>(left.count()))) return false;
   }
 }
 
@@ -115,8 +114,8 @@ void WebTest::SetUp() {
   ASSERT_TRUE(daemon.Start());
   session = std::make_unique<configweb::DaemonSession>(daemon.Uri(), hub, kCheckMs);
   api = std::make_unique<configweb::WebApi>(*session);
-  server = std::make_unique<configweb::HttpServer>(
-      *api, hub, [this] { return session->StatusFrame(); });
+  server =
+      std::make_unique<configweb::HttpServer>(*api, hub, [this] { return session->StatusFrame(); });
   ASSERT_TRUE(session->Start());
   ASSERT_TRUE(server->Start("127.0.0.1", 0));
 }

@@ -6,6 +6,7 @@
 #include "config/access/socket_client.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
+#include "config/event_loss_counter.h"
 #include "configctl/formatting.h"
 #include "configctl/json.h"
 #include "configweb/event_hub.h"
@@ -118,6 +119,10 @@ void DaemonSession::DropLocked() {
 }
 
 bool DaemonSession::HeartbeatLocked() {
+  // configd closes an event connection that does not keep up with its
+  // changes; the pages would miss everything after that.
+  auto* loss = dynamic_cast<EventLossCounter*>(_events);
+  if (loss != nullptr && loss->LostEvents() != 0) return false;
   std::string name;
   return _requests->Get(eParamID_SystemName, name);
 }

@@ -1,8 +1,10 @@
 // DaemonSession is configweb's link to configd: a request connection that
 // the HTTP handlers share, and an event connection whose listener publishes
 // every change to the EventHub. A supervisor thread checks the link with a
-// heartbeat read; when configd goes away it drops both connections, tells
-// the pages ("daemon" frame), and connects again once configd is back.
+// heartbeat read and the event connection's loss count; when configd goes
+// away, or has closed the event connection, it drops both connections,
+// tells the pages ("daemon" frame; they read their values again when it
+// says connected), and connects again once configd is there.
 //
 // Locks: _lock guards the two connections and _connected, and is held for
 // the whole of each WithConfig call, so requests from different HTTP threads
