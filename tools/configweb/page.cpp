@@ -74,10 +74,12 @@ function showLink(connected) {
   document.getElementById("banner").className = connected ? "" : "shown";
 }
 
-function limits(d) {
+function limits(p) {
+  const d = p.descriptor;
   if (d.kind === "string") return d.min_length + " to " + d.max_length + " characters";
   if (d.kind === "integer" || d.kind === "decimal")
-    return d.min + " to " + d.max + (d.units ? " " + d.units : "");
+    return d.min + " to " + d.max + (d.units ? " " + d.units : "") +
+        (p.step > 1 ? ", step " + p.step : "");
   return "";
 }
 
@@ -152,7 +154,7 @@ function showGroup(group) {
     for (const p of r.data.params) {
       const row = document.createElement("tr");
       row.id = p.param;
-      const cells = [p.descriptor.menu_number, p.name, "", limits(p.descriptor), ""].map(text => {
+      const cells = [p.descriptor.menu_number, p.name, "", limits(p), ""].map(text => {
         const cell = document.createElement("td");
         cell.textContent = text;
         row.appendChild(cell);
