@@ -18,16 +18,36 @@ using configctl::ParamValue;
 using zyn::config::access::SocketClient;
 using zyn::config::access::SocketFactory;
 
-Config* OpenPageConfig(SocketFactory& factory, const std::string& uri) {
-  return factory.Connect(uri);
-}
+namespace {
 
-void ClosePageConfig(SocketFactory& factory, Config* config) {
+void CloseClient(SocketFactory& factory, Config* config) {
   if (auto* client = dynamic_cast<SocketClient*>(config)) {
     factory.Disconnect(client);
   } else {
     delete config;
   }
+}
+
+}  // namespace
+
+bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link) {
+  link = PageLink();
+  link.requestClient = factory.Connect(uri);
+  if (link.requestClient != nullptr) link.eventClient = factory.Connect(uri);
+  if (link.eventClient == nullptr) {
+    ClosePageLink(factory, link);
+    return false;
+  }
+  link.requests = link.requestClient;
+  link.events = link.eventClient;
+  link.loss = dynamic_cast<EventLossCounter*>(link.eventClient);
+  return true;
+}
+
+void ClosePageLink(SocketFactory& factory, PageLink& link) {
+  if (link.eventClient != nullptr) CloseClient(factory, link.eventClient);
+  if (link.requestClient != nullptr) CloseClient(factory, link.requestClient);
+  link = PageLink();
 }
 
 bool DaemonSession::Forwarder::ParamChanged(eParam_t id, unsigned int value, timeval when) {
@@ -76,7 +96,7 @@ void DaemonSession::Stop() {
 bool DaemonSession::WithConfig(const std::function<void(Config*)>& work) {
   std::lock_guard<std::mutex> hold(_lock);
   if (!_connected) return false;
-  work(_requests);
+  work(_link.requests);
   return true;
 }
 
@@ -97,10 +117,9 @@ std::string DaemonSession::StatusFrameLocked() const {
 
 bool DaemonSession::ConnectLocked() {
   if (_connected) return true;
-  _requests = OpenPageConfig(_factory, _uri);
-  if (_requests != nullptr) _events = OpenPageConfig(_factory, _uri);
-  if (_events == nullptr || !_events->AddConfigEventListener(&_forwarder)) {
-    DropLocked();
+  if (!OpenPageLink(_factory, _uri, _link)) return false;
+  if (!_link.events->AddConfigEventListener(&_forwarder)) {
+    ClosePageLink(_factory, _link);
     return false;
   }
   _connected = true;
@@ -108,23 +127,17 @@ bool DaemonSession::ConnectLocked() {
 }
 
 void DaemonSession::DropLocked() {
-  if (_events != nullptr) {
-    _events->RemoveConfigEventListener(&_forwarder);
-    ClosePageConfig(_factory, _events);
-  }
-  if (_requests != nullptr) ClosePageConfig(_factory, _requests);
-  _events = nullptr;
-  _requests = nullptr;
+  if (_link.events != nullptr) _link.events->RemoveConfigEventListener(&_forwarder);
+  ClosePageLink(_factory, _link);
   _connected = false;
 }
 
 bool DaemonSession::HeartbeatLocked() {
   // configd closes an event connection that does not keep up with its
   // changes; the pages would miss everything after that.
-  auto* loss = dynamic_cast<EventLossCounter*>(_events);
-  if (loss != nullptr && loss->LostEvents() != 0) return false;
+  if (_link.loss != nullptr && _link.loss->LostEvents() != 0) return false;
   std::string name;
-  return _requests->Get(eParamID_SystemName, name);
+  return _link.requests->Get(eParamID_SystemName, name);
 }
 
 void DaemonSession::Supervise() {

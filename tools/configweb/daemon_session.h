@@ -25,17 +25,32 @@
 #include "config/config_event_listener.h"
 
 class Config;
+class EventLossCounter;
 
 namespace configweb {
 
 class EventHub;
 
-// Opens the Config the page reads and writes through for `uri`, or null.
-// Every parameter the page shows goes through what this returns, so this is
-// the one place where a mapping layer over the plain client belongs.
-Config* OpenPageConfig(zyn::config::access::SocketFactory& factory, const std::string& uri);
-// Gives back a Config from OpenPageConfig.
-void ClosePageConfig(zyn::config::access::SocketFactory& factory, Config* config);
+// The connections behind the page: `requests` is what the page reads and
+// writes through, `events` what its listener registers with (the same object
+// when a mapping layer stands over both), `loss` the event connection's loss
+// count. The plain clients under them are kept for closing.
+struct PageLink {
+  Config* requests = nullptr;
+  Config* events = nullptr;
+  EventLossCounter* loss = nullptr;
+  Config* requestClient = nullptr;
+  Config* eventClient = nullptr;
+};
+
+// Opens the page's connections to `uri`. Every parameter the page shows goes
+// through what this opens, so this is the one place where a mapping layer
+// over the plain clients belongs. False, with nothing left open, when
+// configd does not answer.
+bool OpenPageLink(zyn::config::access::SocketFactory& factory, const std::string& uri,
+                  PageLink& link);
+// Closes what OpenPageLink opened and clears `link`.
+void ClosePageLink(zyn::config::access::SocketFactory& factory, PageLink& link);
 
 class DaemonSession {
  public:
@@ -82,15 +97,14 @@ class DaemonSession {
   const std::string _uri;
   EventHub& _hub;
   const long _checkMs;
-  Forwarder _forwarder;  // outlives _events' registration
+  Forwarder _forwarder;  // registered with _link.events while connected
   zyn::config::access::SocketFactory _factory;
 
   std::mutex _lock;
   std::condition_variable _wake;
-  Config* _requests = nullptr;  // guarded by _lock
-  Config* _events = nullptr;    // guarded by _lock
-  bool _connected = false;      // guarded by _lock
-  bool _stopping = false;       // guarded by _lock
+  PageLink _link;           // guarded by _lock
+  bool _connected = false;  // guarded by _lock
+  bool _stopping = false;   // guarded by _lock
   std::thread _supervisor;
 };
 
