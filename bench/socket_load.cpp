@@ -197,7 +197,7 @@ std::vector<float> RunClient(const Options& options, int port, int index,
     return latencies;
   }
   SocketFactory factory;
-  SocketClient* client = factory.Connect(uri);
+  Config* client = factory.Connect(uri);
   if (client == nullptr) {
     fprintf(stderr, "socket_load: cannot connect to %s\n", uri.c_str());
     exit(1);
@@ -216,7 +216,7 @@ std::vector<float> RunClient(const Options& options, int port, int index,
     time([&] { client->Get(kLoadString, text); });
   } else {  // event: from a Set on one connection to the event on another
     SocketFactory eventsFactory;
-    SocketClient* events = eventsFactory.Connect(uri);
+    Config* events = eventsFactory.Connect(uri);
     EventTimer timer;
     events->AddConfigEventListener(kLoadInteger, &timer);
     client->Get(kLoadInteger);  // the registration is in place before timing

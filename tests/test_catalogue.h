@@ -19,6 +19,7 @@ constexpr unsigned int kWrapped = 0xFEEDC005;       // range 0xFFFFFFF6 spanning
 constexpr unsigned int kLimited = 0xFEEDC006;       // 0..1000, dependent_minimum kPercent
 constexpr unsigned int kRaw = 0xFEEDC007;           // 0..10 but "do_not_validate"
 constexpr unsigned int kSource = 0xFEEDC008;        // integer with dependants kPercent, kName
+constexpr unsigned int kVolatile = 0xFEEDC009;      // integer 0..100, class name "volatile"
 constexpr unsigned int kUnknown = 0xFEEDC0FF;       // no descriptor
 
 inline IntegerDescriptor* Integer(unsigned int id, const char* name, unsigned int min,
@@ -64,6 +65,7 @@ inline void Register() {
   IntegerDescriptor* source = Integer(kSource, "eParamID_TestSource", 0, 5, 0);
   source->AddDependentParamID(kPercent);
   source->AddDependentParamID(kName);
+  Integer(kVolatile, "eParamID_TestVolatile", 0, 100, 0)->AddClassName("volatile");
   IndexDescriptorNames();
 }
 

@@ -23,6 +23,8 @@ constexpr CommandName kCommands[] = {
     {"watch", Command::kWatch, 0, kAny, "watch [PARAM...] [--count N]"},
     {"describe", Command::kDescribe, 1, 1, "describe PARAM"},
     {"list", Command::kList, 0, 0, "list [--group N]"},
+    {"map", Command::kMap, 1, kAny, "map PARAM..."},
+    {"export-mapping", Command::kExportMapping, 1, 1, "export-mapping FILE"},
     {"help", Command::kHelp, 0, 0, "help"},
 };
 
@@ -38,7 +40,7 @@ bool ParseCount(const std::string& text, unsigned long max, unsigned long& value
 }  // namespace
 
 const char* UsageText() {
-  return "Usage: configctl [--uri URI] [--json] [--verbose] COMMAND\n"
+  return "Usage: configctl [--uri URI] [--json] [--mapped] [--verbose] COMMAND\n"
          "Reads, changes and watches the unit's settings held by configd.\n"
          "\n"
          "Commands:\n"
@@ -49,6 +51,10 @@ const char* UsageText() {
          "  describe PARAM                print the parameter's descriptor\n"
          "  list [--group N]              list the parameters, or one menu group in\n"
          "                                menu order\n"
+         "  map PARAM...                  print the parameter each one stands for now\n"
+         "                                under the selectors configd holds\n"
+         "  export-mapping FILE           write the generic-to-specific mapping tables\n"
+         "                                to FILE as JSON\n"
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
@@ -56,8 +62,10 @@ const char* UsageText() {
          "\n"
          "Options:\n"
          "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110)\n"
-         "  --json      print JSON: one object per line for get and watch, one object or\n"
+         "  --json      print JSON: one object per line for get, watch and map, one object or\n"
          "              array for set, describe and list\n"
+         "  --mapped    get, set and watch generic parameters as the parameters they stand\n"
+         "              for now (the proc amp of the current input, for example)\n"
          "  --verbose   show the library's diagnostics on standard error\n"
          "  --help      this text\n"
          "\n"
@@ -106,6 +114,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       return true;
     } else if (name == "--json") {
       out.json = true;
+    } else if (name == "--mapped") {
+      out.mapped = true;
     } else if (name == "--verbose" || name == "-v") {
       out.verbose = true;
     } else if (name == "--uri") {
@@ -153,6 +163,11 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (countGiven && out.command != Command::kWatch) {
     error = "--count belongs to watch";
+    return false;
+  }
+  if (out.mapped && out.command != Command::kGet && out.command != Command::kSet &&
+      out.command != Command::kWatch) {
+    error = "--mapped belongs to get, set and watch";
     return false;
   }
   if (out.hasGroup && out.command != Command::kList) {

@@ -19,12 +19,13 @@ constexpr int kExitUsage = 2;    // the command line itself is wrong
 
 constexpr const char* kDefaultUri = "socket://127.0.0.1:43110";
 
-enum class Command { kHelp, kGet, kSet, kWatch, kDescribe, kList };
+enum class Command { kHelp, kGet, kSet, kWatch, kDescribe, kList, kMap, kExportMapping };
 
 struct Arguments {
   std::string uri = kDefaultUri;
   bool json = false;
   bool verbose = false;  // keep the library's diagnostics on standard error
+  bool mapped = false;   // get, set and watch through the unit's parameter mapper
   Command command = Command::kHelp;
   std::vector<std::string> operands;
   unsigned int count = 0;  // watch --count; 0: until interrupted

@@ -11,6 +11,7 @@
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
+#include "configctl/mapping_commands.h"
 #include "configctl/watch.h"
 
 namespace configctl {
@@ -51,6 +52,10 @@ int RunCommand(const Arguments& arguments) {
       return RunDescribe(arguments);
     case Command::kList:
       return RunList(arguments);
+    case Command::kMap:
+      return RunMap(arguments);
+    case Command::kExportMapping:
+      return RunExportMapping(arguments);
     case Command::kHelp:
       break;
   }
@@ -64,6 +69,7 @@ int RunGet(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
+  if (arguments.mapped) client = link.Map(client, nullptr);
   int status = kExitOk;
   for (ParamDescriptor* descriptor : descriptors) {
     ParamValue value;
@@ -92,6 +98,7 @@ int RunSet(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
+  if (arguments.mapped) client = link.Map(client, nullptr);
   ParamValue before;
   if (!ReadValue(client, descriptor, before)) {
     Console::Error("configd gave no value for %s", name.c_str());

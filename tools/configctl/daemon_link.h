@@ -8,22 +8,16 @@
 #ifndef TOOLS_CONFIGCTL_DAEMON_LINK_H
 #define TOOLS_CONFIGCTL_DAEMON_LINK_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "config/access/socket_factory.h"
+#include "config/mapper/param_mapper.h"
 #include "configctl/parameters.h"
 
 class Config;
 class ParamDescriptor;
-
-namespace zyn {
-namespace config {
-namespace access {
-class SocketClient;
-}  // namespace access
-}  // namespace config
-}  // namespace zyn
 
 namespace configctl {
 
@@ -36,14 +30,19 @@ class DaemonLink {
 
   // A new connected client, owned by the link; null after reporting that
   // configd cannot be reached at the URI.
-  zyn::config::access::SocketClient* Open();
+  Config* Open();
+  // `requests` seen through the unit's parameter mapper, hearing changes on
+  // `events` (null: none). Owned by the link, destroyed before its clients.
+  Config* Map(Config* requests, Config* events);
 
   const std::string& GetUri() const { return _uri; }
 
  private:
   std::string _uri;
   zyn::config::access::SocketFactory _factory;  // outlives the clients
-  std::vector<zyn::config::access::SocketClient*> _clients;
+  std::vector<Config*> _clients;
+  std::vector<std::unique_ptr<Config>> _mapped;  // MappingConfigs, over the clients
+  std::vector<std::unique_ptr<zyn::boxline::config::access::ParamMapper>> _mappers;
 };
 
 }  // namespace configctl

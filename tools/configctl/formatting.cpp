@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <map>
-#include <vector>
 
 #include "config/descriptors/decimal_descriptor.h"
 #include "config/descriptors/enum_descriptor.h"
@@ -34,17 +33,18 @@ std::string ValueName(const ParamDescriptor* descriptor, const ParamValue& value
   return entry != nullptr ? entry->GetName() : "";
 }
 
-std::string ValueJsonText(const ParamValue& value) {
-  return value.isString ? JsonString(value.text) : std::to_string(value.number);
+Json ValueOf(const ParamValue& value) {
+  return value.isString ? Json(value.text) : Json(value.number);
 }
 
 // The "param", "id", "value" and "value_name" members.
-JsonObject& AddValueMembers(JsonObject& object, unsigned int id, const ParamDescriptor* descriptor,
-                            const ParamValue& value) {
-  object.AddString("param", ParamName(id, descriptor)).AddNumber("id", id);
-  object.AddRaw("value", ValueJsonText(value));
+Json& AddValueMembers(Json& object, unsigned int id, const ParamDescriptor* descriptor,
+                      const ParamValue& value) {
+  object["param"] = ParamName(id, descriptor);
+  object["id"] = id;
+  object["value"] = ValueOf(value);
   std::string name = ValueName(descriptor, value);
-  if (!name.empty()) object.AddString("value_name", name);
+  if (!name.empty()) object["value_name"] = name;
   return object;
 }
 
@@ -176,8 +176,8 @@ std::string ValueLine(unsigned int id, const ParamDescriptor* descriptor, const 
 }
 
 std::string ValueJson(unsigned int id, const ParamDescriptor* descriptor, const ParamValue& value) {
-  JsonObject object;
-  return AddValueMembers(object, id, descriptor, value).Str();
+  Json object;
+  return JsonText(AddValueMembers(object, id, descriptor, value));
 }
 
 std::string EventLine(const timeval& when, unsigned int id, const ParamDescriptor* descriptor,
@@ -187,9 +187,9 @@ std::string EventLine(const timeval& when, unsigned int id, const ParamDescripto
 
 std::string EventJson(const timeval& when, unsigned int id, const ParamDescriptor* descriptor,
                       const ParamValue& value) {
-  JsonObject object;
-  object.AddString("time", TimeText(when));
-  return AddValueMembers(object, id, descriptor, value).Str();
+  Json object;
+  object["time"] = TimeText(when);
+  return JsonText(AddValueMembers(object, id, descriptor, value));
 }
 
 std::string SetLine(ParamDescriptor* descriptor, const ParamValue& requested,
@@ -212,11 +212,11 @@ std::string SetLine(ParamDescriptor* descriptor, const ParamValue& requested,
 
 std::string SetJson(ParamDescriptor* descriptor, const ParamValue& requested,
                     const ParamValue& stored, SetOutcome outcome) {
-  JsonObject object;
+  Json object;
   AddValueMembers(object, descriptor->GetParamID(), descriptor, stored);
-  object.AddRaw("requested", ValueJsonText(requested));
-  object.AddString("result", OutcomeName(outcome));
-  return object.Str();
+  object["requested"] = ValueOf(requested);
+  object["result"] = OutcomeName(outcome);
+  return JsonText(object);
 }
 
 std::string MenuNumber(const ParamDescriptor* descriptor) {
@@ -287,56 +287,51 @@ std::string DescribeText(ParamDescriptor* descriptor) {
 }
 
 std::string DescribeJson(ParamDescriptor* descriptor) {
-  JsonObject object;
-  object.AddString("param", descriptor->GetParamIDName())
-      .AddNumber("id", descriptor->GetParamID())
-      .AddString("name", descriptor->GetName())
-      .AddString("short_name", descriptor->GetShortName())
-      .AddString("kind", KindName(descriptor))
-      .AddNumber("type", static_cast<unsigned int>(descriptor->GetParamType()));
+  Json object;
+  object["param"] = descriptor->GetParamIDName();
+  object["id"] = descriptor->GetParamID();
+  object["name"] = descriptor->GetName();
+  object["short_name"] = descriptor->GetShortName();
+  object["kind"] = KindName(descriptor);
+  object["type"] = static_cast<unsigned int>(descriptor->GetParamType());
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor)) {
-    object.AddNumber("min", integer->GetMinValue())
-        .AddNumber("max", integer->GetMaxValue())
-        .AddNumber("default", integer->GetFactoryDefault())
-        .AddString("units", integer->GetUnits());
+    object["min"] = integer->GetMinValue();
+    object["max"] = integer->GetMaxValue();
+    object["default"] = integer->GetFactoryDefault();
+    object["units"] = integer->GetUnits();
     if (auto* decimal = dynamic_cast<DecimalDescriptor*>(descriptor))
-      object.AddNumber("precision", decimal->GetPrecision());
+      object["precision"] = decimal->GetPrecision();
   }
   if (auto* enumeration = dynamic_cast<EnumDescriptor*>(descriptor)) {
-    std::vector<std::string> values;
+    Json values = Json::array();
     for (const EnumValueDescriptor& entry : enumeration->GetOrderedEnumValueDescriptors()) {
-      values.push_back(JsonObject()
-                           .AddNumber("value", entry.GetValue())
-                           .AddString("name", entry.GetName())
-                           .AddString("short_name", entry.GetShortName())
-                           .Str());
+      values.push_back(Json{{"value", entry.GetValue()},
+                            {"name", entry.GetName()},
+                            {"short_name", entry.GetShortName()}});
     }
-    object.AddRaw("values", JsonArray(values));
+    object["values"] = values;
   }
   if (auto* text = dynamic_cast<StringDescriptor*>(descriptor)) {
-    object.AddNumber("min_length", text->GetMinLength())
-        .AddNumber("max_length", text->GetMaxLength())
-        .AddString("default", text->GetFactoryDefault());
+    object["min_length"] = text->GetMinLength();
+    object["max_length"] = text->GetMaxLength();
+    object["default"] = text->GetFactoryDefault();
   }
-  object.AddString("persistence", PersistenceName(descriptor->GetPersistenceType()))
-      .AddString("register", RegisterName(descriptor->GetRegisterType()))
-      .AddString("factory_reset", FactoryResetName(descriptor->GetFactoryResetType()));
-  std::vector<std::string> classes;
-  for (const std::string& name : descriptor->GetClassNames()) classes.push_back(JsonString(name));
-  object.AddRaw("class_names", JsonArray(classes));
+  object["persistence"] = PersistenceName(descriptor->GetPersistenceType());
+  object["register"] = RegisterName(descriptor->GetRegisterType());
+  object["factory_reset"] = FactoryResetName(descriptor->GetFactoryResetType());
+  object["class_names"] = descriptor->GetClassNames();
   std::map<std::string, unsigned int> numbers;
   std::map<std::string, std::string> texts;
   descriptor->GetAttributes(numbers);
   descriptor->GetAttributes(texts);
-  JsonObject numberAttributes;
+  object["int_attributes"] = Json::object();
   for (const auto& attribute : numbers)
-    numberAttributes.AddNumber(attribute.first, attribute.second);
-  JsonObject textAttributes;
-  for (const auto& attribute : texts) textAttributes.AddString(attribute.first, attribute.second);
-  object.AddRaw("int_attributes", numberAttributes.Str())
-      .AddRaw("string_attributes", textAttributes.Str())
-      .AddString("menu_number", MenuNumber(descriptor));
-  return object.Str();
+    object["int_attributes"][attribute.first] = attribute.second;
+  object["string_attributes"] = Json::object();
+  for (const auto& attribute : texts)
+    object["string_attributes"][attribute.first] = attribute.second;
+  object["menu_number"] = MenuNumber(descriptor);
+  return JsonText(object);
 }
 
 std::string ListRow(const ParamDescriptor* descriptor, size_t nameWidth, bool withMenu) {
@@ -349,12 +344,12 @@ std::string ListRow(const ParamDescriptor* descriptor, size_t nameWidth, bool wi
 }
 
 std::string ListJson(const ParamDescriptor* descriptor, bool withMenu) {
-  JsonObject object;
-  object.AddString("param", descriptor->GetParamIDName())
-      .AddNumber("id", descriptor->GetParamID())
-      .AddString("name", descriptor->GetName());
-  if (withMenu) object.AddString("menu_number", MenuNumber(descriptor));
-  return object.Str();
+  Json object;
+  object["param"] = descriptor->GetParamIDName();
+  object["id"] = descriptor->GetParamID();
+  object["name"] = descriptor->GetName();
+  if (withMenu) object["menu_number"] = MenuNumber(descriptor);
+  return JsonText(object);
 }
 
 }  // namespace configctl

@@ -1,7 +1,5 @@
 #include "configctl/json.h"
 
-#include <cstdio>
-
 namespace configctl {
 
 namespace {
@@ -9,6 +7,7 @@ namespace {
 // The length of the valid UTF-8 sequence that starts at text[i], or 0.
 size_t Utf8SequenceLength(const std::string& text, size_t i) {
   unsigned char lead = static_cast<unsigned char>(text[i]);
+  if (lead < 0x80) return 1;
   size_t length;
   unsigned int min;  // the smallest code point of that length (no overlong forms)
   unsigned int code;
@@ -31,88 +30,45 @@ size_t Utf8SequenceLength(const std::string& text, size_t i) {
   return length;
 }
 
-void AppendEscape(std::string& out, unsigned int code) {
-  char escape[8];
-  snprintf(escape, sizeof escape, "\\u%04x", code);
-  out += escape;
+// `text` with each byte outside valid UTF-8 replaced by the UTF-8 form of
+// the character of that number.
+std::string ValidUtf8(const std::string& text) {
+  std::string out;
+  out.reserve(text.size());
+  for (size_t i = 0; i < text.size();) {
+    size_t length = Utf8SequenceLength(text, i);
+    if (length != 0) {
+      out.append(text, i, length);
+      i += length;
+      continue;
+    }
+    unsigned char byte = static_cast<unsigned char>(text[i++]);
+    out += static_cast<char>(0xC0 | (byte >> 6));
+    out += static_cast<char>(0x80 | (byte & 0x3F));
+  }
+  return out;
+}
+
+Json WithValidUtf8(const Json& value) {
+  if (value.is_string()) return ValidUtf8(value.get_ref<const std::string&>());
+  if (value.is_array()) {
+    Json out = Json::array();
+    for (const Json& element : value) out.push_back(WithValidUtf8(element));
+    return out;
+  }
+  if (value.is_object()) {
+    Json out = Json::object();
+    for (auto it = value.begin(); it != value.end(); ++it)
+      out[ValidUtf8(it.key())] = WithValidUtf8(it.value());
+    return out;
+  }
+  return value;
 }
 
 }  // namespace
 
-std::string JsonString(const std::string& text) {
-  std::string out = "\"";
-  for (size_t i = 0; i < text.size();) {
-    unsigned char c = static_cast<unsigned char>(text[i]);
-    if (c >= 0x80) {
-      size_t length = Utf8SequenceLength(text, i);
-      if (length == 0) {
-        AppendEscape(out, c);
-        ++i;
-      } else {
-        out.append(text, i, length);
-        i += length;
-      }
-      continue;
-    }
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      default:
-        if (c < 0x20 || c == 0x7F) {
-          AppendEscape(out, c);
-        } else {
-          out += static_cast<char>(c);
-        }
-    }
-    ++i;
-  }
-  out += '"';
-  return out;
+std::string JsonText(const Json& value) {
+  return WithValidUtf8(value).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
-
-std::string JsonArray(const std::vector<std::string>& elements) {
-  std::string out = "[";
-  for (size_t i = 0; i < elements.size(); ++i) {
-    if (i > 0) out += ',';
-    out += elements[i];
-  }
-  out += ']';
-  return out;
-}
-
-JsonObject& JsonObject::AddString(const std::string& key, const std::string& text) {
-  return AddRaw(key, JsonString(text));
-}
-
-JsonObject& JsonObject::AddNumber(const std::string& key, unsigned long long number) {
-  return AddRaw(key, std::to_string(number));
-}
-
-JsonObject& JsonObject::AddBool(const std::string& key, bool value) {
-  return AddRaw(key, value ? "true" : "false");
-}
-
-JsonObject& JsonObject::AddRaw(const std::string& key, const std::string& json) {
-  if (!_members.empty()) _members += ',';
-  _members += JsonString(key);
-  _members += ':';
-  _members += json;
-  return *this;
-}
-
-std::string JsonObject::Str() const { return "{" + _members + "}"; }
 
 }  // namespace configctl

@@ -1,38 +1,23 @@
-// configctl's JSON output: a string escaper and a builder of one object whose
-// members keep the order they were added in. Members take values already
-// rendered as JSON, so objects and arrays nest. Nothing here parses JSON.
+// configctl's JSON output, built with nlohmann-json. Json objects keep their
+// members in the order they were added; JsonText writes a value compactly on
+// one line. Nothing here parses JSON.
 //
 // Plain values; no shared state.
 #ifndef TOOLS_CONFIGCTL_JSON_H
 #define TOOLS_CONFIGCTL_JSON_H
 
+#include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 namespace configctl {
 
-// `text` as a JSON string literal, quotes included. Valid UTF-8 is kept as
-// it is; quotes, backslashes and control characters are escaped, and a byte
-// that is not part of valid UTF-8 is written as the \u escape of its number,
-// so the result is always valid JSON.
-std::string JsonString(const std::string& text);
+typedef nlohmann::ordered_json Json;
 
-// "[e1,e2,...]" from rendered elements.
-std::string JsonArray(const std::vector<std::string>& elements);
-
-class JsonObject {
- public:
-  JsonObject& AddString(const std::string& key, const std::string& text);
-  JsonObject& AddNumber(const std::string& key, unsigned long long number);
-  JsonObject& AddBool(const std::string& key, bool value);
-  // `json` must be a rendered JSON value.
-  JsonObject& AddRaw(const std::string& key, const std::string& json);
-  // The object, "{...}".
-  std::string Str() const;
-
- private:
-  std::string _members;
-};
+// `value` as one line of JSON. Valid UTF-8 in strings and keys is written
+// as it is; a byte that is not part of valid UTF-8 stands for the character
+// of the same number (U+0080 to U+00FF), so every byte a string parameter
+// may hold survives and the result is always valid JSON.
+std::string JsonText(const Json& value);
 
 }  // namespace configctl
 

@@ -75,7 +75,7 @@ int RunWatch(const Arguments& arguments) {
 
   ChangeQueue queue;  // outlives the link's clients
   DaemonLink link(arguments.uri);
-  zyn::config::access::SocketClient* events = link.Open();
+  Config* events = link.Open();
   if (events == nullptr) return kExitFailure;
   Config* requests = link.Open();
   if (requests == nullptr) return kExitFailure;
@@ -88,12 +88,15 @@ int RunWatch(const Arguments& arguments) {
     if (!ids.empty()) probe = GetDescriptor(ids[0]);
   }
 
+  // Mapped, the watch hears the changes of the parameters as the mapper
+  // presents them; the events client then carries every change.
+  Config* watched = arguments.mapped ? link.Map(requests, events) : events;
   if (descriptors.empty()) {
-    events->AddConfigEventListener(&queue);
+    watched->AddConfigEventListener(&queue);
   } else {
     std::list<eParam_t> ids;
     for (const ParamDescriptor* descriptor : descriptors) ids.push_back(descriptor->GetParamID());
-    events->AddConfigEventListener(ids, &queue);
+    watched->AddConfigEventListener(ids, &queue);
   }
 
   int status = kExitOk;
@@ -124,7 +127,7 @@ int RunWatch(const Arguments& arguments) {
       }
     }
   }
-  events->RemoveConfigEventListener(&queue);
+  watched->RemoveConfigEventListener(&queue);
   return status;
 }
 

@@ -294,6 +294,8 @@ bool SocketClient::UnregisterForEvents() {
   XCONFIGMGR_HEADER_T header;
   {
     SemaphoreHelper lock(_semaphore);
+    // After a Disconnect the owner has closed the connection: nothing to end.
+    if (_disconnected) return false;
     XCONFIGMGR_EVENT_HANDLER_REQUEST_T request{
         MakeHeader(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, _connection_id, NextRequestID(), 0),
         0};
@@ -326,8 +328,9 @@ bool SocketClient::ConfirmDisconnect() {
   Pack(request, bytes);
   ConnectionUtilities::Dump(request);
   if (!ConnectionExchange(bytes, sizeof bytes, request.header, response)) return false;
-  return response.header.msgtype == XCFG_DISCONNECT_RESPONSE &&
-         IsValidResponse(request.header, response.header) && response.error == 0;
+  _disconnected = response.header.msgtype == XCFG_DISCONNECT_RESPONSE &&
+                  IsValidResponse(request.header, response.header) && response.error == 0;
+  return _disconnected;
 }
 
 bool SocketClient::ConnectionExchange(const char* request, size_t length,

@@ -122,6 +122,7 @@ class SocketClient : public Config, public Runnable, public EventLossCounter {
   eConfigID_t _config_id;
   std::list<ConfigEventListener*> _listeners;  // guarded by _listener_lock
   bool _registered;                            // guarded by *_semaphore
+  bool _disconnected = false;                  // guarded by *_semaphore
   pthread_t _events_thread;
   bool _events_started;                     // a thread to join
   std::atomic<bool> _events_reading;        // the events thread reads the socket

@@ -10,6 +10,7 @@
 #include "config/access/stream_io.h"
 #include "config/access/url.h"
 #include "config/access/xconfigmgr_records.h"
+#include "config/manager/config_cache.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -22,7 +23,7 @@ SocketFactory::SocketFactory() : _request_counter(0) {
 
 SocketFactory::~SocketFactory() { SemaphoreHelper::DestroySemaphore(&_semaphore); }
 
-SocketClient* SocketFactory::Connect(std::string uri) {
+Config* SocketFactory::Connect(std::string uri) {
   url parts;
   parts.parse(uri);
   int port = kXConfigPort;
@@ -40,6 +41,20 @@ SocketClient* SocketFactory::Connect(std::string uri) {
     fprintf(stderr, "SocketFactory::Connect - connecting to configid %d\n", configID);
   }
 
+  eConfigID_t id = static_cast<eConfigID_t>(configID);
+  SocketClient* client = Open(host, port, id);
+  if (client == nullptr || uri.find("caching=true") == std::string::npos) return client;
+  // The cache's events need a connection of their own: a client with
+  // listeners reads every record on its connection.
+  SocketClient* events = Open(host, port, id);
+  if (events == nullptr) {
+    Disconnect(client);
+    return nullptr;
+  }
+  return new ConfigCache(client, events);
+}
+
+SocketClient* SocketFactory::Open(const std::string& host, int port, eConfigID_t configID) {
   unsigned int connectionID = ConnectionUtilities::GetConnectionID();
   Socket* socket = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!socket->create()) {
@@ -53,14 +68,13 @@ SocketClient* SocketFactory::Connect(std::string uri) {
     delete socket;
     return nullptr;
   }
-  eConfigID_t id = static_cast<eConfigID_t>(configID);
-  if (!ConfirmConnection(socket, connectionID, id)) {
+  if (!ConfirmConnection(socket, connectionID, configID)) {
     fprintf(stderr, "SocketFactory::Connect - failed to confirm connection with host %s\n",
             host.c_str());
     delete socket;
     return nullptr;
   }
-  return new SocketClient(connectionID, socket, &_semaphore, _request_counter, id);
+  return new SocketClient(connectionID, socket, &_semaphore, _request_counter, configID);
 }
 
 bool SocketFactory::ConfirmConnection(Socket* socket, unsigned int connectionID,
@@ -115,8 +129,24 @@ bool SocketFactory::ConnectionExchange(Socket* socket, uint32_t msgtype, uint32_
   return true;
 }
 
-void SocketFactory::Disconnect(SocketClient* client) {
-  if (client == nullptr) return;
+void SocketFactory::Disconnect(Config* config) {
+  if (config == nullptr) return;
+  if (ConfigCache* cache = dynamic_cast<ConfigCache*>(config)) {
+    // Goodbye on both connections first: removing the cache's listener, as
+    // its destructor does, closes the events connection.
+    auto goodbye = [](Config* part) {
+      if (SocketClient* client = dynamic_cast<SocketClient*>(part)) client->ConfirmDisconnect();
+    };
+    goodbye(cache->GetConfig());
+    if (cache->GetEvents() != cache->GetConfig()) goodbye(cache->GetEvents());
+    delete cache;
+    return;
+  }
+  SocketClient* client = dynamic_cast<SocketClient*>(config);
+  if (client == nullptr) {
+    fprintf(stderr, "SocketFactory::Disconnect - not a client of this factory\n");
+    return;
+  }
   client->ConfirmDisconnect();
   delete client;
 }

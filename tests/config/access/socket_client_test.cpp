@@ -68,7 +68,7 @@ class SocketClientTest : public testing::Test {
   }
   SocketClient* Open() {
     testing::internal::CaptureStderr();
-    SocketClient* client = factory.Connect(uri);
+    SocketClient* client = dynamic_cast<SocketClient*>(factory.Connect(uri));
     testing::internal::GetCapturedStderr();
     EXPECT_NE(nullptr, client);
     return client;
@@ -111,7 +111,7 @@ TEST_F(SocketClientTest, RequestsInOrder) {
 
 TEST_F(SocketClientTest, ConnectMessages) {
   testing::internal::CaptureStderr();
-  SocketClient* client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port));
+  Config* client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port));
   std::string err = testing::internal::GetCapturedStderr();
   ASSERT_NE(nullptr, client);
   EXPECT_EQ(0, client->GetConfigID());

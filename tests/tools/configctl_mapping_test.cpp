@@ -1,0 +1,45 @@
+// configctl's map, with the selectors configd holds, and export-mapping.
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tools_fixture.h"
+
+using namespace tools_test;
+
+TEST_F(ConfigctlDaemonTest, MapFollowsTheSelectorsConfigdHolds) {
+  Outcome before = Ctl({"map", "Vid1YUVProcAmpGain", "IPAddress", "FrontPanelLock"});
+  EXPECT_EQ(0, before.exitCode);
+  EXPECT_EQ("", before.err);  // nor the mapper's build lines
+  EXPECT_EQ(
+      "eParamID_Vid1YUVProcAmpGain -> eParamID_Vid1YUVProcAmpGain_SDI1\n"
+      "eParamID_IPAddress -> eParamID_IPAddress_DHCP\n"
+      "eParamID_FrontPanelLock -> eParamID_FrontPanelLock\n",
+      before.out);
+  ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
+  ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain -> eParamID_Vid1YUVProcAmpGain_HDMI\n",
+            Ctl({"map", "Vid1YUVProcAmpGain"}).out);
+  EXPECT_EQ(
+      "{\"param\":\"eParamID_SubnetMask\",\"id\":4087209610,\"maps_to\":"
+      "\"eParamID_SubnetMask_Static\",\"maps_to_id\":1115367906}\n",
+      Ctl({"--json", "map", "SubnetMask"}).out);
+}
+
+TEST(ConfigctlTest, ExportMappingWritesTheTablesWithoutADaemon) {
+  char path[] = "/tmp/configctl_mapping_XXXXXX";
+  ASSERT_EQ(0, close(mkstemp(path)));
+  Outcome written = RunToEnd({CONFIGCTL_PATH, "export-mapping", path});
+  nlohmann::json tables = nlohmann::json::parse(std::ifstream(path), nullptr, false);
+  unlink(path);
+  EXPECT_EQ(0, written.exitCode);
+  EXPECT_EQ("", written.out + written.err);
+  EXPECT_EQ(24u, tables["forward_maps"].size());
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI",
+            tables["forward_maps"]["0x883AD0D9"]["param_maps"][6]["param"]);
+  Outcome failed = RunToEnd({CONFIGCTL_PATH, "export-mapping", "/nonexistent/m.json"});
+  EXPECT_EQ(1, failed.exitCode);
+  EXPECT_EQ("configctl: cannot write the mapping tables to /nonexistent/m.json\n", failed.err);
+}
