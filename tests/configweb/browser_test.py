@@ -9,8 +9,10 @@ Exits 77 (skipped) when Chromium, its driver or Selenium cannot be had.
 """
 import json
 import os
+import shutil
 import subprocess
 import sys
+import tempfile
 import time
 import urllib.request
 
@@ -62,8 +64,10 @@ def main():
 
     children = []
     driver = None
+    state = tempfile.mkdtemp(prefix="configweb-browser-")
     try:
-        configd = subprocess.Popen([configd_path, "--port", "0"], stdout=subprocess.PIPE,
+        configd = subprocess.Popen([configd_path, "--port", "0", "--state-dir", state],
+                                   stdout=subprocess.PIPE,
                                    stderr=subprocess.DEVNULL, text=True)
         children.append(configd)
         uri = "socket://127.0.0.1:" + ready_line(configd, "configd: ready on port").split()[-1]
@@ -134,6 +138,7 @@ def main():
                 child.wait(timeout=DEADLINE_S)
             except subprocess.TimeoutExpired:
                 child.kill()
+        shutil.rmtree(state, ignore_errors=True)
 
 
 if __name__ == "__main__":

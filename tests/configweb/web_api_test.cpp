@@ -159,7 +159,8 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
 
   daemon.process = std::make_unique<tools_test::ChildProcess>();
-  ASSERT_TRUE(daemon.process->Start({CONFIGD_PATH, "--port", std::to_string(daemon.port)}));
+  ASSERT_TRUE(daemon.process->Start(
+      {CONFIGD_PATH, "--port", std::to_string(daemon.port), "--state-dir", daemon.state.path}));
   std::string ready;
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
@@ -193,4 +194,24 @@ TEST(ListenAddressTest, AddressAndPortAreSplitAndChecked) {
   EXPECT_EQ("::1", address);
   for (const char* bad : {"127.0.0.1", ":80", "127.0.0.1:", "127.0.0.1:65536", "h:-1", "[]:80"})
     EXPECT_FALSE(configweb::ParseListenAddress(bad, address, port)) << bad;
+}
+
+TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
+  const std::string param = "/api/params/AnalogVideoInputSelect";  // kept in presets
+  ASSERT_EQ(200, Put(param, "{\"value\":\"Component\"}").status);
+  HttpReply saved = Request(server->GetPort(), "POST", "/api/presets/3/save");
+  EXPECT_EQ(200, saved.status) << saved.body;
+  EXPECT_EQ("Store Complete", saved.json.get<std::string>("result", ""));
+  ASSERT_EQ(200, Put(param, "{\"value\":\"Composite\"}").status);
+  HttpReply recalled = Request(server->GetPort(), "POST", "/api/presets/3/recall");
+  EXPECT_EQ(200, recalled.status) << recalled.body;
+  EXPECT_EQ("Recall Complete", recalled.json.get<std::string>("result", ""));
+  EXPECT_EQ("Component", Get(param).json.get<std::string>("value_name", ""));
+
+  HttpReply empty = Request(server->GetPort(), "POST", "/api/presets/7/recall");
+  EXPECT_EQ(409, empty.status) << empty.body;
+  EXPECT_EQ("Preset Empty", empty.json.get<std::string>("result", ""));
+  EXPECT_EQ(400, Request(server->GetPort(), "POST", "/api/presets/41/save").status);
+  EXPECT_EQ(404, Request(server->GetPort(), "POST", "/api/presets/3/erase").status);
+  EXPECT_EQ(405, Get("/api/presets/3/save").status);
 }

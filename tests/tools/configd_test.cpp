@@ -63,9 +63,15 @@ TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
 TEST(ConfigdTest, CommandLine) {
   Outcome help = RunToEnd({CONFIGD_PATH, "--help"});
   EXPECT_EQ(0, help.exitCode);
-  EXPECT_EQ(0u, help.out.find("Usage: configd [--port N]"));
-  for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
-           {"--port"}, {"--port", "http"}, {"--port", "65536"}, {"--port", "-1"}, {"--daemon"}}) {
+  EXPECT_EQ(0u, help.out.find("Usage: configd [--port N] [--state-dir DIR] [--flush-ms N]"));
+  for (std::vector<std::string> args : std::vector<std::vector<std::string>>{{"--port"},
+                                                                             {"--port", "http"},
+                                                                             {"--port", "65536"},
+                                                                             {"--port", "-1"},
+                                                                             {"--daemon"},
+                                                                             {"--flush-ms", "0"},
+                                                                             {"--flush-ms=60001"},
+                                                                             {"--state-dir="}}) {
     args.insert(args.begin(), CONFIGD_PATH);
     Outcome outcome = RunToEnd(args);
     EXPECT_EQ(2, outcome.exitCode) << args.back();

@@ -12,6 +12,7 @@
 
 #include "child_process.h"
 #include "config/descriptors/param_descriptors.h"
+#include "test_temp_folder.h"
 
 namespace tools_test {
 
@@ -24,16 +25,19 @@ constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
 constexpr unsigned int kSystemName = 0x663F2B65;
 constexpr const char* kClampedParam = "eParamID_DisplayIntensity";
 
-// A configd child on a free port.
+// A configd child on a free port, its state in a folder of its own.
 class Daemon {
  public:
   // Starts configd and waits for its ready line; a port taken between
   // FreePort and the bind is retried.
-  bool Start() {
+  bool Start(std::vector<std::string> extra = {}) {
     for (int attempt = 0; attempt < 5; ++attempt) {
       port = FreePort();
       process = std::make_unique<ChildProcess>();
-      if (!process->Start({CONFIGD_PATH, "--port", std::to_string(port)})) return false;
+      std::vector<std::string> args = {CONFIGD_PATH, "--port", std::to_string(port), "--state-dir",
+                                       state.path};
+      args.insert(args.end(), extra.begin(), extra.end());
+      if (!process->Start(args)) return false;
       if (process->ReadLine(readyLine, kStartMs)) return true;
       Outcome failed = process->Wait(kStopMs);
       if (failed.exitCode != 1) {
@@ -49,6 +53,7 @@ class Daemon {
   }
   std::string Uri() const { return "socket://127.0.0.1:" + std::to_string(port); }
 
+  TempFolder state;
   int port = 0;
   std::string readyLine;
   std::unique_ptr<ChildProcess> process;

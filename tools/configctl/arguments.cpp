@@ -25,6 +25,8 @@ constexpr CommandName kCommands[] = {
     {"list", Command::kList, 0, 0, "list [--group N]"},
     {"map", Command::kMap, 1, kAny, "map PARAM..."},
     {"export-mapping", Command::kExportMapping, 1, 1, "export-mapping FILE"},
+    {"preset", Command::kPreset, 1, 3, "preset save|recall|list|export|import ..."},
+    {"factory-reset", Command::kFactoryReset, 0, 0, "factory-reset [--hard]"},
     {"help", Command::kHelp, 0, 0, "help"},
 };
 
@@ -55,6 +57,14 @@ const char* UsageText() {
          "                                under the selectors configd holds\n"
          "  export-mapping FILE           write the generic-to-specific mapping tables\n"
          "                                to FILE as JSON\n"
+         "  preset save N [--name TEXT]   save the preset settings as preset N (1-40)\n"
+         "  preset recall N               apply preset N (0: the factory values)\n"
+         "  preset list                   each preset's number, name, saved or empty\n"
+         "  preset export N FILE          write preset N's image to FILE\n"
+         "  preset import N FILE          take FILE's image in as preset N\n"
+         "  factory-reset [--hard]        return the settings to their factory values\n"
+         "                                (--hard: also network identity, panel lock,\n"
+         "                                system name, and clear every saved preset)\n"
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
@@ -97,7 +107,7 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       value = arg.substr(equals + 1);
       hasValue = true;
     }
-    bool takesValue = name == "--uri" || name == "--count" || name == "--group";
+    bool takesValue = name == "--uri" || name == "--count" || name == "--group" || name == "--name";
     if (!takesValue && hasValue) {
       error = "option " + name + " takes no value";
       return false;
@@ -136,6 +146,11 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       }
       out.group = static_cast<int>(group);
       out.hasGroup = true;
+    } else if (name == "--name") {
+      out.name = value;
+      out.hasName = true;
+    } else if (name == "--hard") {
+      out.hard = true;
     } else {
       error = "unknown option '" + arg + "'";
       return false;
@@ -172,6 +187,14 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (out.hasGroup && out.command != Command::kList) {
     error = "--group belongs to list";
+    return false;
+  }
+  if (out.hasName && (out.command != Command::kPreset || out.operands[0] != "save")) {
+    error = "--name belongs to preset save";
+    return false;
+  }
+  if (out.hard && out.command != Command::kFactoryReset) {
+    error = "--hard belongs to factory-reset";
     return false;
   }
   if (out.uri.rfind("socket://", 0) != 0) {

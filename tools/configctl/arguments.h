@@ -19,7 +19,18 @@ constexpr int kExitUsage = 2;    // the command line itself is wrong
 
 constexpr const char* kDefaultUri = "socket://127.0.0.1:43110";
 
-enum class Command { kHelp, kGet, kSet, kWatch, kDescribe, kList, kMap, kExportMapping };
+enum class Command {
+  kHelp,
+  kGet,
+  kSet,
+  kWatch,
+  kDescribe,
+  kList,
+  kMap,
+  kExportMapping,
+  kPreset,
+  kFactoryReset
+};
 
 struct Arguments {
   std::string uri = kDefaultUri;
@@ -31,6 +42,9 @@ struct Arguments {
   unsigned int count = 0;  // watch --count; 0: until interrupted
   bool hasGroup = false;   // list --group
   int group = 0;
+  bool hasName = false;  // preset save --name
+  std::string name;
+  bool hard = false;  // factory-reset --hard
 };
 
 // Fills `out` from argv. Options may stand anywhere; "--" ends them. False

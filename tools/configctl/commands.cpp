@@ -12,6 +12,7 @@
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
 #include "configctl/mapping_commands.h"
+#include "configctl/presets.h"
 #include "configctl/watch.h"
 
 namespace configctl {
@@ -56,6 +57,10 @@ int RunCommand(const Arguments& arguments) {
       return RunMap(arguments);
     case Command::kExportMapping:
       return RunExportMapping(arguments);
+    case Command::kPreset:
+      return RunPreset(arguments);
+    case Command::kFactoryReset:
+      return RunFactoryReset(arguments);
     case Command::kHelp:
       break;
   }

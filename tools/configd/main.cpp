@@ -1,6 +1,7 @@
-// configd: the settings-owner daemon. Serves the unit's settings store to
-// the other processes over the local socket protocol until SIGINT or
-// SIGTERM.
+// configd: the settings-owner daemon. Keeps the unit's settings across
+// restarts and power cuts, answers the preset and factory-reset commands,
+// and serves the settings store to the other processes over the local
+// socket protocol until SIGINT or SIGTERM.
 //
 // DESIGN: the stop signals are blocked in the main thread before any other
 // thread exists, so every thread inherits the mask and the signals stay
@@ -21,27 +22,71 @@ namespace {
 
 constexpr int kExitUsage = 2;
 
+// The state folder when none is given: per user, so that a plain
+// ./scripts/run works on a fresh machine; the installed service names
+// /var/lib/configd.
+std::string DefaultStateDir() {
+  const char* home = getenv("HOME");
+  if (home == nullptr || *home == '\0') return "/var/lib/configd";
+  return std::string(home) + "/.local/state/configd";
+}
+
 void PrintUsage(FILE* out) {
   fprintf(out,
-          "Usage: configd [--port N]\n"
+          "Usage: configd [--port N] [--state-dir DIR] [--flush-ms N]\n"
           "Owns the unit's settings and serves them on 127.0.0.1 and every other\n"
           "interface, port N (default %d), until SIGINT or SIGTERM.\n"
           "\n"
-          "  --port N   the TCP port to listen on (0 lets the system choose)\n"
-          "  --help     this text\n",
+          "  --port N         the TCP port to listen on (0 lets the system choose)\n"
+          "  --state-dir DIR  where the settings and presets are kept, created if\n"
+          "                   missing (default $HOME/.local/state/configd, or\n"
+          "                   /var/lib/configd without HOME)\n"
+          "  --flush-ms N     the longest a changed setting waits to be written\n"
+          "                   (1 to 60000, default 100)\n"
+          "  --help           this text\n",
           kXConfigPort);
 }
 
-// A port number 0..65535 in decimal.
-bool ParsePort(const char* text, int& port) {
+// A decimal number from `min` to `max`.
+bool ParseNumber(const char* text, long min, long max, long& number) {
   if (*text < '0' || *text > '9') return false;
   errno = 0;
   char* end = nullptr;
-  unsigned long value = strtoul(text, &end, 10);
-  if (errno != 0 || *end != '\0' || value > 65535) return false;
-  port = static_cast<int>(value);
+  long value = strtol(text, &end, 10);
+  if (errno != 0 || *end != '\0' || value < min || value > max) return false;
+  number = value;
   return true;
 }
+
+bool SetPort(const char* text, DaemonOptions& options) {
+  long port = 0;
+  if (!ParseNumber(text, 0, 65535, port)) return false;
+  options.port = static_cast<int>(port);
+  return true;
+}
+
+bool SetStateDir(const char* text, DaemonOptions& options) {
+  if (*text == '\0') return false;
+  options.stateDir = text;
+  return true;
+}
+
+bool SetFlushMs(const char* text, DaemonOptions& options) {
+  return ParseNumber(text, 1, 60000, options.flushMs);
+}
+
+// The options that take a value: "--name VALUE" or "--name=VALUE".
+struct Option {
+  const char* name;
+  bool (*set)(const char* value, DaemonOptions& options);
+  const char* what;  // for the error message
+};
+
+constexpr Option kOptions[] = {
+    {"--port", &SetPort, "port"},
+    {"--state-dir", &SetStateDir, "state folder"},
+    {"--flush-ms", &SetFlushMs, "flush interval"},
+};
 
 int UsageError(const std::string& message) {
   fprintf(stderr, "configd: %s\n", message.c_str());
@@ -52,23 +97,31 @@ int UsageError(const std::string& message) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  int port = kXConfigPort;
+  DaemonOptions options;
+  options.port = kXConfigPort;
+  options.stateDir = DefaultStateDir();
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
     if (arg == "--help" || arg == "-h") {
       PrintUsage(stdout);
       return 0;
     }
+    const Option* option = nullptr;
     const char* value = nullptr;
-    if (arg == "--port") {
-      if (i + 1 == argc) return UsageError("--port needs a value");
-      value = argv[++i];
-    } else if (arg.rfind("--port=", 0) == 0) {
-      value = argv[i] + strlen("--port=");
-    } else {
-      return UsageError("unknown argument '" + arg + "'");
+    for (const Option& candidate : kOptions) {
+      size_t length = strlen(candidate.name);
+      if (arg == candidate.name) {
+        if (i + 1 == argc) return UsageError(arg + " needs a value");
+        option = &candidate;
+        value = argv[++i];
+      } else if (arg.compare(0, length, candidate.name) == 0 && arg[length] == '=') {
+        option = &candidate;
+        value = argv[i] + length + 1;
+      }
     }
-    if (!ParsePort(value, port)) return UsageError("invalid port '" + std::string(value) + "'");
+    if (option == nullptr) return UsageError("unknown argument '" + arg + "'");
+    if (!option->set(value, options))
+      return UsageError(std::string("invalid ") + option->what + " '" + value + "'");
   }
 
   sigset_t stopSignals;
@@ -79,8 +132,9 @@ int main(int argc, char** argv) {
   signal(SIGPIPE, SIG_IGN);  // a vanished client is reported by send, not by a signal
 
   ConfigDaemon daemon;
-  if (!daemon.Start(port)) return 1;
-  fprintf(stderr, "configd: serving %zu parameters\n", daemon.GetParamCount());
+  if (!daemon.Start(options)) return 1;
+  fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
+          options.stateDir.c_str());
   printf("configd: ready on port %d\n", daemon.GetPort());
   fflush(stdout);
 

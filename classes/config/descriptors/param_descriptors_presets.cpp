@@ -6,7 +6,10 @@
 // Result parameters take the hand-over states of the preset exchange
 // (presets_param_vector.h): the requester sets "in progress", the owner of
 // the settings answers with done or a failure. So their values are numbered
-// by state, not from 0, and a result at rest reads as done.
+// by state, not from 0, and a result at rest reads as done. The save and
+// store commands take 0 too, so that a request to overwrite the factory
+// preset reaches the owner, which refuses it, instead of being clamped into
+// preset 1.
 #include "config/descriptors/catalogue_builder.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_descriptors_system.h"
@@ -40,13 +43,13 @@ constexpr EnumValue kStoreResults[] = {{kInProgress, "Storing...", "Storing"}, {
 constexpr CatalogueRow kPresetRows[] = {
     Integer(0x05CDE9A4, "eParamID_RegisterRecall", "Recall Preset", "RecllPre").Range(0, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass).Menu(kPresetMenuGroup, "2.1"),
     Enum(0x4000E4C8, "eParamID_RegisterRecallResult", "Recall Result", "RecallR").Values(kRecallResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
-    Integer(0xAAB50096, "eParamID_RegisterSave", "Store Preset", "Pre Stor").Range(1, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass).Menu(kPresetMenuGroup, "2.2"),
+    Integer(0xAAB50096, "eParamID_RegisterSave", "Store Preset", "Pre Stor").Range(0, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass).Menu(kPresetMenuGroup, "2.2"),
     Enum(0x7A9D2C71, "eParamID_RegisterSaveResult", "Store Result", "Store R").Values(kSaveResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
     Enum(0x8D7C3560, "eParamID_RegisterExportResult", "Export Result", "ExptR").Values(kExportResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
     Enum(0x380BDFA0, "eParamID_RegisterImportResult", "Import Result", "ImptR").Values(kImportResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
     Integer(0xCF27576A, "eParamID_RegisterLoad", "Load Preset", "LoadP").Range(0, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass),
     Enum(0xC2FB5816, "eParamID_RegisterLoadResult", "Load Result", "LoadR").Values(kLoadResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
-    Integer(0x8266D0C6, "eParamID_RegisterStore", "Store Preset", "StoreP").Range(1, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass),
+    Integer(0x8266D0C6, "eParamID_RegisterStore", "Store Preset", "StoreP").Range(0, kLastPreset, 1).Store(kVolatile).Classes(kVolatileClass),
     Enum(0xE2755FEE, "eParamID_RegisterStoreResult", "Store Result", "StoreR").Values(kStoreResults).Default(kDone).Store(kVolatile).Classes(kReadonlyVolatile),
 };
 

@@ -1,0 +1,45 @@
+// Shared by the owner's tests: a store of the unit's whole catalogue, a
+// private folder, and two parameters picked by what they are (kept preset
+// settings without dependants: a plain range and an enumeration), so the
+// tests follow the catalogue instead of naming rows.
+#ifndef TESTS_CONFIGD_OWNER_FIXTURE_H
+#define TESTS_CONFIGD_OWNER_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/manager/config_manager.h"
+#include "test_stderr.h"
+#include "test_temp_folder.h"
+
+namespace owner_test {
+
+class OwnerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    CreateDescriptors();
+    Stderr([this] { store.Init(); });
+    for (unsigned int id : GetParamIDs()) {
+      ParamDescriptor* d = GetDescriptor(id);
+      auto* number = dynamic_cast<IntegerDescriptor*>(d);
+      auto* list = dynamic_cast<EnumDescriptor*>(d);
+      if (d->GetPersistenceType() != ePersist || d->GetRegisterType() != eRegister_Include ||
+          !d->GetDependentParamIDs().empty() || !d->GetClassNames().empty() || !number)
+        continue;
+      if (list && choice == 0 && list->GetEnumValueDescriptors().size() >= 2) choice = id;
+      if (!list && range == 0 && number->GetMinValue() + 10 < number->GetMaxValue()) range = id;
+    }
+    ASSERT_TRUE(range != 0 && choice != 0);
+  }
+  IntegerDescriptor* Range() { return dynamic_cast<IntegerDescriptor*>(GetDescriptor(range)); }
+
+  ConfigManager store{eConfigID_Default};
+  unsigned int range = 0;
+  unsigned int choice = 0;
+  TempFolder folder;
+};
+
+}  // namespace owner_test
+
+#endif  // TESTS_CONFIGD_OWNER_FIXTURE_H

@@ -1,0 +1,179 @@
+// Presets, the preset file hand-over, the factory reset and the owner's text
+// check, with the register commands called directly.
+#include "configd/register_handler.h"
+
+#include <fstream>
+#include <map>
+
+#include "config/descriptors/string_descriptor.h"
+#include "config/values/integer_value.h"
+#include "config/values/presets_param_vector.h"
+#include "configd/file_system.h"
+#include "configd/preset_image.h"
+#include "configd/preset_store.h"
+#include "configd/string_length_precondition.h"
+#include "configd/value_image.h"
+#include "owner_fixture.h"
+
+using namespace owner_test;
+using namespace zyn::config::values;
+
+namespace {
+
+constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
+constexpr unsigned int kSystemName = 0x663F2B65;
+constexpr unsigned int kRecallResult = RegisterHandler::kRegisterRecallResult;
+constexpr unsigned int kSaveResult = RegisterHandler::kRegisterSaveResult;
+
+// Counts the events of each parameter.
+struct EventCounter : ConfigEventListener {
+  bool ParamChanged(eParam_t id, unsigned int, timeval) override { return ++events[id]; }
+  bool ParamChanged(eParam_t id, std::string, timeval) override { return ++events[id]; }
+  std::map<unsigned int, int> events;
+};
+
+class RegisterHandlerTest : public OwnerTest {
+ protected:
+  void SetUp() override {
+    OwnerTest::SetUp();
+    auto* list = dynamic_cast<EnumDescriptor*>(GetDescriptor(choice));
+    for (auto& value : list->GetOrderedEnumValueDescriptors())
+      if (value.GetValue() != list->GetFactoryDefault()) other = value.GetValue();
+  }
+  void WriteFile(unsigned int number, const std::string& bytes) {
+    std::ofstream(folder.path + "/preset_" + std::to_string(number) + ".bin") << bytes;
+  }
+
+  PresetStore presets{FileSystem::Default(), folder.path};
+  RegisterHandler handler{&store, &presets, folder.path};
+  unsigned int other = 0;  // a value of `choice` that is not its default
+};
+
+}  // namespace
+
+TEST_F(RegisterHandlerTest, SaveAndRecallOnlyThePresetSettings) {
+  unsigned int low = Range()->GetMinValue();
+  store.Set(range, low + 3);
+  store.Set(choice, other);
+  store.Set(kFrontPanelLock, 1);
+  handler.Save(4);
+  EXPECT_EQ(kRegisterDone, store.Get(kSaveResult));
+  Stderr([&] { handler.Save(0); });
+  EXPECT_EQ(kRegisterFailed, store.Get(kSaveResult)) << "the factory preset stays";
+
+  store.Set(range, low + 4);
+  store.Set(kFrontPanelLock, 0);
+  EventCounter counter;
+  store.AddConfigEventListener(&counter);
+  Stderr([&] { handler.Recall(4); });
+  store.RemoveConfigEventListener(&counter);
+  EXPECT_EQ(kRegisterDone, store.Get(kRecallResult));
+  EXPECT_EQ(low + 3, store.Get(range));
+  EXPECT_EQ(0u, store.Get(kFrontPanelLock)) << "excluded from presets";
+  EXPECT_EQ((std::map<unsigned int, int>{{kRecallResult, 2}, {range, 1}}), counter.events)
+      << "one event per changed value";
+
+  Stderr([&] { handler.Recall(9); });
+  EXPECT_EQ(kRegisterEmpty, store.Get(kRecallResult));
+  Stderr([&] { handler.Recall(0); });
+  EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range));
+  EXPECT_NE(other, store.Get(choice));
+  EXPECT_EQ(1u, PresetStore(FileSystem::Default(), folder.path).Load()) << "kept on disk";
+}
+
+TEST_F(RegisterHandlerTest, RecallIsAllOrNothing) {
+  unsigned int low = Range()->GetMinValue();
+  struct Bad {
+    unsigned int id, value;
+    std::string reason;
+  };
+  for (const Bad& bad : {Bad{choice, 0xBAD, "2989 is not in its list"},
+                         Bad{kFrontPanelLock, 1, "eParamID_FrontPanelLock does not belong"}}) {
+    Vector values;
+    values.Add(new IntegerValue(eConfigID_Default, range, eCParam_IntegerValue, low + 2));
+    values.Add(new IntegerValue(eConfigID_Default, bad.id, eCParam_IntegerValue, bad.value));
+    ASSERT_TRUE(presets.Save(5, ValueImage::Encode(values)));
+    std::string err = Stderr([&] { handler.Recall(5); });
+    EXPECT_EQ(kRegisterFailed, store.Get(kRecallResult)) << bad.reason;
+    EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range)) << "nothing applied";
+    EXPECT_NE(std::string::npos, err.find("RegisterHandler::Recall - preset 5 refused: ")) << err;
+    EXPECT_NE(std::string::npos, err.find(bad.reason)) << err;
+  }
+}
+
+TEST_F(RegisterHandlerTest, HandOverChecksTheWholeImage) {
+  store.Set(range, Range()->GetMinValue() + 1);
+  Stderr([&] { handler.Save(2); });
+  Stderr([&] { handler.Load(2); });
+  EXPECT_EQ(kRegisterDone, store.Get(kRegisterLoadResultParamID));
+  std::string image;
+  ASSERT_TRUE(FileSystem::Default()->ReadFile(folder.path + "/preset_2.bin", 1 << 20, image));
+  Stderr([&] { handler.Load(3); });
+  EXPECT_EQ(kRegisterEmpty, store.Get(kRegisterLoadResultParamID));
+
+  WriteFile(6, image);
+  Stderr([&] { handler.Store(6); });
+  EXPECT_EQ(kRegisterDone, store.Get(kRegisterStoreResultParamID));
+  std::string two, six;
+  EXPECT_TRUE(presets.Get(2, two) && presets.Get(6, six) && two == six);
+
+  std::string values = image.substr(PresetImage::kHeaderSize);
+  std::string longer = PresetImage::Encode(PresetImage::UnitProduct(), values);
+  longer[11] = static_cast<char>(longer[11] + 1);
+  const std::pair<std::string, std::string> rejected[] = {
+      {PresetImage::Encode(0x12345678, values), "made for product 0x12345678"},
+      {longer, "in the header"},
+      {image.substr(0, image.size() - 3), "in the file"},
+      {PresetImage::Encode(PresetImage::UnitProduct(), values + "x"), "do not read back"},
+      {"", "truncated at 0 bytes"}};
+  for (const auto& [bytes, reason] : rejected) {
+    WriteFile(7, bytes);
+    std::string err = Stderr([&] { handler.Store(7); });
+    EXPECT_EQ(kRegisterEmpty, store.Get(kRegisterStoreResultParamID)) << reason;
+    EXPECT_NE(std::string::npos, err.find(reason)) << err;
+  }
+  unlink((folder.path + "/preset_7.bin").c_str());
+  Stderr([&] { handler.Store(7); });
+  EXPECT_EQ(kRegisterFailed, store.Get(kRegisterStoreResultParamID)) << "missing file";
+  WriteFile(0, image);
+  Stderr([&] { handler.Store(0); });
+  EXPECT_EQ(kRegisterFailed, store.Get(kRegisterStoreResultParamID)) << "factory preset";
+  EXPECT_FALSE(presets.Get(7, values));
+}
+
+TEST_F(RegisterHandlerTest, FactoryResetKeepsIdentityAndHardResetClearsAll) {
+  store.Set(range, Range()->GetMinValue() + 1);
+  store.Set(kFrontPanelLock, 1);
+  store.Set(kSystemName, std::string("rack-7"));
+  Stderr([&] { handler.Save(3); });
+  store.Set(RegisterHandler::kFactorySettings, 1);
+  Stderr([&] { handler.Reset(false); });
+  std::string name;
+  EXPECT_TRUE(store.Get(kSystemName, name) && name == "rack-7");
+  EXPECT_EQ(1u, store.Get(kFrontPanelLock));
+  EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range));
+  EXPECT_EQ(0u, store.Get(RegisterHandler::kFactorySettings)) << "back to idle";
+  EXPECT_TRUE(presets.Get(3, name));
+
+  Stderr([&] { handler.Reset(true); });
+  EXPECT_TRUE(store.Get(kSystemName, name) && name == "zyn-kr-9");
+  EXPECT_EQ(0u, store.Get(kFrontPanelLock));
+  EXPECT_FALSE(presets.Get(3, name));
+  EXPECT_EQ(0u, PresetStore(FileSystem::Default(), folder.path).Load());
+}
+
+TEST_F(RegisterHandlerTest, OwnerRefusesTextsOutsideTheirLimits) {
+  store.AddUpdatePrecondition(new StringLengthPrecondition());
+  std::string err = Stderr([&] { EXPECT_FALSE(store.Set(kSystemName, std::string(3000, 'x'))); });
+  EXPECT_NE(std::string::npos,
+            err.find("StringLengthPrecondition::IsUpdateValid - eParamID_SystemName refuses "
+                     "3000 characters (1 to 20)\n"))
+      << err;
+  EXPECT_TRUE(store.Set(kSystemName, std::string(20, 'x')));
+  // Every text the catalogue starts with passes its own limits.
+  for (unsigned int id : GetParamIDs()) {
+    std::string value;
+    bool text = dynamic_cast<StringDescriptor*>(GetDescriptor(id)) && store.Get(id, value);
+    EXPECT_TRUE(!text || store.Set(id, value)) << GetDescriptor(id)->GetParamIDName() << value;
+  }
+}

@@ -1,0 +1,31 @@
+#include "configd/factory_reset.h"
+
+#include <cstdio>
+
+#include "config/descriptors/param_descriptor.h"
+#include "config/values/config_value.h"
+#include "configd/register_handler.h"
+#include "configd/value_image.h"
+
+bool FactoryReset::Resets(const ParamDescriptor* descriptor, bool hard) {
+  if (RegisterHandler::IsCommand(descriptor->GetParamID())) return false;
+  return hard || descriptor->GetFactoryResetType() != eFactoryReset_Exclude;
+}
+
+unsigned int FactoryReset::Apply(Config* store, bool hard) {
+  zyn::config::values::Vector defaults;
+  ValueImage::Parse(
+      ValueImage::Defaults([hard](const ParamDescriptor* d) { return Resets(d, hard); }), defaults);
+  unsigned int changed = 0;
+  for (size_t i = 0; i < defaults.Size(); ++i) {
+    auto* value = static_cast<ConfigValue*>(defaults.Get(i));
+    if (ValueImage::Holds(store, value)) continue;
+    if (ValueImage::Apply(store, value)) {
+      ++changed;
+    } else {
+      fprintf(stderr, "FactoryReset::Apply - the store refused the default of 0x%08X\n",
+              value->GetParamID());
+    }
+  }
+  return changed;
+}

@@ -1,0 +1,87 @@
+// RegisterHandler is the owner's side of the register parameters and of the
+// factory reset. It listens to the store for the commands
+//   eParamID_RegisterSave = N    save the register parameters as preset N
+//   eParamID_RegisterRecall = N  apply preset N (0: the factory values)
+//   eParamID_RegisterLoad = N    write preset N's image to the preset file
+//   eParamID_RegisterStore = N   take the preset file in as preset N
+//   eParamID_FactorySettings = 1 ("FACTORY") or 2 ("HARD FACTORY")
+// and carries each out on its own thread, reporting through the matching
+// result parameter: in progress (1), then done (2), empty (4) or failed (3).
+// A recall or an import is all or nothing: every value is checked against
+// its descriptor before any is applied.
+//
+// DESIGN: ParamChanged runs on the writer's thread with the store's listener
+// lock held, so it only queues the command (under `_mutex`) for the register
+// thread, which alone writes to the store, the presets and the files. A
+// client's Set therefore never waits for a preset operation.
+//
+// Ownership: the store and the PresetStore are borrowed and must outlive the
+// handler. Start and Stop belong to the controlling thread.
+#ifndef TOOLS_CONFIGD_REGISTER_HANDLER_H
+#define TOOLS_CONFIGD_REGISTER_HANDLER_H
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "config/config_event_listener.h"
+
+class Config;
+class ParamDescriptor;
+class PresetStore;
+
+class RegisterHandler : public ConfigEventListener {
+ public:
+  static constexpr unsigned int kRegisterRecall = 0x05CDE9A4;
+  static constexpr unsigned int kRegisterRecallResult = 0x4000E4C8;
+  static constexpr unsigned int kRegisterSave = 0xAAB50096;
+  static constexpr unsigned int kRegisterSaveResult = 0x7A9D2C71;
+  static constexpr unsigned int kFactorySettings = 0xEA4F2E24;
+
+  // `folder` is where preset files are handed over ("/tmp/zyn").
+  RegisterHandler(Config* store, PresetStore* presets, std::string folder);
+  ~RegisterHandler() override;
+
+  // Whether `id` is one of the commands above.
+  static bool IsCommand(unsigned int id);
+  // Whether a parameter belongs in user presets.
+  static bool InPresets(const ParamDescriptor* descriptor);
+
+  // Registers with the store and starts the register thread.
+  bool Start();
+  // Unregisters, finishes the queued commands and ends the thread.
+  void Stop();
+
+  bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
+  bool ParamChanged(eParam_t id, std::string value, timeval when) override;
+
+  // The commands; each sets its result parameter. Called on the register
+  // thread (or directly by tests, with the thread not started).
+  void Save(unsigned int number);
+  void Recall(unsigned int number);
+  void Load(unsigned int number);
+  void Store(unsigned int number);
+  void Reset(bool hard);
+
+ private:
+  void Run();
+  // Checks every value of `values` and applies the ones that differ; on any
+  // refusal nothing stays changed. False with the reason in `problem`.
+  bool ApplyWhole(const std::string& values, std::string& problem);
+  std::string PresetPath(unsigned int number) const;
+
+  Config* _store;
+  PresetStore* _presets;
+  std::string _folder;
+  std::mutex _mutex;
+  std::condition_variable _wake;
+  std::deque<std::pair<unsigned int, unsigned int>> _queue;  // guarded by _mutex
+  bool _stopping = false;                                    // guarded by _mutex
+  bool _started = false;                                     // controlling thread only
+  std::thread _thread;
+};
+
+#endif  // TOOLS_CONFIGD_REGISTER_HANDLER_H

@@ -1,0 +1,112 @@
+#include "configd/sector_file.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "configd/file_system.h"
+#include "configd/sector_codec.h"
+
+SectorFile::SectorFile(FileSystem* files, std::string folder, std::string name,
+                       unsigned int configVersion)
+    : _files(files),
+      _folder(std::move(folder)),
+      _name(std::move(name)),
+      _config_version(configVersion) {}
+
+std::string SectorFile::SlotPath(int slot) const {
+  return _folder + "/" + _name + (slot == 0 ? ".a" : ".b");
+}
+
+SectorFile::LoadResult SectorFile::Load(std::string& data) {
+  data.clear();
+  bool found = false;
+  int newest = -1;
+  for (int slot = 0; slot < 2; ++slot) {
+    std::string path = SlotPath(slot);
+    std::string bytes;
+    _exists[slot] = _files->ReadFile(path, kMaxSectorBytes, bytes);
+    if (!_exists[slot]) {
+      if (errno == ENOENT) continue;
+      _exists[slot] = errno == EFBIG;
+      fprintf(stderr, "SectorFile::Load - %s unreadable (%s), ignored\n", path.c_str(),
+              strerror(errno));
+      continue;
+    }
+    unsigned int odometer = 0;
+    std::string slotData;
+    std::string problem;
+    if (!SectorCodec::Decode(bytes, _config_version, odometer, slotData, problem)) {
+      fprintf(stderr, "SectorFile::Load - %s damaged (%s), ignored\n", path.c_str(),
+              problem.c_str());
+      continue;
+    }
+    if (!found || SectorCodec::IsNewer(odometer, _odometer)) {
+      found = true;
+      newest = slot;
+      _odometer = odometer;
+      data.swap(slotData);
+    }
+  }
+  if (!found) {
+    _odometer = 0;
+    _next_slot = 0;
+    return _exists[0] || _exists[1] ? LoadResult::kNoneValid : LoadResult::kMissing;
+  }
+  _next_slot = 1 - newest;
+  return LoadResult::kLoaded;
+}
+
+bool SectorFile::Write(const std::string& data) {
+  unsigned int odometer = _odometer + 1;
+  std::string sector = SectorCodec::Encode(odometer, _config_version, data);
+  std::string path = SlotPath(_next_slot);
+  int fd = _files->Open(path, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  if (fd < 0) {
+    fprintf(stderr, "SectorFile::Write - open %s failed: %s\n", path.c_str(), strerror(errno));
+    return false;
+  }
+  const char* failed = nullptr;
+  if (!_files->WriteAll(fd, sector.data(), sector.size())) {
+    failed = "write";
+  } else if (_files->Fsync(fd) != 0) {
+    failed = "fsync";
+  }
+  int error = errno;
+  if (_files->Close(fd) != 0 && failed == nullptr) {
+    failed = "close";
+    error = errno;
+  }
+  if (failed == nullptr && !_exists[_next_slot] && !_files->SyncFolder(_folder)) {
+    failed = "folder fsync";
+    error = errno;
+  }
+  if (failed != nullptr) {
+    fprintf(stderr, "SectorFile::Write - %s of %s failed: %s\n", failed, path.c_str(),
+            strerror(error));
+    return false;
+  }
+  _exists[_next_slot] = true;
+  _odometer = odometer;
+  _next_slot = 1 - _next_slot;
+  _bytes_written += sector.size();
+  return true;
+}
+
+bool SectorFile::Remove() {
+  bool removed = true;
+  for (int slot = 0; slot < 2; ++slot) {
+    std::string path = SlotPath(slot);
+    if (_files->Unlink(path) != 0 && errno != ENOENT) {
+      fprintf(stderr, "SectorFile::Remove - %s: %s\n", path.c_str(), strerror(errno));
+      removed = false;
+    }
+    _exists[slot] = false;
+  }
+  _files->SyncFolder(_folder);
+  _odometer = 0;
+  _next_slot = 0;
+  return removed;
+}
