@@ -13,7 +13,7 @@
 
 namespace configweb {
 
-using configctl::JsonObject;
+using configctl::Json;
 using configctl::ParamValue;
 using zyn::config::access::SocketClient;
 using zyn::config::access::SocketFactory;
@@ -111,8 +111,7 @@ std::string DaemonSession::StatusFrame() {
 }
 
 std::string DaemonSession::StatusFrameLocked() const {
-  return EventFrame("daemon",
-                    JsonObject().AddBool("connected", _connected).AddString("uri", _uri).Str());
+  return EventFrame("daemon", configctl::JsonText(Json{{"connected", _connected}, {"uri", _uri}}));
 }
 
 bool DaemonSession::ConnectLocked() {

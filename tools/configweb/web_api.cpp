@@ -2,8 +2,6 @@
 
 #include <time.h>
 
-#include <boost/property_tree/json_parser.hpp>
-#include <boost/property_tree/ptree.hpp>
 #include <chrono>
 #include <sstream>
 #include <thread>
@@ -23,8 +21,8 @@
 
 namespace configweb {
 
-using configctl::JsonObject;
-using configctl::JsonString;
+using configctl::Json;
+using configctl::JsonText;
 using configctl::ParamValue;
 using configctl::SetOutcome;
 
@@ -49,15 +47,17 @@ constexpr PresetCommand kPresetCommands[] = {
 WebReply Error(int status, const std::string& message) {
   WebReply reply;
   reply.status = status;
-  reply.body = JsonObject().AddString("error", message).Str();
+  reply.body = JsonText(Json{{"error", message}});
   return reply;
 }
 
-WebReply Json(const std::string& body) {
+WebReply JsonReply(const std::string& body) {
   WebReply reply;
   reply.body = body;
   return reply;
 }
+
+WebReply JsonReply(const Json& value) { return JsonReply(JsonText(value)); }
 
 WebReply Unreachable(const DaemonSession& session) {
   return Error(503, "configd is not reachable at " + session.GetUri());
@@ -89,20 +89,19 @@ int StringToGroup(const std::string& text) {
 // The value under "value" of a JSON object body, as text: numbers and
 // strings alike, for ParseValue to read by the parameter's kind.
 bool BodyValue(const std::string& body, std::string& text, std::string& error) {
-  boost::property_tree::ptree tree;
-  try {
-    std::istringstream in(body);
-    boost::property_tree::read_json(in, tree);
-  } catch (const boost::property_tree::json_parser_error& failure) {
-    error = "the body is not JSON: " + failure.message();
+  Json tree = Json::parse(body, nullptr, false);
+  if (tree.is_discarded()) {
+    error = "the body is not JSON";
     return false;
   }
-  auto value = tree.get_child_optional("value");
-  if (!value || !value->empty()) {
+  auto value = tree.is_object() ? tree.find("value") : tree.end();
+  if (value == tree.end() || !(value->is_string() || value->is_number())) {
     error = "the body needs a \"value\" member holding a number or a string";
     return false;
   }
-  text = value->data();
+  // A number goes on as its text, so that ParseValue refuses a negative or
+  // fractional one the same way as typed text.
+  text = value->is_string() ? value->get<std::string>() : value->dump();
   return true;
 }
 
@@ -171,43 +170,34 @@ WebReply WebApi::Handle(const std::string& method, const std::string& target,
 }
 
 WebReply WebApi::Status() {
-  return Json(JsonObject()
-                  .AddBool("connected", _session.IsConnected())
-                  .AddString("uri", _session.GetUri())
-                  .Str());
+  return JsonReply(Json{{"connected", _session.IsConnected()}, {"uri", _session.GetUri()}});
 }
 
 WebReply WebApi::Groups() {
-  std::vector<std::string> groups;
+  Json groups = Json::array();
   for (int group = kFirstGroup; group <= kLastGroup; ++group) {
     size_t count = 0;
     for (unsigned int id : GetParamGroup(group))
       if (!HiddenFromPage(GetDescriptor(id))) ++count;
     if (count == 0) continue;
-    groups.push_back(JsonObject()
-                         .AddNumber("group", group)
-                         .AddString("name", GroupName(group))
-                         .AddNumber("count", count)
-                         .Str());
+    groups.push_back(Json{{"group", group}, {"name", GroupName(group)}, {"count", count}});
   }
-  return Json(configctl::JsonArray(groups));
+  return JsonReply(groups);
 }
 
-std::string WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
-  JsonObject object;
-  object.AddString("param", descriptor->GetParamIDName())
-      .AddNumber("id", descriptor->GetParamID())
-      .AddString("name", descriptor->GetName())
-      .AddBool("readonly", descriptor->HasClassName("readonly"));
+Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
+  Json object{{"param", descriptor->GetParamIDName()},
+              {"id", descriptor->GetParamID()},
+              {"name", descriptor->GetName()},
+              {"readonly", descriptor->HasClassName("readonly")}};
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor))
-    object.AddNumber("step", integer->GetAdjustBy());
-  object.AddRaw("descriptor", configctl::DescribeJson(descriptor));
+    object["step"] = integer->GetAdjustBy();
+  object["descriptor"] = Json::parse(configctl::DescribeJson(descriptor));
   ParamValue value;
-  if (configctl::ReadValue(config, descriptor, value)) {
-    std::string rendered = configctl::ValueJson(descriptor->GetParamID(), descriptor, value);
-    object.AddRaw("current", rendered);
-  }
-  return object.Str();
+  if (configctl::ReadValue(config, descriptor, value))
+    object["current"] =
+        Json::parse(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
+  return object;
 }
 
 WebReply WebApi::Group(const std::string& number) {
@@ -218,16 +208,12 @@ WebReply WebApi::Group(const std::string& number) {
     ParamDescriptor* descriptor = GetDescriptor(id);
     if (!HiddenFromPage(descriptor)) descriptors.push_back(descriptor);
   }
-  std::vector<std::string> params;
+  Json params = Json::array();
   bool connected = _session.WithConfig([&](Config* config) {
     for (ParamDescriptor* descriptor : descriptors) params.push_back(ParamJson(descriptor, config));
   });
   if (!connected) return Unreachable(_session);
-  return Json(JsonObject()
-                  .AddNumber("group", group)
-                  .AddString("name", GroupName(group))
-                  .AddRaw("params", configctl::JsonArray(params))
-                  .Str());
+  return JsonReply(Json{{"group", group}, {"name", GroupName(group)}, {"params", params}});
 }
 
 WebReply WebApi::GetParam(const std::string& name) {
@@ -239,7 +225,7 @@ WebReply WebApi::GetParam(const std::string& name) {
           [&](Config* config) { read = configctl::ReadValue(config, descriptor, value); }))
     return Unreachable(_session);
   if (!read) return Error(502, "configd gave no value for " + descriptor->GetParamIDName());
-  return Json(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
+  return JsonReply(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
 }
 
 WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
@@ -267,7 +253,7 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
   if (!done)
     return Error(502, "could not set " + descriptor->GetParamIDName() + " through configd");
   SetOutcome outcome = configctl::ClassifySet(descriptor, requested, before, after);
-  WebReply reply = Json(configctl::SetJson(descriptor, requested, after, outcome));
+  WebReply reply = JsonReply(configctl::SetJson(descriptor, requested, after, outcome));
   if (outcome == SetOutcome::kRefused) reply.status = 409;
   return reply;
 }
@@ -302,12 +288,8 @@ WebReply WebApi::Preset(const std::string& number, const std::string& operation)
     return Error(504, "configd did not finish the preset " + operation + " in time");
   auto* results = dynamic_cast<EnumDescriptor*>(GetDescriptor(command->result));
   std::string resultName = results != nullptr ? results->GetEnumValue(state) : "";
-  WebReply reply = Json(JsonObject()
-                            .AddNumber("preset", preset)
-                            .AddString("operation", operation)
-                            .AddNumber("state", state)
-                            .AddString("result", resultName)
-                            .Str());
+  WebReply reply = JsonReply(
+      Json{{"preset", preset}, {"operation", operation}, {"state", state}, {"result", resultName}});
   if (state != kRegisterDone) reply.status = 409;
   return reply;
 }

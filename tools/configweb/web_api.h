@@ -13,6 +13,8 @@
 
 #include <string>
 
+#include "configctl/json.h"
+
 class Config;
 class ParamDescriptor;
 
@@ -46,7 +48,7 @@ class WebApi {
   WebReply Preset(const std::string& number, const std::string& operation);
   WebReply Status();
   // The descriptor, current value and editing hints of one parameter.
-  std::string ParamJson(ParamDescriptor* descriptor, Config* config);
+  configctl::Json ParamJson(ParamDescriptor* descriptor, Config* config);
 
   DaemonSession& _session;
 };
