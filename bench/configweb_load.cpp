@@ -35,6 +35,7 @@
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
+#include "config/mapper/tundra_param_mapper.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -165,6 +166,7 @@ int main(int argc, char** argv) {
   if (getenv("CONFIGWEB_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
 
   CreateDescriptors();
+  tundra::mapper::TundraParamMapper::Initialize();
   Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
   SocketServer* server = new SocketServer(0);
   if (!server->Init() || !server->Start()) return 1;

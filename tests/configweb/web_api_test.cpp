@@ -215,3 +215,37 @@ TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
   EXPECT_EQ(404, Request(server->GetPort(), "POST", "/api/presets/3/erase").status);
   EXPECT_EQ(405, Get("/api/presets/3/save").status);
 }
+
+// A generic parameter stands for the specific one its selector picks: the
+// group says which, a set lands there, and a change of that specific one
+// reaches the stream as a change of the generic.
+TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
+  auto mapsTo = [this] {
+    HttpReply group = Get("/api/groups/7");
+    auto params = group.json.get_child_optional("params");
+    if (!params) return "no parameters: " + group.body;
+    for (const auto& param : *params)
+      if (param.second.get<std::string>("param") == "eParamID_Vid1YUVProcAmpGain")
+        return param.second.get<std::string>("maps_to", "none");
+    return std::string("not listed");
+  };
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_SDI1", mapsTo());
+  ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI", mapsTo());
+
+  HttpReply set = Put("/api/params/Vid1YUVProcAmpGain", "{\"value\":950}");
+  EXPECT_EQ(200, set.status) << set.body;
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI = 950\n",
+            Ctl({"get", "Vid1YUVProcAmpGain_HDMI"}).out);
+
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  std::string data;
+  bool seen = false;
+  for (int value = 900; value > 850 && !seen; --value) {
+    Ctl({"set", "Vid1YUVProcAmpGain_HDMI", std::to_string(value)});
+    seen = stream.WaitFor("\"param\":\"eParamID_Vid1YUVProcAmpGain\"", 200, &data);
+  }
+  EXPECT_TRUE(seen) << "the generic's change never arrived";
+}

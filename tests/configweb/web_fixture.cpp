@@ -10,6 +10,8 @@
 #include <chrono>
 #include <sstream>
 
+#include "config/mapper/tundra_param_mapper.h"
+
 namespace web_test {
 
 namespace {
@@ -111,6 +113,7 @@ bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* d
 
 void WebTest::SetUp() {
   CreateDescriptors();
+  tundra::mapper::TundraParamMapper::Initialize();
   ASSERT_TRUE(daemon.Start());
   session = std::make_unique<configweb::DaemonSession>(daemon.Uri(), hub, kCheckMs);
   api = std::make_unique<configweb::WebApi>(*session);

@@ -44,6 +44,11 @@ bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue
 // by its descriptor. False when the store gave no value.
 bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value);
 
+// Builds the mapper's tables with their build diagnostics sent to standard
+// error, so that standard output carries only the program's results. Call
+// once, before any other thread starts.
+void BuildMapperTables();
+
 }  // namespace configctl
 
 #endif  // TOOLS_CONFIGCTL_PARAMETERS_H

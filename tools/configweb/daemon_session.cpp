@@ -3,10 +3,12 @@
 #include <chrono>
 #include <cstdio>
 
+#include "config/access/mapping_config.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
 #include "config/event_loss_counter.h"
+#include "config/mapper/tundra_param_mapper.h"
 #include "configctl/formatting.h"
 #include "configctl/json.h"
 #include "configweb/event_hub.h"
@@ -38,13 +40,19 @@ bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link
     ClosePageLink(factory, link);
     return false;
   }
-  link.requests = link.requestClient;
-  link.events = link.eventClient;
+  auto* mapper = new tundra::mapper::TundraParamMapper();
+  auto* mapping =
+      new zyn::boxline::config::access::MappingConfig(link.requestClient, mapper, link.eventClient);
+  mapper->SetConfig(mapping);
+  link.mapper = mapper;
+  link.mapping = link.requests = link.events = mapping;
   link.loss = dynamic_cast<EventLossCounter*>(link.eventClient);
   return true;
 }
 
 void ClosePageLink(SocketFactory& factory, PageLink& link) {
+  delete link.mapping;  // leaves the event client's listeners first
+  delete link.mapper;
   if (link.eventClient != nullptr) CloseClient(factory, link.eventClient);
   if (link.requestClient != nullptr) CloseClient(factory, link.requestClient);
   link = PageLink();

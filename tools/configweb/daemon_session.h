@@ -27,25 +27,37 @@
 class Config;
 class EventLossCounter;
 
+namespace zyn {
+namespace boxline {
+namespace config {
+namespace access {
+class ParamMapper;
+}  // namespace access
+}  // namespace config
+}  // namespace boxline
+}  // namespace zyn
+
 namespace configweb {
 
 class EventHub;
 
 // The connections behind the page: `requests` is what the page reads and
-// writes through, `events` what its listener registers with (the same object
-// when a mapping layer stands over both), `loss` the event connection's loss
-// count. The plain clients under them are kept for closing.
+// writes through and `events` what its listener registers with; both are a
+// MappingConfig over a request and an event client, so a generic parameter
+// reads, writes and changes as the specific one it stands for now. `loss`
+// is the event client's loss count. The pieces are kept for closing.
 struct PageLink {
   Config* requests = nullptr;
   Config* events = nullptr;
   EventLossCounter* loss = nullptr;
   Config* requestClient = nullptr;
   Config* eventClient = nullptr;
+  Config* mapping = nullptr;
+  zyn::boxline::config::access::ParamMapper* mapper = nullptr;
 };
 
-// Opens the page's connections to `uri`. Every parameter the page shows goes
-// through what this opens, so this is the one place where a mapping layer
-// over the plain clients belongs. False, with nothing left open, when
+// Opens the page's connections to `uri`; the mapper's tables must have been
+// built (TundraParamMapper::Initialize). False, with nothing left open, when
 // configd does not answer.
 bool OpenPageLink(zyn::config::access::SocketFactory& factory, const std::string& uri,
                   PageLink& link);

@@ -14,6 +14,7 @@
 
 #include "config/access/xconfigmgr_records.h"
 #include "config/descriptors/param_descriptors.h"
+#include "configctl/parameters.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -94,7 +95,10 @@ int main(int argc, char** argv) {
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   signal(SIGPIPE, SIG_IGN);  // a vanished browser is reported by send, not by a signal
 
+  // The catalogue and the mapper's tables are built before any thread
+  // starts; every thread only reads them.
   CreateDescriptors();
+  configctl::BuildMapperTables();
   configweb::EventHub hub;
   configweb::DaemonSession session(uri, hub);
   configweb::WebApi api(session);

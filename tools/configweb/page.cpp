@@ -160,6 +160,12 @@ function showGroup(group) {
         row.appendChild(cell);
         return cell;
       });
+      if (p.maps_to) {
+        const hint = document.createElement("span");
+        hint.className = "hint";
+        hint.textContent = " (now " + p.maps_to.replace("eParamID_", "") + ")";
+        cells[1].appendChild(hint);
+      }
       cells[0].className = "menu";
       cells[3].className = "hint";
       cells[4].className = "note";
@@ -169,7 +175,6 @@ function showGroup(group) {
       if (!p.readonly) entry.control.addEventListener("change", () => send(p, entry));
       setShown(entry, p.current);
       rows.set(p.id, entry);
-      if (p.maps_to !== undefined) rows.set(p.maps_to, entry);
       body.appendChild(row);
     }
   });

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "config/access/mapping_config.h"
 #include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
@@ -192,6 +193,14 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
               {"readonly", descriptor->HasClassName("readonly")}};
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor))
     object["step"] = integer->GetAdjustBy();
+  // A generic parameter says which specific one it stands for now.
+  if (auto* mapping = dynamic_cast<zyn::boxline::config::access::MappingConfig*>(config)) {
+    unsigned int mapped = mapping->MapID(descriptor->GetParamID());
+    if (mapped != descriptor->GetParamID()) {
+      object["maps_to"] = configctl::ParamName(mapped, GetDescriptor(mapped));
+      object["maps_to_id"] = mapped;
+    }
+  }
   object["descriptor"] = Json::parse(configctl::DescribeJson(descriptor));
   ParamValue value;
   if (configctl::ReadValue(config, descriptor, value))
