@@ -35,7 +35,7 @@
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
-#include "config/mapper/tundra_param_mapper.h"
+#include "configctl/parameters.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -166,7 +166,7 @@ int main(int argc, char** argv) {
   if (getenv("CONFIGWEB_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
 
   CreateDescriptors();
-  tundra::mapper::TundraParamMapper::Initialize();
+  configctl::BuildMapperTables();
   Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
   SocketServer* server = new SocketServer(0);
   if (!server->Init() || !server->Start()) return 1;
@@ -186,9 +186,9 @@ int main(int argc, char** argv) {
   WaitUntil([&] { return hub.SubscriberCount() == static_cast<size_t>(streams); }, 5000);
 
   SocketFactory factory;
-  SocketClient* writer = factory.Connect(uri);
+  Config* writer = factory.Connect(uri);
   SocketFactory baselineFactory;
-  SocketClient* listener = baselineFactory.Connect(uri);
+  Config* listener = baselineFactory.Connect(uri);
   Baseline baseline;
   listener->AddConfigEventListener(eParamID_SystemName, &baseline);
 

@@ -17,20 +17,7 @@ namespace configweb {
 
 using configctl::Json;
 using configctl::ParamValue;
-using zyn::config::access::SocketClient;
 using zyn::config::access::SocketFactory;
-
-namespace {
-
-void CloseClient(SocketFactory& factory, Config* config) {
-  if (auto* client = dynamic_cast<SocketClient*>(config)) {
-    factory.Disconnect(client);
-  } else {
-    delete config;
-  }
-}
-
-}  // namespace
 
 bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link) {
   link = PageLink();
@@ -53,8 +40,8 @@ bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link
 void ClosePageLink(SocketFactory& factory, PageLink& link) {
   delete link.mapping;  // leaves the event client's listeners first
   delete link.mapper;
-  if (link.eventClient != nullptr) CloseClient(factory, link.eventClient);
-  if (link.requestClient != nullptr) CloseClient(factory, link.requestClient);
+  if (link.eventClient != nullptr) factory.Disconnect(link.eventClient);
+  if (link.requestClient != nullptr) factory.Disconnect(link.requestClient);
   link = PageLink();
 }
 
