@@ -24,33 +24,6 @@ void PrintLine(const std::string& line) {
   fputc('\n', stdout);
 }
 
-bool SameValue(const ParamValue& a, const ParamValue& b) {
-  return a.isString ? a.text == b.text : a.number == b.number;
-}
-
-// Whether the store's range check lets `value` through unchanged. A range
-// whose minimum exceeds its maximum starts at the minimum and spans the
-// maximum.
-bool InRange(const IntegerDescriptor* integer, unsigned int value) {
-  unsigned int min = integer->GetMinValue();
-  unsigned int max = integer->GetMaxValue();
-  if (min <= max) return min <= value && value <= max;
-  return value - min <= max;
-}
-
-// Tells from the values before and after a set what the store did with it.
-// Enumerations and strings are never altered, only taken or refused; numbers
-// out of range are clamped.
-SetOutcome Classify(const ParamDescriptor* descriptor, const ParamValue& requested,
-                    const ParamValue& before, const ParamValue& after) {
-  if (SameValue(requested, after)) return SetOutcome::kAccepted;
-  const IntegerDescriptor* integer = dynamic_cast<const IntegerDescriptor*>(descriptor);
-  if (requested.isString || integer == nullptr || dynamic_cast<const EnumDescriptor*>(integer))
-    return SetOutcome::kRefused;
-  if (!InRange(integer, requested.number)) return SetOutcome::kClamped;
-  return SameValue(before, after) ? SetOutcome::kRefused : SetOutcome::kAdjusted;
-}
-
 }  // namespace
 
 bool ResolveParameters(const std::vector<std::string>& words,
@@ -149,7 +122,7 @@ int RunSet(const Arguments& arguments) {
     return kExitFailure;
   }
   SetOutcome outcome =
-      refused ? SetOutcome::kRefused : Classify(descriptor, requested, before, after);
+      refused ? SetOutcome::kRefused : ClassifySet(descriptor, requested, before, after);
   if (arguments.json) {
     PrintLine(SetJson(descriptor, requested, after, outcome));
   } else if (outcome == SetOutcome::kRefused) {

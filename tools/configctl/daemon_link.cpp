@@ -74,11 +74,4 @@ Config* DaemonLink::Map(Config* requests, Config* events) {
   return mapping;
 }
 
-bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value) {
-  value = ParamValue();
-  value.isString = IsStringParam(descriptor);
-  unsigned int id = descriptor->GetParamID();
-  return value.isString ? config->Get(id, value.text) : config->Get(id, value.number);
-}
-
 }  // namespace configctl

@@ -58,10 +58,6 @@ class DaemonLink {
   std::vector<std::unique_ptr<zyn::boxline::config::access::ParamMapper>> _mappers;
 };
 
-// Reads the parameter's current value from `config`, as a string or a number
-// by its descriptor. False when the store gave no value.
-bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value);
-
 }  // namespace configctl
 
 #endif  // TOOLS_CONFIGCTL_DAEMON_LINK_H

@@ -100,18 +100,18 @@ const char* FactoryResetName(eFactoryReset_t type) {
   return "other";
 }
 
-const char* OutcomeName(SetOutcome outcome) {
-  switch (outcome) {
-    case SetOutcome::kAccepted:
-      return "accepted";
-    case SetOutcome::kClamped:
-      return "clamped";
-    case SetOutcome::kAdjusted:
-      return "adjusted";
-    case SetOutcome::kRefused:
-      return "refused";
-  }
-  return "";
+bool SameValue(const ParamValue& a, const ParamValue& b) {
+  return a.isString ? a.text == b.text : a.number == b.number;
+}
+
+// Whether the store's range check lets `value` through unchanged. A range
+// whose minimum exceeds its maximum starts at the minimum and spans the
+// maximum.
+bool InRange(const IntegerDescriptor* integer, unsigned int value) {
+  unsigned int min = integer->GetMinValue();
+  unsigned int max = integer->GetMaxValue();
+  if (min <= max) return min <= value && value <= max;
+  return value - min <= max;
 }
 
 // A named value followed by its number in parentheses: "persist (0)".
@@ -134,6 +134,30 @@ std::string Pad(const std::string& text, size_t width) {
 }
 
 }  // namespace
+
+SetOutcome ClassifySet(const ParamDescriptor* descriptor, const ParamValue& requested,
+                       const ParamValue& before, const ParamValue& after) {
+  if (SameValue(requested, after)) return SetOutcome::kAccepted;
+  const IntegerDescriptor* integer = dynamic_cast<const IntegerDescriptor*>(descriptor);
+  if (requested.isString || integer == nullptr || AsEnum(integer) != nullptr)
+    return SetOutcome::kRefused;
+  if (!InRange(integer, requested.number)) return SetOutcome::kClamped;
+  return SameValue(before, after) ? SetOutcome::kRefused : SetOutcome::kAdjusted;
+}
+
+const char* OutcomeName(SetOutcome outcome) {
+  switch (outcome) {
+    case SetOutcome::kAccepted:
+      return "accepted";
+    case SetOutcome::kClamped:
+      return "clamped";
+    case SetOutcome::kAdjusted:
+      return "adjusted";
+    case SetOutcome::kRefused:
+      return "refused";
+  }
+  return "";
+}
 
 std::string ParamName(unsigned int id, const ParamDescriptor* descriptor) {
   return descriptor != nullptr ? descriptor->GetParamIDName() : Hex(id);

@@ -22,6 +22,15 @@ namespace configctl {
 // How the store treated a set.
 enum class SetOutcome { kAccepted, kClamped, kAdjusted, kRefused };
 
+// What the store did with a set, told from the values before and after it.
+// Enumerations and strings are only taken or refused; numbers out of range
+// are clamped; a number in range that the store changed was adjusted.
+SetOutcome ClassifySet(const ParamDescriptor* descriptor, const ParamValue& requested,
+                       const ParamValue& before, const ParamValue& after);
+
+// The name of an outcome as JSON shows it: "accepted", "clamped"...
+const char* OutcomeName(SetOutcome outcome);
+
 // The ID name, or "0x" and eight hex digits when `descriptor` is null.
 std::string ParamName(unsigned int id, const ParamDescriptor* descriptor);
 

@@ -13,22 +13,11 @@
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
 #include "configctl/json.h"
+#include "configctl/parameters.h"
 
 namespace configctl {
 
 using tundra::mapper::TundraParamMapper;
-
-void BuildMapperTables() {
-  fflush(stdout);
-  int saved = dup(STDOUT_FILENO);
-  if (saved >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
-  TundraParamMapper::Initialize();
-  fflush(stdout);
-  if (saved >= 0) {
-    dup2(saved, STDOUT_FILENO);
-    close(saved);
-  }
-}
 
 int RunMap(const Arguments& arguments) {
   std::vector<ParamDescriptor*> descriptors;

@@ -13,10 +13,6 @@
 
 namespace configctl {
 
-// Builds the mapper's tables with standard output sent to standard error
-// (the null device unless configctl runs verbose).
-void BuildMapperTables();
-
 int RunMap(const Arguments& arguments);
 int RunExportMapping(const Arguments& arguments);
 

@@ -1,15 +1,19 @@
 #include "configctl/parameters.h"
 
 #include <strings.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
+#include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
+#include "config/mapper/tundra_param_mapper.h"
 
 namespace configctl {
 
@@ -102,6 +106,25 @@ bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue
   }
   error += ")";
   return false;
+}
+
+bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value) {
+  value = ParamValue();
+  value.isString = IsStringParam(descriptor);
+  unsigned int id = descriptor->GetParamID();
+  return value.isString ? config->Get(id, value.text) : config->Get(id, value.number);
+}
+
+void BuildMapperTables() {
+  fflush(stdout);
+  int saved = dup(STDOUT_FILENO);
+  if (saved >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
+  tundra::mapper::TundraParamMapper::Initialize();
+  fflush(stdout);
+  if (saved >= 0) {
+    dup2(saved, STDOUT_FILENO);
+    close(saved);
+  }
 }
 
 }  // namespace configctl

@@ -10,6 +10,7 @@
 
 #include <string>
 
+class Config;
 class ParamDescriptor;
 
 namespace configctl {
@@ -38,6 +39,15 @@ bool IsStringParam(const ParamDescriptor* descriptor);
 // first, then ignoring case). False with a one-line reason in `error`.
 bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
                 std::string& error);
+
+// Reads the parameter's current value from `config`, as a string or a number
+// by its descriptor. False when the store gave no value.
+bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value);
+
+// Builds the mapper's tables with their build diagnostics sent to standard
+// error, so that standard output carries only the program's results. Call
+// once, before any other thread starts.
+void BuildMapperTables();
 
 }  // namespace configctl
 

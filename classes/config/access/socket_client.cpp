@@ -457,6 +457,7 @@ void SocketClient::ProcessEvents() {
         fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d\n", errno,
                 static_cast<int>(getpid()));
       }
+      _events_broken = true;
       break;
     }
     // A handed-over end-of-connection answer: nothing more will arrive.

@@ -28,6 +28,7 @@
 
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
+#include "config/event_loss_counter.h"
 #include "support/runnable.h"
 
 class Socket;
@@ -39,7 +40,7 @@ namespace access {
 // The entry of a client's events thread: runs ProcessEvents on the client.
 void* thread_start(void* arg);
 
-class SocketClient : public Config, public Runnable {
+class SocketClient : public Config, public Runnable, public EventLossCounter {
  public:
   // How long a requester waits for a response the events thread hands over.
   static constexpr long kHandOverTimeoutMs = 5000;
@@ -72,6 +73,10 @@ class SocketClient : public Config, public Runnable {
   // Registers for every parameter if needed, then blocks until one event
   // arrives (the time-outs are accepted and not applied).
   bool WaitForConfigEvent(ConfigEvent& event, long timeout, long interval) override;
+
+  // 1 once the event connection has broken (the owner closed it or it
+  // failed): every change after that is lost to this client's listeners.
+  uint64_t LostEvents() const override { return _events_broken ? 1 : 0; }
 
   // The events thread's body.
   void Run() override;
@@ -119,8 +124,9 @@ class SocketClient : public Config, public Runnable {
   bool _registered;                            // guarded by *_semaphore
   bool _disconnected = false;                  // guarded by *_semaphore
   pthread_t _events_thread;
-  bool _events_started;               // a thread to join
-  std::atomic<bool> _events_reading;  // the events thread reads the socket
+  bool _events_started;                     // a thread to join
+  std::atomic<bool> _events_reading;        // the events thread reads the socket
+  std::atomic<bool> _events_broken{false};  // it stopped on a failed read
   sem_t _listener_lock;
 
   // Hand-over of a connection-level response from the events thread.

@@ -154,6 +154,7 @@ TEST_F(SocketClientTest, ListenersOnAnEventConnection) {
   requests->Set(kPercent, 11);
   EXPECT_EQ(11u, requests->Get(kPercent));
   EXPECT_EQ(2u, listener.WaitFor(3, 300).size()) << "no events after removal";
+  EXPECT_EQ(0u, events->LostEvents()) << "an orderly end loses nothing";
   delete events;
   factory.Disconnect(requests);
 }
@@ -187,6 +188,25 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   EXPECT_TRUE(events->ConfirmDisconnect());
   delete events;
   factory.Disconnect(requests);
+}
+
+// An event connection that the owner closes counts as losing events, so a
+// client that keeps copies knows to read again and reconnect.
+TEST_F(SocketClientTest, AnEventConnectionClosedByTheOwnerCountsAsLost) {
+  SocketClient* events = Open();
+  SocketClient* requests = Open();
+  WaitingListener listener;
+  events->AddConfigEventListener(&listener);
+  listener.AwaitRegistration(requests);
+  EXPECT_EQ(0u, events->LostEvents());
+  testing::internal::CaptureStderr();
+  SocketConnection::StopAll();
+  for (int i = 0; i < 500 && events->LostEvents() == 0; ++i) usleep(10000);
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(1u, events->LostEvents());
+  EXPECT_EQ(0u, requests->LostEvents()) << "a request connection has no events to lose";
+  delete events;
+  delete requests;
 }
 
 TEST_F(SocketClientTest, WaitForConfigEvent) {

@@ -1,0 +1,251 @@
+// configweb's HTTP API and event stream against a real configd: menus in
+// menu order, get and set with the store's clamping and refusals, every
+// kind of bad request, changes made elsewhere arriving on the stream, and
+// the loss and return of configd.
+#include <signal.h>
+
+#include "config/descriptors/param_descriptor.h"
+#include "config/descriptors/param_groups.h"
+#include "web_fixture.h"
+
+using namespace web_test;
+using boost::property_tree::ptree;
+
+namespace {
+
+constexpr int kEventMs = 10000;
+
+std::string Value(const HttpReply& reply) { return reply.json.get<std::string>("value", "?"); }
+
+}  // namespace
+
+TEST_F(WebTest, GroupsListTheMenusInMenuOrderWithoutHiddenParameters) {
+  HttpReply groups = Get("/api/groups");
+  ASSERT_EQ(200, groups.status) << groups.body;
+  std::map<int, std::string> names;
+  for (const auto& group : groups.json) {
+    names[group.second.get<int>("group")] = group.second.get<std::string>("name");
+    EXPECT_GT(group.second.get<int>("count"), 0) << group.second.get<std::string>("name");
+  }
+  EXPECT_EQ("System", names[2]);
+  EXPECT_EQ("Audio Output", names[10]);
+  EXPECT_EQ("Debug", names[11]);
+
+  for (int group : {2, 4}) {
+    HttpReply one = Get("/api/groups/" + std::to_string(group));
+    ASSERT_EQ(200, one.status) << one.body;
+    unsigned int previous = 0;
+    size_t count = 0;
+    for (const auto& param : one.json.get_child("params")) {
+      unsigned int id = param.second.get<unsigned int>("id");
+      ParamDescriptor* descriptor = GetDescriptor(id);
+      ASSERT_NE(nullptr, descriptor) << id;
+      std::string name = descriptor->GetParamIDName();
+      EXPECT_FALSE(descriptor->HasClassName("panel_hidden") ||
+                   descriptor->HasClassName("hidden_param") ||
+                   descriptor->HasClassName("rest_hidden"))
+          << name;
+      EXPECT_TRUE(previous == 0 || MenuNumberCompare(previous, id)) << name << " out of order";
+      EXPECT_TRUE(param.second.get_child_optional("current.value")) << name << " has no value";
+      previous = id;
+      ++count;
+    }
+    EXPECT_GT(count, 10u) << "group " << group;
+  }
+  HttpReply presets = Get("/api/groups/4");
+  EXPECT_EQ(std::string::npos, presets.body.find("\"Factory Preset\"")) << "a hidden preset shown";
+  for (const char* bad : {"0", "12", "x", "2x"})
+    EXPECT_EQ(404, Get(std::string("/api/groups/") + bad).status) << bad;
+}
+
+TEST_F(WebTest, GetAndSetGoThroughTheStoreAndSayWhatItKept) {
+  for (const char* form : {"FrontPanelLock", "eParamID_FrontPanelLock", "0x4D575A8E",
+                           "frontpanellock", "eParamID%5FFrontPanelLock"}) {
+    HttpReply got = Get(std::string("/api/params/") + form);
+    EXPECT_EQ(200, got.status) << form;
+    EXPECT_EQ("Unlocked", got.json.get<std::string>("value_name", "")) << form << got.body;
+  }
+
+  HttpReply locked = Put("/api/params/FrontPanelLock", "{\"value\":\"Locked\"}");
+  EXPECT_EQ(200, locked.status) << locked.body;
+  EXPECT_EQ("accepted", locked.json.get<std::string>("result", ""));
+  EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"get", "FrontPanelLock"}).out);
+
+  HttpReply high = Put("/api/params/DisplayIntensity", "{\"value\": 250}");
+  EXPECT_EQ(200, high.status) << high.body;
+  EXPECT_EQ("clamped", high.json.get<std::string>("result", ""));
+  EXPECT_EQ("100", Value(high));
+  EXPECT_EQ("250", high.json.get<std::string>("requested", ""));
+  EXPECT_EQ("eParamID_DisplayIntensity = 100\n", Ctl({"get", "DisplayIntensity"}).out);
+
+  HttpReply refused = Put("/api/params/FrontPanelLock", "{\"value\":7}");
+  EXPECT_EQ(409, refused.status) << refused.body;
+  EXPECT_EQ("refused", refused.json.get<std::string>("result", ""));
+  EXPECT_EQ("1", Value(refused)) << "the kept value";
+
+  HttpReply text = Put("/api/params/SystemName", "{\"value\":\"rack \\\"7\\\" \\u00e9\"}");
+  EXPECT_EQ(200, text.status) << text.body;
+  EXPECT_EQ("eParamID_SystemName = rack \"7\" \xC3\xA9\n", Ctl({"get", "SystemName"}).out);
+
+  HttpReply readonly = Put("/api/params/IPAddress_Actual", "{\"value\":\"10.0.0.1\"}");
+  EXPECT_EQ(403, readonly.status) << readonly.body;
+}
+
+TEST_F(WebTest, BadRequestsGetClearErrorsAndTheServerKeepsServing) {
+  struct Case {
+    const char* method;
+    const char* target;
+    std::string body;
+    int status;
+    const char* error;  // part of the "error" text
+  };
+  const Case cases[] = {
+      {"GET", "/api/params/NoSuchThing", "", 404, "unknown parameter 'NoSuchThing'"},
+      {"PUT", "/api/params/NoSuchThing", "{\"value\":1}", 404, "unknown parameter"},
+      {"PUT", "/api/params/SystemName", "{\"value\":", 400, "not JSON"},
+      {"PUT", "/api/params/SystemName", "{\"other\":1}", 400, "\"value\" member"},
+      {"PUT", "/api/params/SystemName", "{\"value\":{\"a\":1}}", 400, "\"value\" member"},
+      {"PUT", "/api/params/FrontPanelLock", "{\"value\":\"Ajar\"}", 400, "not a value of"},
+      {"PUT", "/api/params/DisplayIntensity", "{\"value\":\"-3\"}", 400, "not a number"},
+      {"GET", "/api/params/%zz", "", 400, "%-escape"},
+      {"GET", "/api/nothing", "", 404, "no such API path"},
+      {"DELETE", "/api/params/SystemName", "", 405, "GET, PUT or POST"},
+      {"PUT", "/api/params/SystemName", std::string(20000, 'x'), 413, "too large"},
+  };
+  for (const Case& c : cases) {
+    HttpReply reply = Request(server->GetPort(), c.method, c.target, c.body);
+    EXPECT_EQ(c.status, reply.status) << c.method << " " << c.target;
+    EXPECT_NE(std::string::npos, reply.json.get<std::string>("error", "").find(c.error))
+        << c.method << " " << c.target << ": " << reply.body;
+  }
+  std::string bigHeader =
+      "GET / HTTP/1.1\r\nHost: x\r\nX-Pad: " + std::string(20000, 'p') + "\r\n\r\n";
+  EXPECT_EQ(431, Request(server->GetPort(), "", "", "", bigHeader).status);
+  EXPECT_EQ(400, Request(server->GetPort(), "", "", "", "NONSENSE\r\n\r\n").status);
+  EXPECT_EQ("zyn-kr-9", Value(Get("/api/params/SystemName"))) << "the server stopped serving";
+}
+
+TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  // The store takes the listener's registration asynchronously, so the
+  // first changes may come before it: poke until one arrives.
+  std::string data;
+  bool seen = false;
+  for (int attempt = 0; attempt < 50 && !seen; ++attempt) {
+    Ctl({"set", "SystemName", "from-ctl-" + std::to_string(attempt)});
+    seen = stream.WaitFor("from-ctl-", 200, &data);
+  }
+  ASSERT_TRUE(seen) << "no change arrived";
+  EXPECT_NE(std::string::npos, data.find("\"param\":\"eParamID_SystemName\"")) << data;
+
+  EventStream second;
+  ASSERT_TRUE(second.Open(server->GetPort()));
+  ASSERT_TRUE(second.WaitFor("\"connected\":true", kEventMs));
+  EXPECT_EQ(200, Put("/api/params/FrontPanelLock", "{\"value\":1}").status);
+  EXPECT_TRUE(stream.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "first stream";
+  EXPECT_TRUE(second.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "second stream";
+}
+
+TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  EXPECT_EQ(0, daemon.Stop(SIGTERM).exitCode);
+  EXPECT_TRUE(stream.WaitFor("\"connected\":false", kEventMs));
+  HttpReply down = Get("/api/groups/2");
+  EXPECT_EQ(503, down.status);
+  EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
+
+  daemon.process = std::make_unique<tools_test::ChildProcess>();
+  ASSERT_TRUE(daemon.process->Start(
+      {CONFIGD_PATH, "--port", std::to_string(daemon.port), "--state-dir", daemon.state.path}));
+  std::string ready;
+  ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
+  EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  EXPECT_EQ(200, Get("/api/groups/2").status);
+}
+
+TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsClosedNotGrown) {
+  configweb::EventHub hub;
+  auto slow = hub.Subscribe();
+  auto other = hub.Subscribe();
+  std::string frames;
+  for (size_t i = 0; i < configweb::EventHub::kQueueLimit; ++i) hub.Publish("f");
+  ASSERT_TRUE(other->Next(frames, 0));
+  EXPECT_EQ(configweb::EventHub::kQueueLimit, frames.size()) << "frames are joined in order";
+  hub.Publish("g");
+  EXPECT_TRUE(slow->Closed());
+  EXPECT_FALSE(slow->Next(frames, 0));
+  EXPECT_FALSE(other->Closed());
+  hub.Close();
+  EXPECT_TRUE(other->Closed());
+  EXPECT_EQ(nullptr, hub.Subscribe()) << "a closed hub takes no subscribers";
+}
+
+TEST(ListenAddressTest, AddressAndPortAreSplitAndChecked) {
+  std::string address;
+  int port = 0;
+  EXPECT_TRUE(configweb::ParseListenAddress("127.0.0.1:8080", address, port));
+  EXPECT_EQ("127.0.0.1", address);
+  EXPECT_EQ(8080, port);
+  EXPECT_TRUE(configweb::ParseListenAddress("[::1]:0", address, port));
+  EXPECT_EQ("::1", address);
+  for (const char* bad : {"127.0.0.1", ":80", "127.0.0.1:", "127.0.0.1:65536", "h:-1", "[]:80"})
+    EXPECT_FALSE(configweb::ParseListenAddress(bad, address, port)) << bad;
+}
+
+TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
+  const std::string param = "/api/params/AnalogVideoInputSelect";  // kept in presets
+  ASSERT_EQ(200, Put(param, "{\"value\":\"Component\"}").status);
+  HttpReply saved = Request(server->GetPort(), "POST", "/api/presets/3/save");
+  EXPECT_EQ(200, saved.status) << saved.body;
+  EXPECT_EQ("Store Complete", saved.json.get<std::string>("result", ""));
+  ASSERT_EQ(200, Put(param, "{\"value\":\"Composite\"}").status);
+  HttpReply recalled = Request(server->GetPort(), "POST", "/api/presets/3/recall");
+  EXPECT_EQ(200, recalled.status) << recalled.body;
+  EXPECT_EQ("Recall Complete", recalled.json.get<std::string>("result", ""));
+  EXPECT_EQ("Component", Get(param).json.get<std::string>("value_name", ""));
+
+  HttpReply empty = Request(server->GetPort(), "POST", "/api/presets/7/recall");
+  EXPECT_EQ(409, empty.status) << empty.body;
+  EXPECT_EQ("Preset Empty", empty.json.get<std::string>("result", ""));
+  EXPECT_EQ(400, Request(server->GetPort(), "POST", "/api/presets/41/save").status);
+  EXPECT_EQ(404, Request(server->GetPort(), "POST", "/api/presets/3/erase").status);
+  EXPECT_EQ(405, Get("/api/presets/3/save").status);
+}
+
+// A generic parameter stands for the specific one its selector picks: the
+// group says which, a set lands there, and a change of that specific one
+// reaches the stream as a change of the generic.
+TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
+  auto mapsTo = [this] {
+    HttpReply group = Get("/api/groups/7");
+    auto params = group.json.get_child_optional("params");
+    if (!params) return "no parameters: " + group.body;
+    for (const auto& param : *params)
+      if (param.second.get<std::string>("param") == "eParamID_Vid1YUVProcAmpGain")
+        return param.second.get<std::string>("maps_to", "none");
+    return std::string("not listed");
+  };
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_SDI1", mapsTo());
+  ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI", mapsTo());
+
+  HttpReply set = Put("/api/params/Vid1YUVProcAmpGain", "{\"value\":950}");
+  EXPECT_EQ(200, set.status) << set.body;
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI = 950\n",
+            Ctl({"get", "Vid1YUVProcAmpGain_HDMI"}).out);
+
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  std::string data;
+  bool seen = false;
+  for (int value = 900; value > 850 && !seen; --value) {
+    Ctl({"set", "Vid1YUVProcAmpGain_HDMI", std::to_string(value)});
+    seen = stream.WaitFor("\"param\":\"eParamID_Vid1YUVProcAmpGain\"", 200, &data);
+  }
+  EXPECT_TRUE(seen) << "the generic's change never arrived";
+}

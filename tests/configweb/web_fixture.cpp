@@ -1,0 +1,131 @@
+#include "web_fixture.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <boost/property_tree/json_parser.hpp>
+#include <chrono>
+#include <sstream>
+
+#include "config/mapper/tundra_param_mapper.h"
+
+namespace web_test {
+
+namespace {
+
+constexpr int kRequestMs = 20000;
+constexpr long kCheckMs = 50;  // quick reconnection for the tests
+
+int Connect(int port) {
+  int fd = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    close(fd);
+    return -1;
+  }
+  return fd;
+}
+
+bool SendAll(int fd, const std::string& bytes) {
+  for (size_t sent = 0; sent < bytes.size();) {
+    ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (n <= 0) return false;
+    sent += static_cast<size_t>(n);
+  }
+  return true;
+}
+
+// Appends what arrives within `timeoutMs`; false on time-out or end.
+bool ReadSome(int fd, std::string& buffer, int timeoutMs) {
+  pollfd wait{fd, POLLIN, 0};
+  if (poll(&wait, 1, timeoutMs) <= 0) return false;
+  char chunk[4096];
+  ssize_t n = recv(fd, chunk, sizeof chunk, 0);
+  if (n <= 0) return false;
+  buffer.append(chunk, static_cast<size_t>(n));
+  return true;
+}
+
+}  // namespace
+
+HttpReply Request(int port, const std::string& method, const std::string& target,
+                  const std::string& body, const std::string& raw) {
+  HttpReply reply;
+  int fd = Connect(port);
+  if (fd < 0) return reply;
+  std::string request = raw;
+  if (request.empty()) {
+    request = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n";
+    if (!body.empty()) request += "Content-Length: " + std::to_string(body.size()) + "\r\n";
+    request += "\r\n" + body;
+  }
+  std::string in;
+  if (SendAll(fd, request)) {
+    while (ReadSome(fd, in, kRequestMs)) {
+    }
+  }
+  close(fd);
+  if (in.compare(0, 9, "HTTP/1.1 ") != 0) return reply;
+  reply.status = std::stoi(in.substr(9, 3));
+  size_t head = in.find("\r\n\r\n");
+  reply.body = head == std::string::npos ? "" : in.substr(head + 4);
+  try {
+    std::istringstream json(reply.body);
+    boost::property_tree::read_json(json, reply.json);
+  } catch (const boost::property_tree::json_parser_error&) {
+    reply.json.clear();
+  }
+  return reply;
+}
+
+EventStream::~EventStream() {
+  if (_fd >= 0) close(_fd);
+}
+
+bool EventStream::Open(int port) {
+  _fd = Connect(port);
+  return _fd >= 0 && SendAll(_fd, "GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+}
+
+bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* data) {
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  for (;;) {
+    size_t end;
+    while ((end = _buffer.find("\n\n")) != std::string::npos) {
+      std::string frame = _buffer.substr(0, end);
+      _buffer.erase(0, end + 2);
+      size_t line = frame.find("data: ");
+      if (line == std::string::npos || frame.find(text, line) == std::string::npos) continue;
+      if (data != nullptr) *data = frame.substr(line + 6);
+      return true;
+    }
+    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0 || !ReadSome(_fd, _buffer, static_cast<int>(left.count()))) return false;
+  }
+}
+
+void WebTest::SetUp() {
+  CreateDescriptors();
+  tundra::mapper::TundraParamMapper::Initialize();
+  ASSERT_TRUE(daemon.Start());
+  session = std::make_unique<configweb::DaemonSession>(daemon.Uri(), hub, kCheckMs);
+  api = std::make_unique<configweb::WebApi>(*session);
+  server =
+      std::make_unique<configweb::HttpServer>(*api, hub, [this] { return session->StatusFrame(); });
+  ASSERT_TRUE(session->Start());
+  ASSERT_TRUE(server->Start("127.0.0.1", 0));
+}
+
+void WebTest::TearDown() {
+  if (server) server->Stop();
+  if (session) session->Stop();
+}
+
+}  // namespace web_test

@@ -1,0 +1,67 @@
+// configweb's API and server run in this process against a configd child on
+// a free port; requests go over real HTTP on loopback. The helpers read
+// JSON replies into property trees and follow an event stream line by line.
+#ifndef TESTS_CONFIGWEB_WEB_FIXTURE_H
+#define TESTS_CONFIGWEB_WEB_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <boost/property_tree/ptree.hpp>
+#include <memory>
+#include <string>
+
+#include "configweb/daemon_session.h"
+#include "configweb/event_hub.h"
+#include "configweb/http_server.h"
+#include "configweb/web_api.h"
+#include "tools_fixture.h"
+
+namespace web_test {
+
+struct HttpReply {
+  int status = 0;  // 0: no reply
+  std::string body;
+  boost::property_tree::ptree json;  // empty when the body is not JSON
+};
+
+// One request on a new connection to 127.0.0.1:`port`; `raw`, when given,
+// is sent as it is instead of a request built from the other arguments.
+HttpReply Request(int port, const std::string& method, const std::string& target,
+                  const std::string& body = "", const std::string& raw = "");
+
+// A Server-Sent Events stream of configweb, read with deadlines.
+class EventStream {
+ public:
+  ~EventStream();
+  bool Open(int port);
+  // Reads frames until one whose data contains `text` arrives (true) or
+  // `timeoutMs` pass; the frame's data line goes to `data`.
+  bool WaitFor(const std::string& text, int timeoutMs, std::string* data = nullptr);
+
+ private:
+  int _fd = -1;
+  std::string _buffer;
+};
+
+class WebTest : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  HttpReply Get(const std::string& target) { return Request(server->GetPort(), "GET", target); }
+  HttpReply Put(const std::string& target, const std::string& body) {
+    return Request(server->GetPort(), "PUT", target, body);
+  }
+  tools_test::Outcome Ctl(std::vector<std::string> args) {
+    return tools_test::RunToEnd(tools_test::CtlArgs(daemon.Uri(), args));
+  }
+
+  tools_test::Daemon daemon;
+  configweb::EventHub hub;
+  std::unique_ptr<configweb::DaemonSession> session;
+  std::unique_ptr<configweb::WebApi> api;
+  std::unique_ptr<configweb::HttpServer> server;
+};
+
+}  // namespace web_test
+
+#endif  // TESTS_CONFIGWEB_WEB_FIXTURE_H

@@ -1,0 +1,154 @@
+#include "configweb/daemon_session.h"
+
+#include <chrono>
+#include <cstdio>
+
+#include "config/access/mapping_config.h"
+#include "config/access/socket_client.h"
+#include "config/descriptors/param_descriptors.h"
+#include "config/descriptors/param_ids.h"
+#include "config/event_loss_counter.h"
+#include "config/mapper/tundra_param_mapper.h"
+#include "configctl/formatting.h"
+#include "configctl/json.h"
+#include "configweb/event_hub.h"
+
+namespace configweb {
+
+using configctl::Json;
+using configctl::ParamValue;
+using zyn::config::access::SocketFactory;
+
+bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link) {
+  link = PageLink();
+  link.requestClient = factory.Connect(uri);
+  if (link.requestClient != nullptr) link.eventClient = factory.Connect(uri);
+  if (link.eventClient == nullptr) {
+    ClosePageLink(factory, link);
+    return false;
+  }
+  auto* mapper = new tundra::mapper::TundraParamMapper();
+  auto* mapping =
+      new zyn::boxline::config::access::MappingConfig(link.requestClient, mapper, link.eventClient);
+  mapper->SetConfig(mapping);
+  link.mapper = mapper;
+  link.mapping = link.requests = link.events = mapping;
+  link.loss = dynamic_cast<EventLossCounter*>(link.eventClient);
+  return true;
+}
+
+void ClosePageLink(SocketFactory& factory, PageLink& link) {
+  delete link.mapping;  // leaves the event client's listeners first
+  delete link.mapper;
+  if (link.eventClient != nullptr) factory.Disconnect(link.eventClient);
+  if (link.requestClient != nullptr) factory.Disconnect(link.requestClient);
+  link = PageLink();
+}
+
+bool DaemonSession::Forwarder::ParamChanged(eParam_t id, unsigned int value, timeval when) {
+  ParamValue change;
+  change.number = value;
+  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  return true;
+}
+
+bool DaemonSession::Forwarder::ParamChanged(eParam_t id, std::string value, timeval when) {
+  ParamValue change;
+  change.isString = true;
+  change.text = std::move(value);
+  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  return true;
+}
+
+DaemonSession::DaemonSession(std::string uri, EventHub& hub, long checkMs)
+    : _uri(std::move(uri)), _hub(hub), _checkMs(checkMs), _forwarder(hub) {}
+
+DaemonSession::~DaemonSession() { Stop(); }
+
+bool DaemonSession::Start() {
+  bool connected;
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    connected = ConnectLocked();
+    _stopping = false;
+  }
+  if (!connected) fprintf(stderr, "configweb: configd is not reachable at %s yet\n", _uri.c_str());
+  _supervisor = std::thread(&DaemonSession::Supervise, this);
+  return connected;
+}
+
+void DaemonSession::Stop() {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    _stopping = true;
+  }
+  _wake.notify_all();
+  if (_supervisor.joinable()) _supervisor.join();
+  std::lock_guard<std::mutex> hold(_lock);
+  DropLocked();
+}
+
+bool DaemonSession::WithConfig(const std::function<void(Config*)>& work) {
+  std::lock_guard<std::mutex> hold(_lock);
+  if (!_connected) return false;
+  work(_link.requests);
+  return true;
+}
+
+bool DaemonSession::IsConnected() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return _connected;
+}
+
+std::string DaemonSession::StatusFrame() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return StatusFrameLocked();
+}
+
+std::string DaemonSession::StatusFrameLocked() const {
+  return EventFrame("daemon", configctl::JsonText(Json{{"connected", _connected}, {"uri", _uri}}));
+}
+
+bool DaemonSession::ConnectLocked() {
+  if (_connected) return true;
+  if (!OpenPageLink(_factory, _uri, _link)) return false;
+  if (!_link.events->AddConfigEventListener(&_forwarder)) {
+    ClosePageLink(_factory, _link);
+    return false;
+  }
+  _connected = true;
+  return true;
+}
+
+void DaemonSession::DropLocked() {
+  if (_link.events != nullptr) _link.events->RemoveConfigEventListener(&_forwarder);
+  ClosePageLink(_factory, _link);
+  _connected = false;
+}
+
+bool DaemonSession::HeartbeatLocked() {
+  // configd closes an event connection that does not keep up with its
+  // changes; the pages would miss everything after that.
+  if (_link.loss != nullptr && _link.loss->LostEvents() != 0) return false;
+  std::string name;
+  return _link.requests->Get(eParamID_SystemName, name);
+}
+
+void DaemonSession::Supervise() {
+  std::unique_lock<std::mutex> hold(_lock);
+  while (!_stopping) {
+    _wake.wait_for(hold, std::chrono::milliseconds(_checkMs), [this] { return _stopping; });
+    if (_stopping) break;
+    if (_connected) {
+      if (HeartbeatLocked()) continue;
+      fprintf(stderr, "configweb: lost the connection to configd at %s\n", _uri.c_str());
+      DropLocked();
+      _hub.Publish(StatusFrameLocked());
+    } else if (ConnectLocked()) {
+      fprintf(stderr, "configweb: connected to configd at %s\n", _uri.c_str());
+      _hub.Publish(StatusFrameLocked());
+    }
+  }
+}
+
+}  // namespace configweb

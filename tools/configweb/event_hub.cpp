@@ -1,0 +1,83 @@
+#include "configweb/event_hub.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace configweb {
+
+bool Subscriber::Next(std::string& frames, long timeoutMs) {
+  std::unique_lock<std::mutex> hold(_lock);
+  _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                  [this] { return _closed || !_frames.empty(); });
+  if (_closed || _frames.empty()) return false;
+  frames.clear();
+  for (const std::string& frame : _frames) frames += frame;
+  _frames.clear();
+  return true;
+}
+
+bool Subscriber::Closed() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return _closed;
+}
+
+void Subscriber::Push(const std::string& frame, size_t limit) {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    if (_closed) return;
+    if (_frames.size() >= limit) {
+      _closed = true;
+      _frames.clear();
+    } else {
+      _frames.push_back(frame);
+    }
+  }
+  _ready.notify_one();
+}
+
+void Subscriber::Close() {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    _closed = true;
+  }
+  _ready.notify_one();
+}
+
+std::shared_ptr<Subscriber> EventHub::Subscribe() {
+  std::lock_guard<std::mutex> hold(_lock);
+  if (_closed) return nullptr;
+  _subscribers.push_back(std::make_shared<Subscriber>());
+  return _subscribers.back();
+}
+
+void EventHub::Unsubscribe(const std::shared_ptr<Subscriber>& subscriber) {
+  std::lock_guard<std::mutex> hold(_lock);
+  _subscribers.erase(std::remove(_subscribers.begin(), _subscribers.end(), subscriber),
+                     _subscribers.end());
+}
+
+void EventHub::Publish(const std::string& frame) {
+  std::lock_guard<std::mutex> hold(_lock);
+  for (const std::shared_ptr<Subscriber>& subscriber : _subscribers)
+    subscriber->Push(frame, kQueueLimit);
+}
+
+void EventHub::Close() {
+  std::lock_guard<std::mutex> hold(_lock);
+  _closed = true;
+  for (const std::shared_ptr<Subscriber>& subscriber : _subscribers) subscriber->Close();
+  _subscribers.clear();
+}
+
+size_t EventHub::SubscriberCount() {
+  std::lock_guard<std::mutex> hold(_lock);
+  return _subscribers.size();
+}
+
+std::string EventFrame(const std::string& name, const std::string& data) {
+  std::string frame;
+  if (!name.empty()) frame = "event: " + name + "\n";
+  return frame + "data: " + data + "\n\n";
+}
+
+}  // namespace configweb
