@@ -129,7 +129,7 @@ TEST(ConfigctlTest, UsageErrorsExitTwo) {
                                              {"watch", "--group", "1"},
                                              {"--json=yes", "list"},
                                              {"--bogus", "list"},
-                                             {"--uri", "tcp://127.0.0.1:43110", "list"}}) {
+                                             {"--uri", "http://127.0.0.1:43110", "list"}}) {
     std::vector<std::string> argv = args;
     argv.insert(argv.begin(), CONFIGCTL_PATH);
     Outcome outcome = RunToEnd(argv);

@@ -8,6 +8,7 @@
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_groups.h"
+#include "config/manager/config_cache.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
@@ -117,7 +118,11 @@ int RunSet(const Arguments& arguments) {
   // A Get after a Set on the same connection sees the Set's outcome. Over
   // UDP the Set is answered, and a false answer is configd's refusal.
   bool refused = !sent && link.SetsAreAnswered();
-  if ((!sent && !refused) || !ReadValue(client, descriptor, after)) {
+  // A cache would answer with the value just written; the store's own answer
+  // (clamped or refused) comes from the connection under it.
+  auto* cache = dynamic_cast<ConfigCache*>(client);
+  Config* store = cache != nullptr ? cache->GetConfig() : client;
+  if ((!sent && !refused) || !ReadValue(store, descriptor, after)) {
     Console::Error("could not set %s through configd", name.c_str());
     return kExitFailure;
   }

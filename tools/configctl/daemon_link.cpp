@@ -64,6 +64,8 @@ Config* DaemonLink::OpenEvents() {
 
 bool DaemonLink::SetsAreAnswered() const { return _uri.find("udp:") != std::string::npos; }
 
+bool DaemonLink::TakesRequests() const { return _uri.find("multicast:") == std::string::npos; }
+
 Config* DaemonLink::Map(Config* requests, Config* events) {
   BuildMapperTables();
   auto* mapper = new tundra::mapper::TundraParamMapper();

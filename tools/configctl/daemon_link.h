@@ -40,6 +40,8 @@ class DaemonLink {
   // True when a refused Set answers false (UDP); other transports send a
   // Set without an answer.
   bool SetsAreAnswered() const;
+  // False for a "multicast://" URI, whose client only hears events.
+  bool TakesRequests() const;
   // `requests` seen through the unit's parameter mapper, hearing changes on
   // `events` (null: none). Owned by the link, destroyed before its clients.
   Config* Map(Config* requests, Config* events);

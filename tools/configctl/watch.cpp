@@ -44,9 +44,15 @@ bool ChangeQueue::ParamChanged(eParam_t id, std::string value, timeval when) {
   return true;
 }
 
+void ChangeQueue::KeepOnly(std::set<unsigned int> ids) {
+  std::lock_guard<std::mutex> hold(_lock);
+  _only = std::move(ids);
+}
+
 void ChangeQueue::Push(Change change) {
   {
     std::lock_guard<std::mutex> hold(_lock);
+    if (!_only.empty() && _only.count(change.id) == 0) return;
     _changes.push_back(std::move(change));
   }
   _ready.notify_one();
@@ -96,7 +102,12 @@ int RunWatch(const Arguments& arguments) {
   } else {
     std::list<eParam_t> ids;
     for (const ParamDescriptor* descriptor : descriptors) ids.push_back(descriptor->GetParamID());
-    watched->AddConfigEventListener(ids, &queue);
+    // A network client takes listeners for every parameter only; the queue
+    // then keeps the ones asked for.
+    if (!watched->AddConfigEventListener(ids, &queue)) {
+      queue.KeepOnly(std::set<unsigned int>(ids.begin(), ids.end()));
+      watched->AddConfigEventListener(&queue);
+    }
   }
 
   int status = kExitOk;
@@ -117,7 +128,8 @@ int RunWatch(const Arguments& arguments) {
       continue;
     }
     auto now = std::chrono::steady_clock::now();
-    if (probe != nullptr && now - lastBeat >= kHeartbeatInterval) {
+    // An events-only (multicast) link has nothing to ask a heartbeat of.
+    if (probe != nullptr && link.TakesRequests() && now - lastBeat >= kHeartbeatInterval) {
       lastBeat = now;
       ParamValue ignored;
       if (!ReadValue(requests, probe, ignored)) {

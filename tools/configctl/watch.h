@@ -12,6 +12,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <set>
 #include <string>
 
 #include "config/config_event_listener.h"
@@ -34,13 +35,16 @@ class ChangeQueue : public ConfigEventListener {
   // The oldest change, waiting up to `timeoutMs` for one; false when none
   // came in time.
   bool Next(Change& change, long timeoutMs);
+  // From now on only changes of these parameters are kept (empty: all).
+  void KeepOnly(std::set<unsigned int> ids);
 
  private:
   void Push(Change change);
 
   std::mutex _lock;
   std::condition_variable _ready;
-  std::deque<Change> _changes;  // guarded by _lock
+  std::deque<Change> _changes;   // guarded by _lock
+  std::set<unsigned int> _only;  // guarded by _lock
 };
 
 // Prints one line per change of the parameters named (of every parameter

@@ -139,7 +139,8 @@ NetworkClient::eReadResult NetworkClient::AwaitResponse(std::vector<char>& messa
 NetworkClient::eReadResult NetworkClient::ReadOwnResponse(std::vector<char>& message, int timeoutMs,
                                                           const char* timeoutFormat) {
   for (;;) {
-    if (!_timed_receives && timeoutMs >= 0 && !_socket->read_select(timeoutMs)) {
+    if (!_timed_receives && timeoutMs >= 0 && !HasBufferedInput() &&
+        !_socket->read_select(timeoutMs)) {
       if (timeoutFormat != nullptr) TimedOut(timeoutFormat);
       return eReadError;
     }
@@ -493,6 +494,7 @@ bool NetworkClient::WaitForSocketOrStop() {
   pollfd watched[2] = {{_fd, POLLIN, 0}, {_wake[0], POLLIN, 0}};
   for (;;) {
     if (_stop_events) return false;
+    if (HasBufferedInput()) return true;
     int ready = poll(watched, 2, -1);
     if (ready < 0 && errno == EINTR) continue;
     if (ready < 0 || watched[1].revents != 0 || _stop_events) return false;

@@ -170,6 +170,9 @@ class NetworkClient : public Config, public EventLossCounter {
   // Blocks until the socket is readable or the thread is asked to stop;
   // false on a stop.
   bool WaitForSocketOrStop();
+  // True when a transport that reads through a buffer holds bytes already
+  // received, which no poll of the socket would announce.
+  virtual bool HasBufferedInput() const { return false; }
 
   bool StartEventsThread();
   void StopEventsThread();

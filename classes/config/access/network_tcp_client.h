@@ -34,6 +34,7 @@ class NetworkTCPClient : public NetworkClient {
   void ProcessEvents() override;
 
  protected:
+  bool HasBufferedInput() const override { return _reader.Buffered(); }
   eReadResult ReadMessage(char* buffer, size_t capacity, size_t& length,
                           uint32_t& msgtype) override;
 

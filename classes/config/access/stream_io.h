@@ -27,6 +27,9 @@ class StreamReader {
   // As RecvExact: `length` on success, fewer when the peer closed, -1 on an
   // error.
   long Read(char* buffer, size_t length);
+  // True when bytes already received wait in the buffer: a poll of the
+  // descriptor would not see them.
+  [[nodiscard]] bool Buffered() const { return _end > _start; }
 
  private:
   int _fd;

@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 #include "config/access/network_factory.h"
 #include "config/access/network_tcp_client.h"
@@ -231,6 +232,22 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   XCONFIGMGR_EVENT_HANDLER_REQUEST_T request;
   zyn::config::access::Unpack(received, request);
   EXPECT_EQ((std::vector<uint32_t>{48, 0x10001, 0, 0, 0, 4096, 0}), WordsOf(request));
+
+  // An event and the answer to a Get that arrive in one segment: the answer
+  // waits in the events thread's buffer, where no poll of the socket sees it.
+  unsigned int got = 0;
+  std::thread requester([&] { got = client.Get(kPercent); });
+  ASSERT_EQ(40, server.recv(received, 40)) << "the Get Request";
+  XCONFIGMGR_RESPONSE_T answer{
+      MakeHeader(XCFG_GET_PARAM_RESPONSE, 0x10001, 0, 0), kPercent, 0, 42, 0, 0};
+  char both[2 * sizeof event];
+  event.value = 8;
+  zyn::config::access::Pack(event, both);
+  zyn::config::access::Pack(answer, both + sizeof event);
+  ASSERT_TRUE(server.send(both, sizeof both));
+  requester.join();
+  EXPECT_EQ(42u, got);
+  EXPECT_TRUE(second.WaitFor("1=8"));
   EXPECT_TRUE(client.RemoveConfigEventListener(&first));
   EXPECT_FALSE(client.RemoveConfigEventListener(&first)) << "a listener is removed once";
 }

@@ -1,0 +1,58 @@
+// configctl against a running configd over the network transports: the
+// TCP and UDP servers, the UDP server's multicast events, and caching.
+#include "tools_fixture.h"
+
+using namespace tools_test;
+
+namespace {
+
+bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+TEST_F(ConfigctlDaemonTest, GetSetAndWatchOverTcpUdpAndMulticast) {
+  int round = 0;
+  for (const char* scheme : {"tcp", "udp"}) {
+    SCOPED_TRACE(scheme);
+    const std::string uri = daemon.NetworkUri(scheme);
+    Outcome set = RunToEnd(CtlArgs(uri, {"set", "FrontPanelLock", "Locked"}));
+    EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", set.out) << set.err;
+    EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"get", "FrontPanelLock"}).out)
+        << "the change reached the store the local clients see";
+    Outcome refused = RunToEnd(CtlArgs(uri, {"set", "FrontPanelLock", "7"}));
+    EXPECT_EQ(1, refused.exitCode);
+    EXPECT_TRUE(Has(refused.err, "configd refused 7 for eParamID_FrontPanelLock")) << refused.err;
+    Outcome clamped = RunToEnd(CtlArgs(uri + "/caching=true", {"set", kClampedParam, "250"}));
+    EXPECT_EQ("eParamID_DisplayIntensity = 100 (clamped from 250)\n", clamped.out) << clamped.err;
+    EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n",
+              RunToEnd(CtlArgs(uri + "/caching=true", {"get", "FrontPanelLock"})).out);
+
+    // A change made over the local socket reaches a watch over the network.
+    ChildProcess watch;
+    ASSERT_TRUE(watch.Start(CtlArgs(uri, {"watch", "SystemName", "--count", "1"})));
+    std::string line;
+    ASSERT_TRUE(NextWatchLine(
+        watch,
+        [&] {
+          Ctl({"set", "SystemName", "net-" + std::to_string(++round)});
+        },
+        line));
+    EXPECT_TRUE(Has(line, "eParamID_SystemName = net-")) << line;
+    EXPECT_EQ(0, watch.Wait(kStopMs).exitCode);
+    Ctl({"set", "FrontPanelLock", "Unlocked"});
+  }
+  // The multicast URI alone is an events-only client on the event port.
+  ChildProcess watch;
+  ASSERT_TRUE(watch.Start(CtlArgs(daemon.NetworkUri("multicast"), {"watch", "--count", "1"})));
+  std::string line;
+  ASSERT_TRUE(NextWatchLine(
+      watch,
+      [&] {
+        Ctl({"set", "FrontPanelLock", "Locked"});
+      },
+      line));
+  EXPECT_TRUE(Has(line, "eParamID_FrontPanelLock = 1 (Locked)")) << line;
+  EXPECT_EQ(0, watch.Wait(kStopMs).exitCode);
+}
