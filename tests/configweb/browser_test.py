@@ -10,6 +10,7 @@ Exits 77 (skipped) when Chromium, its driver or Selenium cannot be had.
 import json
 import os
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -66,7 +67,14 @@ def main():
     driver = None
     state = tempfile.mkdtemp(prefix="configweb-browser-")
     try:
-        configd = subprocess.Popen([configd_path, "--port", "0", "--state-dir", state],
+        # Network servers on ports of the system's choice and events on a port
+        # of their own, so that tests running side by side never meet.
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
+            probe.bind(("127.0.0.1", 0))
+            event_port = probe.getsockname()[1]
+        configd = subprocess.Popen([configd_path, "--port", "0", "--state-dir", state,
+                                    "--tcp-port", "0", "--udp-port", "0",
+                                    "--multicast-port", str(event_port)],
                                    stdout=subprocess.PIPE,
                                    stderr=subprocess.DEVNULL, text=True)
         children.append(configd)

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "config/access/connection_utilities.h"
+#include "config/access/live_registry.h"
 #include "config/access/socket.h"
 #include "config/config_factory_impl.h"
 #include "config/values/config_value.h"
@@ -26,14 +27,9 @@ using namespace ::zyn::config::access;
 namespace {
 
 // Every live connection of the process, for a clean shutdown.
-struct LiveConnections {
-  std::mutex lock;
-  std::condition_variable gone;
-  std::set<NetworkTCPConnection*> all;
-};
-
-LiveConnections& Live() {
-  static LiveConnections* live = new LiveConnections();
+// Never destroyed: connection threads may still leave it during exit.
+::zyn::config::access::LiveRegistry<NetworkTCPConnection>& Live() {
+  static auto* live = new ::zyn::config::access::LiveRegistry<NetworkTCPConnection>();
   return *live;
 }
 
@@ -53,49 +49,23 @@ NetworkTCPConnection::NetworkTCPConnection(Socket* s)
   SemaphoreHelper::InitSemaphore(&lock);
   // A client that stops reading must not hold the store's writers for long.
   socket->set_send_timeout(kSendTimeoutMs);
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  live.all.insert(this);
+  Live().Add(this);
 }
 
 NetworkTCPConnection::~NetworkTCPConnection() {
-  {
-    LiveConnections& live = Live();
-    std::lock_guard<std::mutex> hold(live.lock);
-    live.all.erase(this);
-    live.gone.notify_all();
-  }
+  Live().Remove(this);
   delete socket;
   SemaphoreHelper::DestroySemaphore(&lock);
 }
 
-int NetworkTCPConnection::LiveCount() {
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  return static_cast<int>(live.all.size());
-}
+int NetworkTCPConnection::LiveCount() { return Live().Count(); }
 
-void NetworkTCPConnection::StopAll() {
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  for (NetworkTCPConnection* connection : live.all) connection->Stop();
-}
+void NetworkTCPConnection::StopAll() { Live().StopAll(); }
 
-bool NetworkTCPConnection::WaitForAll(long timeoutMs) {
-  LiveConnections& live = Live();
-  std::unique_lock<std::mutex> hold(live.lock);
-  return live.gone.wait_for(hold, std::chrono::milliseconds(timeoutMs),
-                            [&live] { return live.all.empty(); });
-}
+bool NetworkTCPConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool NetworkTCPConnection::Start() {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-  pthread_attr_setstacksize(&attributes, kThreadStackSize);
-  pthread_t thread;
-  int rc = pthread_create(&thread, &attributes, pthread_start, this);
-  pthread_attr_destroy(&attributes);
+  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
   if (rc != 0) {
     fprintf(stderr, "NetworkTCPConnection::Start - pthread_create failed\n");
     return false;

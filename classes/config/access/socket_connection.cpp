@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "config/access/connection_utilities.h"
+#include "config/access/live_registry.h"
 #include "config/access/socket.h"
 #include "config/access/stream_io.h"
 #include "config/config_factory_impl.h"
@@ -26,14 +27,9 @@ namespace access {
 namespace {
 
 // Every live connection of the process, for a clean shutdown.
-struct LiveConnections {
-  std::mutex lock;
-  std::condition_variable gone;
-  std::set<SocketConnection*> all;
-};
-
-LiveConnections& Live() {
-  static LiveConnections* live = new LiveConnections();
+// Never destroyed: connection threads may still leave it during exit.
+::zyn::config::access::LiveRegistry<SocketConnection>& Live() {
+  static auto* live = new ::zyn::config::access::LiveRegistry<SocketConnection>();
   return *live;
 }
 
@@ -55,49 +51,23 @@ SocketConnection::SocketConnection(Socket* socket)
   SemaphoreHelper::InitSemaphore(&_send_lock);
   // A client that stops reading must not hold the store's writers for long.
   _socket->set_send_timeout(kSendTimeoutMs);
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  live.all.insert(this);
+  Live().Add(this);
 }
 
 SocketConnection::~SocketConnection() {
-  {
-    LiveConnections& live = Live();
-    std::lock_guard<std::mutex> hold(live.lock);
-    live.all.erase(this);
-    live.gone.notify_all();
-  }
+  Live().Remove(this);
   delete _socket;
   SemaphoreHelper::DestroySemaphore(&_send_lock);
 }
 
-int SocketConnection::LiveCount() {
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  return static_cast<int>(live.all.size());
-}
+int SocketConnection::LiveCount() { return Live().Count(); }
 
-void SocketConnection::StopAll() {
-  LiveConnections& live = Live();
-  std::lock_guard<std::mutex> hold(live.lock);
-  for (SocketConnection* connection : live.all) connection->Stop();
-}
+void SocketConnection::StopAll() { Live().StopAll(); }
 
-bool SocketConnection::WaitForAll(long timeoutMs) {
-  LiveConnections& live = Live();
-  std::unique_lock<std::mutex> hold(live.lock);
-  return live.gone.wait_for(hold, std::chrono::milliseconds(timeoutMs),
-                            [&live] { return live.all.empty(); });
-}
+bool SocketConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool SocketConnection::Start() {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-  pthread_attr_setstacksize(&attributes, kThreadStackSize);
-  pthread_t thread;
-  int rc = pthread_create(&thread, &attributes, pthread_start, this);
-  pthread_attr_destroy(&attributes);
+  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
   if (rc != 0) {
     errno = rc;
     perror("SocketConnection::Start");
