@@ -17,9 +17,13 @@ constexpr long kRetryMs = 1000;
 }  // namespace
 
 PersistenceWorker::PersistenceWorker(Config* store, SectorFile* file, long flushMs)
-    : _store(store), _file(file), _flush_ms(flushMs) {}
+    : StoreWorker(store), _file(file), _flush_ms(flushMs) {}
 
 PersistenceWorker::~PersistenceWorker() { Stop(); }
+
+void PersistenceWorker::Stopped() {
+  if (_dirty.exchange(false)) Flush();
+}
 
 bool PersistenceWorker::IsPersisted(const ParamDescriptor* descriptor) {
   return descriptor->GetPersistenceType() == ePersist;
@@ -79,28 +83,6 @@ bool PersistenceWorker::Restore() {
   // What the store holds now differs from the sector: write the cleaned state.
   if (_counts.clamped + _counts.dropped + _counts.unknown > 0) _dirty = true;
   return true;
-}
-
-bool PersistenceWorker::Start() {
-  if (_started) return true;
-  _stopping = false;
-  _started = true;
-  _store->AddConfigEventListener(this);
-  _thread = std::thread([this] { Run(); });
-  return true;
-}
-
-void PersistenceWorker::Stop() {
-  if (!_started) return;
-  _store->RemoveConfigEventListener(this);
-  {
-    std::lock_guard<std::mutex> lock(_mutex);
-    _stopping = true;
-  }
-  _wake.notify_one();
-  _thread.join();
-  _started = false;
-  if (_dirty.exchange(false)) Flush();
 }
 
 bool PersistenceWorker::Flush() {

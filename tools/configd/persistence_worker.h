@@ -24,13 +24,13 @@
 #include <string>
 #include <thread>
 
-#include "config/config_event_listener.h"
+#include "configd/store_worker.h"
 
 class Config;
 class ParamDescriptor;
 class SectorFile;
 
-class PersistenceWorker : public ConfigEventListener {
+class PersistenceWorker : public StoreWorker {
  public:
   // What Restore did with the saved values.
   struct RestoreCounts {
@@ -52,10 +52,6 @@ class PersistenceWorker : public ConfigEventListener {
   bool Restore();
   [[nodiscard]] const RestoreCounts& GetRestoreCounts() const { return _counts; }
 
-  // Registers with the store and starts the flush thread.
-  bool Start();
-  // Unregisters, writes pending changes and ends the thread. Idempotent.
-  void Stop();
   // Writes the persisted values now if they differ from the last sector;
   // false when a write failed. Called by the flush thread (and tests).
   bool Flush();
@@ -65,19 +61,15 @@ class PersistenceWorker : public ConfigEventListener {
 
  private:
   void MarkDirty(eParam_t id);
-  void Run();
+  void Run() override;
+  // Writes what is still pending once the thread has ended.
+  void Stopped() override;
 
-  Config* _store;
   SectorFile* _file;
   const long _flush_ms;
   RestoreCounts _counts;
   std::string _last_written;  // flush thread (or before Start) only
   std::atomic<bool> _dirty{false};
-  std::mutex _mutex;
-  std::condition_variable _wake;
-  bool _stopping = false;  // guarded by _mutex
-  bool _started = false;   // controlling thread only
-  std::thread _thread;
 };
 
 #endif  // TOOLS_CONFIGD_PERSISTENCE_WORKER_H

@@ -17,7 +17,7 @@
 using namespace zyn::config::values;
 
 RegisterHandler::RegisterHandler(Config* store, PresetStore* presets, std::string folder)
-    : _store(store), _presets(presets), _folder(std::move(folder)) {}
+    : StoreWorker(store), _presets(presets), _folder(std::move(folder)) {}
 
 RegisterHandler::~RegisterHandler() { Stop(); }
 
@@ -28,27 +28,6 @@ bool RegisterHandler::IsCommand(unsigned int id) {
 
 bool RegisterHandler::InPresets(const ParamDescriptor* descriptor) {
   return descriptor->GetRegisterType() != eRegister_Exclude;
-}
-
-bool RegisterHandler::Start() {
-  if (_started) return true;
-  _stopping = false;
-  _started = true;
-  _store->AddConfigEventListener(this);
-  _thread = std::thread([this] { Run(); });
-  return true;
-}
-
-void RegisterHandler::Stop() {
-  if (!_started) return;
-  _store->RemoveConfigEventListener(this);
-  {
-    std::lock_guard<std::mutex> lock(_mutex);
-    _stopping = true;
-  }
-  _wake.notify_one();
-  _thread.join();
-  _started = false;
 }
 
 bool RegisterHandler::ParamChanged(eParam_t id, unsigned int value, timeval) {

@@ -27,13 +27,13 @@
 #include <thread>
 #include <utility>
 
-#include "config/config_event_listener.h"
+#include "configd/store_worker.h"
 
 class Config;
 class ParamDescriptor;
 class PresetStore;
 
-class RegisterHandler : public ConfigEventListener {
+class RegisterHandler : public StoreWorker {
  public:
   static constexpr unsigned int kRegisterRecall = 0x05CDE9A4;
   static constexpr unsigned int kRegisterRecallResult = 0x4000E4C8;
@@ -50,11 +50,6 @@ class RegisterHandler : public ConfigEventListener {
   // Whether a parameter belongs in user presets.
   static bool InPresets(const ParamDescriptor* descriptor);
 
-  // Registers with the store and starts the register thread.
-  bool Start();
-  // Unregisters, finishes the queued commands and ends the thread.
-  void Stop();
-
   bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
   bool ParamChanged(eParam_t id, std::string value, timeval when) override;
 
@@ -67,21 +62,15 @@ class RegisterHandler : public ConfigEventListener {
   void Reset(bool hard);
 
  private:
-  void Run();
+  void Run() override;
   // Checks every value of `values` and applies the ones that differ; on any
   // refusal nothing stays changed. False with the reason in `problem`.
   bool ApplyWhole(const std::string& values, std::string& problem);
   std::string PresetPath(unsigned int number) const;
 
-  Config* _store;
   PresetStore* _presets;
   std::string _folder;
-  std::mutex _mutex;
-  std::condition_variable _wake;
   std::deque<std::pair<unsigned int, unsigned int>> _queue;  // guarded by _mutex
-  bool _stopping = false;                                    // guarded by _mutex
-  bool _started = false;                                     // controlling thread only
-  std::thread _thread;
 };
 
 #endif  // TOOLS_CONFIGD_REGISTER_HANDLER_H
