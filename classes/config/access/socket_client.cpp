@@ -396,6 +396,9 @@ void SocketClient::StopEventsThread() {
   _events_started = false;
   _events_reading = false;
   _socket->close();
+  // The number may be given to another connection at once: nothing of this
+  // client may reach it.
+  _fd = -1;
 }
 
 void SocketClient::Run() { ProcessEvents(); }

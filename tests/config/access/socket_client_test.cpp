@@ -10,6 +10,7 @@
 
 #include "config/access/socket_factory.h"
 #include "loopback_server.h"
+#include "test_stderr.h"
 
 using namespace zyn::config::access;
 using namespace test_catalogue;
@@ -234,4 +235,25 @@ TEST_F(SocketClientTest, WaitForConfigEvent) {
   EXPECT_EQ("W", event.stringValue);
   factory.Disconnect(events);
   factory.Disconnect(requests);
+}
+
+// A client whose events ended has closed its socket; the descriptor number
+// may already be another connection's, which its Disconnect must not touch.
+TEST_F(SocketClientTest, DisconnectAfterTheEventsEndedTouchesNoOtherConnection) {
+  SocketClient* writer = Open();
+  SocketClient* first = Open();
+  WaitingListener gone;
+  first->AddConfigEventListener(&gone);
+  gone.AwaitRegistration(writer);
+  first->RemoveConfigEventListener(&gone);  // closes first's connection
+  SocketClient* second = Open();            // likely on the number first had
+  WaitingListener listening;
+  second->AddConfigEventListener(&listening);
+  listening.AwaitRegistration(writer);
+  Stderr([&] { factory.Disconnect(first); });
+  writer->Set(kPercent, 33);
+  EXPECT_EQ(std::vector<std::string>{"1=33"}, listening.WaitFor(1))
+      << "the other client's events go on";
+  factory.Disconnect(second);
+  factory.Disconnect(writer);
 }
