@@ -87,7 +87,7 @@ TEST_F(WebTest, GetAndSetGoThroughTheStoreAndSayWhatItKept) {
   EXPECT_EQ(200, text.status) << text.body;
   EXPECT_EQ("eParamID_SystemName = rack \"7\" \xC3\xA9\n", Ctl({"get", "SystemName"}).out);
 
-  HttpReply readonly = Put("/api/params/IPAddress_Actual", "{\"value\":\"10.0.0.1\"}");
+  HttpReply readonly = Put("/api/params/IPAddress_Actual", "{\"value\":\"127.0.0.2\"}");
   EXPECT_EQ(403, readonly.status) << readonly.body;
 }
 
