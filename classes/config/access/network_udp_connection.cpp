@@ -270,20 +270,25 @@ void NetworkUDPConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& r
   ConfigValue* value = dynamic_cast<ConfigValue*>(config->GetSerializable(request.paramID));
   std::vector<char> payload;
   if (value != nullptr) payload = EncodePayload(value);
-  XCONFIGMGR_RESPONSE_T response =
-      Response(request.header, XCFG_GET_STREAM_PARAM_RESPONSE, request.paramID, 0, 0);
+  if (payload.empty()) fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+  if (!AnswerWithPayload(request, XCFG_GET_STREAM_PARAM_RESPONSE, payload, from))
+    fprintf(stderr, "NetworkUDPConnection::ProcessGetStreamRequest - send failed\n");
+}
+
+bool NetworkUDPConnection::AnswerWithPayload(const XCONFIGMGR_REQUEST_T& request, uint32_t msgtype,
+                                             const std::vector<char>& payload,
+                                             const sockaddr_in& to) {
+  XCONFIGMGR_RESPONSE_T response = Response(request.header, msgtype, request.paramID, 0, 0);
   if (payload.empty()) {
     // Answered all the same: a client waits for this datagram without a
     // time-out.
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
     response.error = kRefused;
   } else {
     response.streamLength = static_cast<uint32_t>(payload.size());
     response.streamBufferSize = kXConfigStreamBufferSize;
   }
   ConnectionUtilities::Dump(response, payload.data(), payload.size());
-  if (!Answer(PackWithPayload(response, payload), from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessGetStreamRequest - send failed\n");
+  return Answer(PackWithPayload(response, payload), to);
 }
 
 void NetworkUDPConnection::ProcessSetStreamRequest(unsigned int configID, char* payload,
@@ -309,17 +314,9 @@ void NetworkUDPConnection::ProcessGetDataRequest(const XCONFIGMGR_REQUEST_T& req
                       eCParam_StringValue, data);
     payload = EncodePayload(&value);
   }
-  XCONFIGMGR_RESPONSE_T response =
-      Response(request.header, XCFG_GET_DATA_RESPONSE, request.paramID, 0, 0);
-  if (payload.empty()) {
+  if (payload.empty())
     fprintf(stderr, "NetworkUDPConnection::ProcessGetDataRequest - GetData failed\n");
-    response.error = kRefused;
-  } else {
-    response.streamLength = static_cast<uint32_t>(payload.size());
-    response.streamBufferSize = kXConfigStreamBufferSize;
-  }
-  ConnectionUtilities::Dump(response, payload.data(), payload.size());
-  if (!Answer(PackWithPayload(response, payload), from))
+  if (!AnswerWithPayload(request, XCFG_GET_DATA_RESPONSE, payload, from))
     fprintf(stderr, "NetworkUDPConnection::ProcessGetDataRequest - send failed\n");
 }
 

@@ -92,6 +92,10 @@ class NetworkUDPConnection : public NetworkConnection {
   void DataChanged(const XCONFIGMGR_REQUEST_T& request, const char* payload, unsigned int length);
   void FireDependentParamsChangedEvents(const XCONFIGMGR_REQUEST_T& request, unsigned int paramID);
 
+  // Answers a Get String or Get Data Request with `payload`, or with error
+  // 0xFFFFFFFF and no payload when it is empty.
+  bool AnswerWithPayload(const XCONFIGMGR_REQUEST_T& request, uint32_t msgtype,
+                         const std::vector<char>& payload, const sockaddr_in& to);
   // Sends a response, with its payload if any, back to the requester.
   bool Answer(const std::vector<char>& bytes, const sockaddr_in& to);
   template <typename Record>
