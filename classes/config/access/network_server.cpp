@@ -4,7 +4,6 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -140,26 +139,21 @@ bool NetworkServer::WaitForConnection() {
   while (poll(&ready, 1, -1) < 0 && errno == EINTR) {
   }
   if (stop) return false;
+  if (_gate.RefuseWhileExhausted(_fd)) return true;
   Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!socket->accept(accepted)) {
+    int error = errno;
+    delete accepted;
+    if (_gate.RefuseOnFailedAccept(_fd)) return true;
+    errno = error;
     perror("NetworkServer::WaitForConnection");
     fprintf(stderr, "NetworkServer::WaitForConnection - accept failed\n");
-    delete accepted;
     return false;
   }
-  if (_max_connections > 0 && NetworkTCPConnection::LiveCount() >= _max_connections) {
+  if (_gate.RefuseOverLimit(NetworkTCPConnection::LiveCount())) {
     // Closed before a connection thread exists: the clients already served
     // keep all they had.
     delete accepted;
-    ++_refused;
-    long now = static_cast<long>(time(nullptr));
-    if (now != _refusal_reported) {
-      _refusal_reported = now;
-      fprintf(stderr,
-              "NetworkServer::WaitForConnection - connection limit of %d reached, %lu clients "
-              "refused so far\n",
-              _max_connections, _refused);
-    }
     return true;
   }
   NetworkTCPConnection* connection = new NetworkTCPConnection(accepted);

@@ -24,6 +24,8 @@
 #include <atomic>
 #include <string>
 
+#include "config/access/connection_gate.h"
+
 class Socket;
 
 namespace zyn {
@@ -54,9 +56,10 @@ class NetworkServer {
   void SetEventInterface(const std::string& address) { _event_interface = address; }
   void SetListenAddress(const std::string& address) { _listen_address = address; }
   // TCP: at most `count` live connections in the process (0, the default:
-  // no limit). A client beyond it is closed at once, and the refusals are
-  // reported at most once a second.
-  void SetMaxConnections(int count) { _max_connections = count; }
+  // no limit). A client beyond it, or one that comes while the process is
+  // out of descriptors, is closed at once, and the refusals are reported at
+  // most once a second.
+  void SetMaxConnections(int count) { _gate.SetMaxConnections(count); }
 
   // Creates and binds the socket (and listens for TCP), replacing a
   // previous one. False with a message.
@@ -95,9 +98,7 @@ class NetworkServer {
   std::string _event_interface;
   std::string _listen_address;
   sem_t _stop_lock;
-  int _max_connections = 0;
-  unsigned long _refused = 0;  // clients closed by the limit (server thread)
-  long _refusal_reported = 0;  // the second of the last refusal line
+  ::zyn::config::access::ConnectionGate _gate{"NetworkServer::WaitForConnection"};  // TCP thread
 };
 
 }  // namespace access

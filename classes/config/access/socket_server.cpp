@@ -105,25 +105,17 @@ SocketConnection* SocketServer::WaitForConnection() {
   pollfd ready{_listen_fd, POLLIN, 0};
   while (poll(&ready, 1, -1) < 0 && errno == EINTR) {
   }
-  if (_closing) return nullptr;
+  if (_closing || _gate.RefuseWhileExhausted(_listen_fd)) return nullptr;
   Socket* accepted = new Socket(Socket::kInternetDomain, Socket::kStream);
   if (!_socket->accept(accepted)) {
     delete accepted;
+    _gate.RefuseOnFailedAccept(_listen_fd);
     return nullptr;
   }
-  if (_max_connections > 0 && SocketConnection::LiveCount() >= _max_connections) {
+  if (_gate.RefuseOverLimit(SocketConnection::LiveCount())) {
     // Closed before a connection thread or buffer exists: the clients
     // already served keep all they had.
     delete accepted;
-    ++_refused;
-    time_t now = time(nullptr);
-    if (now != _refusal_reported) {
-      _refusal_reported = now;
-      fprintf(stderr,
-              "SocketServer::WaitForConnection - connection limit of %d reached, %lu clients "
-              "refused so far\n",
-              _max_connections, _refused);
-    }
     return nullptr;
   }
   return new SocketConnection(accepted);

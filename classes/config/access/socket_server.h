@@ -13,11 +13,11 @@
 #define CLASSES_CONFIG_ACCESS_SOCKET_SERVER_H
 
 #include <pthread.h>
-#include <time.h>
 
 #include <atomic>
 #include <string>
 
+#include "config/access/connection_gate.h"
 #include "support/runnable.h"
 
 class Socket;
@@ -42,15 +42,16 @@ class SocketServer : public Runnable {
   // (the default) listens on every interface.
   void SetListenAddress(const std::string& address) { _listen_address = address; }
   // Before Start: at most `count` live connections in the process (0, the
-  // default: no limit). A client beyond it is closed at once, and the
-  // refusals are reported at most once a second.
-  void SetMaxConnections(int count) { _max_connections = count; }
+  // default: no limit). A client beyond it, or one that comes while the
+  // process is out of descriptors, is closed at once, and the refusals are
+  // reported at most once a second.
+  void SetMaxConnections(int count) { _gate.SetMaxConnections(count); }
   // Starts the server thread; from then on the thread owns the server.
   virtual bool Start();
   virtual void Stop();
 
   // The next accepted client, or null (also for a client refused by the
-  // connection limit).
+  // connection limit or for lack of descriptors).
   SocketConnection* WaitForConnection();
   // The port actually bound (useful when constructed with port 0).
   int GetPort() const { return _port; }
@@ -66,9 +67,7 @@ class SocketServer : public Runnable {
   int _listen_fd;
   pthread_t _thread;
   std::string _listen_address;
-  int _max_connections = 0;
-  unsigned long _refused = 0;  // clients closed by the limit (server thread)
-  time_t _refusal_reported = 0;
+  ConnectionGate _gate{"SocketServer::WaitForConnection"};  // server thread
 };
 
 }  // namespace access

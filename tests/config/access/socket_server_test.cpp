@@ -2,8 +2,12 @@
 // by raw peers so every record is checked word for word.
 #include <dirent.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <memory>
 #include <thread>
 
 #include "config/values/integer_value.h"
@@ -34,6 +38,24 @@ void Sync(RawPeer& peer) {
   XCONFIGMGR_RESPONSE_T response{};
   ASSERT_TRUE(peer.ReadRecord(response));
   ASSERT_EQ(96u, response.header.msgtype);
+}
+
+// How long a refused client may wait to be closed: long enough for a loaded
+// machine, and a closed client ends the wait at once.
+constexpr int kRefusalMs = 10000;
+
+int HighestDescriptor() {
+  int highest = 0;
+  DIR* dir = opendir("/proc/self/fd");
+  while (dirent* entry = readdir(dir)) highest = std::max(highest, atoi(entry->d_name));
+  closedir(dir);
+  return highest;
+}
+
+size_t Count(const std::string& text, const std::string& part) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
 }
 
 int OpenDescriptors() {
@@ -298,12 +320,14 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
   RawPeer first(port);
   EXPECT_EQ(0u, first.Connect(kConnection));
   Sync(first);
+  const time_t refusalsBegin = time(nullptr);
   RawPeer second(port);
-  EXPECT_TRUE(second.ClosedByPeer()) << "a client past the limit is closed at once";
+  EXPECT_TRUE(second.ClosedByPeer(kRefusalMs)) << "a client past the limit is closed at once";
   for (int i = 0; i < 9; ++i) {
     RawPeer more(port);
-    EXPECT_TRUE(more.ClosedByPeer());
+    EXPECT_TRUE(more.ClosedByPeer(kRefusalMs));
   }
+  const time_t refusalsEnd = time(nullptr);
   Sync(first);  // the client within the limit is still served
 
   server->Stop();
@@ -318,9 +342,46 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
             err.find("SocketServer::WaitForConnection - connection limit of 1 reached, 1 clients "
                      "refused so far\n"))
       << err;
-  size_t lines = 0;
-  for (size_t at = err.find("connection limit"); at != std::string::npos;
-       at = err.find("connection limit", at + 1))
-    ++lines;
-  EXPECT_LE(lines, 2u) << "ten refusals within a moment are one line a second at most";
+  EXPECT_LE(Count(err, "connection limit"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
+      << "ten refusals are one line a second at most";
+}
+
+TEST_F(SocketServerTest, ClientsPastTheDescriptorLimitAreClosedAtOnce) {
+  RawPeer first(server.port);
+  ASSERT_EQ(0u, first.Connect(kConnection));
+  testing::internal::CaptureStderr();
+  rlimit saved{};
+  ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &saved));
+  // Below a lowered limit every descriptor is taken but the ones handed
+  // back one by one for the clients' own sockets.
+  rlimit low = saved;
+  low.rlim_cur = HighestDescriptor() + 16;
+  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &low));
+  std::vector<int> fillers;
+  for (int fd; (fd = dup(0)) >= 0;) fillers.push_back(fd);
+  const time_t refusalsBegin = time(nullptr);
+  std::vector<std::unique_ptr<RawPeer>> refused;
+  for (int i = 0; i < 3; ++i) {
+    close(fillers.back());
+    fillers.pop_back();
+    refused.emplace_back(new RawPeer(server.port));
+    ASSERT_TRUE(refused.back()->connected);
+    EXPECT_TRUE(refused.back()->ClosedByPeer(kRefusalMs))
+        << "client " << i << " was left waiting for a descriptor";
+  }
+  const time_t refusalsEnd = time(nullptr);
+  Sync(first);  // the client already served goes on
+  for (int fd : fillers) close(fd);
+  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &saved));
+  RawPeer later(server.port);
+  EXPECT_EQ(0u, later.Connect(kConnection + 1)) << "served again once descriptors are free";
+  Sync(later);
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_NE(std::string::npos,
+            err.find("SocketServer::WaitForConnection - out of descriptors, 1 clients refused so "
+                     "far\n"))
+      << err;
+  EXPECT_LE(Count(err, "out of descriptors"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
+      << err;
+  EXPECT_EQ(1u, Count(err, "Socket::accept")) << "only the first refusal tries to accept: " << err;
 }
