@@ -9,6 +9,7 @@
 // asynchronously; the shutdown happens on the main thread in plain code.
 #include <arpa/inet.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -133,6 +134,31 @@ constexpr Option kOptions[] = {
     {"--flush-ms", &SetFlushMs, "flush interval"},
 };
 
+// Descriptors configd keeps besides its clients' (state files, servers,
+// standard streams).
+constexpr rlim_t kOwnDescriptors = 64;
+
+// Every client holds a descriptor. The soft limit (often 1024) is raised to
+// the hard one, so that --max-connections, not the shell's default, decides
+// how many clients are served; a hard limit below what both stream servers
+// may hold is said once. Clients that come when no descriptor is left are
+// closed at once by the servers.
+void RaiseDescriptorLimit(int maxConnections) {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  if (limit.rlim_cur != limit.rlim_max) {
+    limit.rlim_cur = limit.rlim_max;
+    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) getrlimit(RLIMIT_NOFILE, &limit);
+  }
+  rlim_t needed = 2 * static_cast<rlim_t>(maxConnections) + kOwnDescriptors;
+  if (maxConnections > 0 && limit.rlim_cur != RLIM_INFINITY && limit.rlim_cur < needed)
+    fprintf(stderr,
+            "configd: the descriptor limit of %lu is below the %lu that --max-connections %d "
+            "needs; clients past it are closed\n",
+            static_cast<unsigned long>(limit.rlim_cur), static_cast<unsigned long>(needed),
+            maxConnections);
+}
+
 int UsageError(const std::string& message) {
   fprintf(stderr, "configd: %s\n", message.c_str());
   fprintf(stderr, "Try 'configd --help'.\n");
@@ -181,6 +207,7 @@ int main(int argc, char** argv) {
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   signal(SIGPIPE, SIG_IGN);  // a vanished client is reported by send, not by a signal
 
+  RaiseDescriptorLimit(options.maxConnections);
   ConfigDaemon daemon;
   if (!daemon.Start(options)) return 1;
   fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
