@@ -38,6 +38,7 @@
 #include "config/config_factory_impl.h"
 #include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
+#include "load_figures.h"
 
 using namespace zyn::boxline::config::access;
 using Clock = std::chrono::steady_clock;
@@ -46,18 +47,6 @@ namespace {
 
 constexpr unsigned int kLoadInteger = 0xFEEDD001;
 constexpr int kFanout = 100;
-
-struct Figures {
-  double opsPerSecond;
-  double p50;
-  double p99;
-};
-
-Figures Summarise(std::vector<double> samples, double seconds) {
-  std::sort(samples.begin(), samples.end());
-  return {samples.size() / seconds, samples[samples.size() / 2],
-          samples[samples.size() * 99 / 100]};
-}
 
 // Times `ops` calls of `op`, in microseconds each.
 Figures Time(int ops, const std::function<void()>& op) {

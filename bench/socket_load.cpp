@@ -22,6 +22,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "config/access/socket_client.h"
@@ -33,6 +34,7 @@
 #include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
+#include "load_figures.h"
 
 using namespace zyn::config::access;
 using Clock = std::chrono::steady_clock;
@@ -47,12 +49,15 @@ struct Options {
   int clients = 1;
   double seconds = 5;
   int port = 0;  // 0: start a server in this process
+  // The integer parameter of get, set and event; a running configd needs
+  // one of its catalogue's (the load parameters exist only in-process).
+  unsigned int param = kLoadInteger;
 };
 
 void Usage() {
   fprintf(stderr,
           "usage: socket_load [--op get|set|getstring|event|echo] [--clients N] [--seconds S] "
-          "[--port P]\n");
+          "[--port P] [--param ID]\n");
   exit(2);
 }
 
@@ -69,6 +74,8 @@ Options Parse(int argc, char** argv) {
       options.seconds = atof(argv[++i]);
     } else if (arg == "--port") {
       options.port = atoi(argv[++i]);
+    } else if (arg == "--param") {
+      options.param = static_cast<unsigned int>(strtoul(argv[++i], nullptr, 0));
     } else {
       Usage();
     }
@@ -174,24 +181,29 @@ class EventTimer : public ConfigEventListener {
 };
 
 // One client's loop: the operation, timed, until the deadline.
-std::vector<float> RunClient(const Options& options, int port, int index,
-                             Clock::time_point deadline) {
-  std::vector<float> latencies;
+std::vector<double> RunClient(const Options& options, int port, int index,
+                              Clock::time_point deadline, std::atomic<int>& failures) {
+  std::vector<double> latencies;
   latencies.reserve(200000);
   std::string uri = "socket://127.0.0.1:" + std::to_string(port) + "/configid=0";
+  // Times `body` until the deadline or its first failure (a failed
+  // exchange returns at once and would inflate the rate).
   auto time = [&](auto body) {
     while (Clock::now() < deadline) {
       auto start = Clock::now();
-      body();
-      latencies.push_back(std::chrono::duration<float, std::micro>(Clock::now() - start).count());
+      if (!body()) {
+        ++failures;
+        return;
+      }
+      latencies.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
     }
   };
   if (options.op == "echo") {
     int fd = ConnectEcho(port);
     char request[40] = {}, response[44];
     time([&] {
-      SendAll(fd, request, sizeof request);
-      RecvExact(fd, response, sizeof response);
+      return SendAll(fd, request, sizeof request) &&
+             RecvExact(fd, response, sizeof response) == sizeof response;
     });
     ::close(fd);
     return latencies;
@@ -203,27 +215,26 @@ std::vector<float> RunClient(const Options& options, int port, int index,
     exit(1);
   }
   unsigned int n = static_cast<unsigned int>(index) * 1000000u;
+  unsigned int value = 0;
   std::string text;
   if (options.op == "get") {
-    time([&] { client->Get(kLoadInteger); });
+    time([&] { return client->Get(options.param, value); });
   } else if (options.op == "set") {
     // A Set is not answered: time it together with the Get that confirms it.
     time([&] {
-      client->Set(kLoadInteger, ++n % 1000000);
-      client->Get(kLoadInteger);
+      return client->Set(options.param, ++n % 1000000) && client->Get(options.param, value);
     });
   } else if (options.op == "getstring") {
-    time([&] { client->Get(kLoadString, text); });
+    time([&] { return client->Get(kLoadString, text); });
   } else {  // event: from a Set on one connection to the event on another
     SocketFactory eventsFactory;
     Config* events = eventsFactory.Connect(uri);
     EventTimer timer;
-    events->AddConfigEventListener(kLoadInteger, &timer);
-    client->Get(kLoadInteger);  // the registration is in place before timing
+    events->AddConfigEventListener(options.param, &timer);
+    client->Get(options.param);  // the registration is in place before timing
     time([&] {
-      unsigned int value = (++n % 999999) + 1;
-      client->Set(kLoadInteger, value);
-      timer.Wait(value);
+      unsigned int next = (++n % 999999) + 1;
+      return client->Set(options.param, next) && timer.Wait(next);
     });
     events->RemoveConfigEventListener(&timer);
     eventsFactory.Disconnect(events);
@@ -258,21 +269,19 @@ int main(int argc, char** argv) {
 
   auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                      std::chrono::duration<double>(options.seconds));
-  std::vector<std::vector<float>> results(options.clients);
+  std::vector<std::vector<double>> results(options.clients);
   std::vector<std::thread> clients;
+  std::atomic<int> failures{0};
   for (int i = 0; i < options.clients; ++i)
-    clients.emplace_back([&, i] { results[i] = RunClient(options, port, i, deadline); });
+    clients.emplace_back([&, i] { results[i] = RunClient(options, port, i, deadline, failures); });
   for (std::thread& t : clients) t.join();
 
-  std::vector<float> all;
+  std::vector<double> all;
   for (auto& r : results) all.insert(all.end(), r.begin(), r.end());
-  std::sort(all.begin(), all.end());
-  auto percentile = [&](double p) {
-    return all.empty() ? 0.0 : all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];
-  };
-  printf("op=%s clients=%d seconds=%g ops/s=%.0f p50_us=%.1f p99_us=%.1f\n", options.op.c_str(),
-         options.clients, options.seconds, all.size() / options.seconds, percentile(0.50),
-         percentile(0.99));
+  Figures figures = Summarise(std::move(all), options.seconds);
+  printf("op=%s clients=%d seconds=%g ops/s=%.0f p50_us=%.1f p99_us=%.1f failed_clients=%d\n",
+         options.op.c_str(), options.clients, options.seconds, figures.opsPerSecond, figures.p50,
+         figures.p99, failures.load());
   fflush(stdout);
 
   if (server != nullptr) {
