@@ -107,9 +107,7 @@ TEST(XConfigRecordsTest, Payloads) {
   ASSERT_NE(nullptr, dynamic_cast<IntegerValue*>(back.get()));
 
   std::vector<char> vector = Bytes({0, 0, 0, 9, 0, 0, 0, 0});
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value";
-  testing::internal::GetCapturedStderr();
+  Stderr([&] { EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value"; });
 }
 
 TEST(XConfigRecordsTest, ResponseMatching) {
@@ -117,16 +115,12 @@ TEST(XConfigRecordsTest, ResponseMatching) {
   XCONFIGMGR_HEADER_T response = MakeHeader(96, 0x20001234, 5, 0);
   EXPECT_TRUE(IsValidResponse(request, response));
   response = MakeHeader(96, 0x30001234, 6, 2);
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(IsValidResponse(request, response));
   EXPECT_EQ(
       "IsValidResponse - request.connectionID (0x20001234) != response.connectionID "
       "(0x30001234)\n"
       "IsValidResponse - request.configID (0) != response.configID (2)\n"
       "IsValidResponse - request.requestID (5) != response.requestID (6)\n",
-      testing::internal::GetCapturedStderr());
+      Stderr([&] { EXPECT_FALSE(IsValidResponse(request, response)); }));
   XCONFIGMGR_HEADER_T event = MakeHeader(144, 0x20001234, kXConfigEventRequestID, 0);
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(IsValidResponse(request, event)) << "an event never answers a request";
-  testing::internal::GetCapturedStderr();
+  Stderr([&] { EXPECT_FALSE(IsValidResponse(request, event)) << "an event never answers"; });
 }
