@@ -1,5 +1,6 @@
-// Helpers shared by the tests: encode an object to bytes and render byte
-// sequences as spaced hexadecimal text, so failures show the whole encoding.
+// Helpers shared by the tests: encode an object to bytes, read it back, and
+// render byte sequences as spaced hexadecimal text, so failures show the
+// whole encoding.
 #ifndef TESTS_TEST_BYTES_H
 #define TESTS_TEST_BYTES_H
 
@@ -7,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "config/values/memory_deserializer.h"
 #include "config/values/memory_serializer.h"
+#include "test_stderr.h"
 
 inline std::string Hex(const std::vector<char>& bytes) {
   std::string text;
@@ -33,6 +36,17 @@ inline std::vector<char> EncodeFramed(Serializable* object) {
 inline std::vector<char> EncodeFields(Serializable* object) {
   std::vector<char> framed = EncodeFramed(object);
   return std::vector<char>(framed.begin() + 4, framed.end());
+}
+
+// The object framed in `bytes`, read through the class registry (its
+// messages dropped); null when the read fails. The caller owns what the
+// registry hands out as new.
+inline Serializable* DecodeFramed(std::vector<char>& bytes) {
+  MemoryDeSerializer in(eSerializationFormat_Binary, bytes.data(), bytes.data() + bytes.size(),
+                        false);
+  Serializable* object = nullptr;
+  Stderr([&] { in.Read(object); });
+  return object;
 }
 
 inline std::vector<char> Bytes(std::initializer_list<int> values) {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
+#include "test_stderr.h"
+
 using zyn::config::access::url;
 
 TEST(UrlTest, SplitsSchemeHostAndPortIgnoringTheRest) {
@@ -19,13 +19,13 @@ TEST(UrlTest, SplitsSchemeHostAndPortIgnoringTheRest) {
 TEST(UrlTest, FewerThanThreeWordsLeaveTheFieldsUnchanged) {
   url parsed;
   ASSERT_TRUE(parsed.parse("tcp://host:1"));
-  CaptureStderr();
-  EXPECT_FALSE(parsed.parse("socket://127.0.0.1"));
-  EXPECT_FALSE(parsed.parse("::://"));
   EXPECT_EQ(
       "url::parse - unable to parse url, found 2 matches\n"
       "url::parse - unable to parse url, found 0 matches\n",
-      GetCapturedStderr());
+      Stderr([&] {
+        EXPECT_FALSE(parsed.parse("socket://127.0.0.1"));
+        EXPECT_FALSE(parsed.parse("::://"));
+      }));
   EXPECT_EQ("tcp", parsed.scheme);
   EXPECT_EQ("host", parsed.host);
   EXPECT_EQ("1", parsed.port);
@@ -38,8 +38,8 @@ TEST(UrlTest, OverlongTextIsBounded) {
   EXPECT_EQ(std::string(url::kMaxWord, 'h'), parsed.host) << "a word keeps at most 99 bytes";
   EXPECT_EQ(std::string(150 - url::kMaxWord, 'h'), parsed.port) << "and the rest moves on";
 
-  CaptureStderr();
-  EXPECT_FALSE(parsed.parse(std::string(url::kMaxText, '/') + "a://b:1"));
-  EXPECT_EQ("url::parse - unable to parse url, found 0 matches\n", GetCapturedStderr())
+  EXPECT_EQ("url::parse - unable to parse url, found 0 matches\n", Stderr([&] {
+              EXPECT_FALSE(parsed.parse(std::string(url::kMaxText, '/') + "a://b:1"));
+            }))
       << "only the first kMaxText bytes are read";
 }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <map>
 
@@ -61,24 +62,18 @@ TEST(XConfigRecordsTest, MessageTable) {
   EXPECT_STREQ("<=", DirectionArrow(XCFG_PARAM_DATA_CHANGED_EVENT));
   EXPECT_STREQ("<-", DirectionArrow(XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE));
   EXPECT_STREQ("<-", DirectionArrow(999));
-  // The local server reads these whole sizes and refuses everything else.
-  EXPECT_EQ(24u, LocalRequestSize(XCFG_CONNECT_REQUEST));
-  EXPECT_EQ(28u, LocalRequestSize(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST));
-  EXPECT_EQ(40u, LocalRequestSize(XCFG_SET_STREAM_PARAM_REQUEST));
-  EXPECT_EQ(0u, LocalRequestSize(XCFG_POPULATE_PARAM_REQUEST));
-  EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_DATA_REQUEST));
-  EXPECT_EQ(0u, LocalRequestSize(XCFG_GET_PARAM_RESPONSE));
-  // The network servers: TCP takes the listener requests but no data
-  // requests, UDP the data requests but no listener requests.
-  const std::map<uint32_t, std::pair<size_t, size_t>> network = {
-      {16, {24, 24}}, {17, {24, 24}},  {48, {28, 0}},   {49, {28, 0}},  {80, {40, 40}},
-      {81, {40, 40}}, {112, {40, 40}}, {113, {40, 40}}, {256, {0, 40}}, {258, {0, 40}}};
+  // The servers read these whole request sizes and refuse every other code:
+  // TCP takes the listener requests but no data requests, UDP the reverse.
+  typedef std::array<size_t, 3> Sizes;  // local, TCP, UDP
+  const std::map<uint32_t, Sizes> sizes = {
+      {16, {24, 24, 24}}, {17, {24, 24, 24}}, {48, {28, 28, 0}},   {49, {28, 28, 0}},
+      {80, {40, 40, 40}}, {81, {40, 40, 40}}, {112, {40, 40, 40}}, {113, {40, 40, 40}},
+      {256, {0, 0, 40}},  {258, {0, 0, 40}}};
   for (uint32_t code = 0; code < 0x200; ++code) {
-    auto it = network.find(code);
-    std::pair<size_t, size_t> sizes =
-        it != network.end() ? it->second : std::pair<size_t, size_t>();
-    EXPECT_EQ(sizes.first, TCPRequestSize(code)) << "TCP, code " << code;
-    EXPECT_EQ(sizes.second, UDPRequestSize(code)) << "UDP, code " << code;
+    auto it = sizes.find(code);
+    EXPECT_EQ(it != sizes.end() ? it->second : Sizes{},
+              (Sizes{LocalRequestSize(code), TCPRequestSize(code), UDPRequestSize(code)}))
+        << "local, TCP and UDP sizes of code " << code;
   }
   EXPECT_STREQ("XCFG_SET_DATA_REQUEST", SymbolicName(XCFG_SET_DATA_REQUEST));
   EXPECT_STREQ("N/A", SymbolicName(999));
@@ -107,9 +102,7 @@ TEST(XConfigRecordsTest, Payloads) {
   ASSERT_NE(nullptr, dynamic_cast<IntegerValue*>(back.get()));
 
   std::vector<char> vector = Bytes({0, 0, 0, 9, 0, 0, 0, 0});
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value";
-  testing::internal::GetCapturedStderr();
+  Stderr([&] { EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value"; });
 }
 
 TEST(XConfigRecordsTest, ResponseMatching) {
@@ -117,16 +110,12 @@ TEST(XConfigRecordsTest, ResponseMatching) {
   XCONFIGMGR_HEADER_T response = MakeHeader(96, 0x20001234, 5, 0);
   EXPECT_TRUE(IsValidResponse(request, response));
   response = MakeHeader(96, 0x30001234, 6, 2);
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(IsValidResponse(request, response));
   EXPECT_EQ(
       "IsValidResponse - request.connectionID (0x20001234) != response.connectionID "
       "(0x30001234)\n"
       "IsValidResponse - request.configID (0) != response.configID (2)\n"
       "IsValidResponse - request.requestID (5) != response.requestID (6)\n",
-      testing::internal::GetCapturedStderr());
+      Stderr([&] { EXPECT_FALSE(IsValidResponse(request, response)); }));
   XCONFIGMGR_HEADER_T event = MakeHeader(144, 0x20001234, kXConfigEventRequestID, 0);
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(IsValidResponse(request, event)) << "an event never answers a request";
-  testing::internal::GetCapturedStderr();
+  Stderr([&] { EXPECT_FALSE(IsValidResponse(request, event)) << "an event never answers"; });
 }

@@ -8,7 +8,6 @@
 #include "config/descriptors/audio_descriptor_helpers.h"
 #include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
-#include "config/descriptors/param_suffixes.h"
 
 // Descriptors here use IDs 0xFEED01xx and a menu group of their own, so that
 // other tests sharing the registry do not disturb them.
@@ -60,24 +59,6 @@ TEST(ParamGroupTest, ListsVisibleMembersInMenuOrder) {
   EXPECT_EQ(GetParamGroup(kTestGroup), (std::list<unsigned int>{zeroth, first, second}));
   EXPECT_TRUE(GetParamGroup(-7).empty());
   EXPECT_EQ(GetConfigParamGroups(), (std::vector<int>{3, 11})) << "debug is in the config menu";
-}
-
-TEST(ParamSuffixesTest, TablesHoldTheirEntriesAndFillValue) {
-  InitializeSuffixes();
-  InitializeSuffixes();
-  EXPECT_EQ(InputName[0], "SDI1");
-  EXPECT_EQ(InputName[9], "SDI1") << "the tenth input falls back to SDI1";
-  EXPECT_EQ(InputName[10], "Universal");
-  EXPECT_EQ(FrameRateModeName[2], "6024");
-  EXPECT_EQ(IPConfigSuffix[1], "Static");
-
-  int own_suffixes = 0;
-  for (const std::string& suffix : OutputFormatSuffix) own_suffixes += suffix != "1080i5994";
-  EXPECT_EQ(own_suffixes, 27) << "every unlisted format holds the fill value";
-  EXPECT_EQ(OutputFormatSuffix[2], "525psf2997");
-  EXPECT_EQ(OutputFormatSuffix[27], "1080p2398");
-  EXPECT_EQ(OutputFormatSuffix[49], "2Kx1080p5994");
-  EXPECT_EQ(OutputFormatSuffix[kOutputFormatSuffixCount - 1], "1080i5994");
 }
 
 TEST(DolbyFramerTest, DisablesChannelPairsOfEitherFramer) {

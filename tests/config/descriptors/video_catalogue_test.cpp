@@ -134,6 +134,7 @@ TEST(VideoCatalogueTest, FamiliesAreCopiesOfTheirTemplates) {
 // specific for every selector value, kept, with the processor's number.
 TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
   InitializeSuffixes();
+  EXPECT_EQ(InputName[10], "Universal") << "the one input name no family uses";
   const struct {
     const char* generic;
     const std::string* suffixes;

@@ -74,15 +74,16 @@ TEST_F(ConfigManagerTest, SetClampsAndRefuses) {
   EXPECT_TRUE(manager.Set(kMode, 2));
   EXPECT_EQ(2u, manager.Get(kMode));
 
-  // A range that starts at its minimum and wraps through zero.
-  EXPECT_TRUE(manager.Set(kWrapped, 0xFFFFFFF8));
-  EXPECT_EQ(0xFFFFFFF8u, manager.Get(kWrapped));
-  EXPECT_TRUE(manager.Set(kWrapped, 0));
-  EXPECT_EQ(0u, manager.Get(kWrapped));
-  EXPECT_TRUE(manager.Set(kWrapped, 50));
-  EXPECT_EQ(10u, manager.Get(kWrapped));
-  EXPECT_TRUE(manager.Set(kWrapped, 1));
-  EXPECT_EQ(1u, manager.Get(kWrapped)) << "out of the wrapped range, yet not forced";
+  // A range that starts at its minimum and wraps through zero: a signed
+  // distance below the minimum goes to the minimum, above the maximum to the
+  // maximum, and 1 (out of the range, not above the maximum) is kept.
+  const std::pair<unsigned int, unsigned int> wrapped[] = {
+      {0xFFFFFFF8, 0xFFFFFFF8}, {0xFFFFFFFF, 0xFFFFFFFF}, {0, 0}, {50, 10}, {1, 1},
+      {0xFFFFFFF5, 0xFFFFFFF6}, {0x7FFFFFFF, 0xFFFFFFF6}};
+  for (const auto& [in, out] : wrapped) {
+    EXPECT_TRUE(manager.Set(kWrapped, in));
+    EXPECT_EQ(out, manager.Get(kWrapped)) << std::hex << in;
+  }
 
   // "do_not_validate" skips the preconditions entirely.
   EXPECT_TRUE(manager.Set(kRaw, 500));

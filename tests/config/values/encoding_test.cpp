@@ -159,10 +159,7 @@ TEST(EncodingTest, FramedObjectRoundTripAndTruncation) {
   StringValue text(static_cast<eConfigID_t>(3), 0x1234, eCParam_StringValue, "hello");
   std::vector<char> bytes = EncodeFramed(&text);
 
-  MemoryDeSerializer in = ReaderOf(bytes);
-  Serializable* object = nullptr;
-  ASSERT_TRUE(in.Read(object));
-  StringValue* read = dynamic_cast<StringValue*>(object);
+  StringValue* read = dynamic_cast<StringValue*>(DecodeFramed(bytes));
   ASSERT_NE(nullptr, read);
   std::string v;
   read->Get(v);
@@ -184,9 +181,7 @@ TEST(EncodingTest, UnknownClassIdYieldsNull) {
   std::vector<char> bytes = Bytes({0, 0, 0, 5, 0, 0, 0, 0});
   MemoryDeSerializer in = ReaderOf(bytes);
   Serializable* object = nullptr;
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(in.Read("Serializable", object));
-  std::string err = testing::internal::GetCapturedStderr();
+  std::string err = Stderr([&] { EXPECT_FALSE(in.Read("Serializable", object)); });
   EXPECT_EQ(nullptr, object);
   EXPECT_NE(std::string::npos,
             err.find("pValue == NULL after ClassFactory::Create() for classID = 5\n"))

@@ -9,7 +9,6 @@
 #include "config/values/class_factory.h"
 #include "config/values/file.h"
 #include "config/values/integer_value.h"
-#include "config/values/memory_deserializer.h"
 #include "config/values/presets_param_vector.h"
 #include "config/values/string_value.h"
 #include "config/values/vector.h"
@@ -19,16 +18,6 @@ using zyn::config::values::PresetsParamVector;
 using zyn::config::values::Vector;
 
 namespace {
-
-Serializable* Decode(std::vector<char>& bytes) {
-  MemoryDeSerializer in(eSerializationFormat_Binary, bytes.data(), bytes.data() + bytes.size(),
-                        false);
-  Serializable* object = nullptr;
-  testing::internal::CaptureStderr();
-  in.Read(object);
-  testing::internal::GetCapturedStderr();
-  return object;
-}
 
 std::string TempPath(const char* tag) {
   return testing::TempDir() + "libconfig_" + tag + "_" + std::to_string(getpid());
@@ -47,7 +36,7 @@ TEST(PresetsTest, VectorEncodingAndOwnedElements) {
       "00 00 00 01 00 00 00 00 00 00 00 03 00 00 00 0C 7A 00",
       Hex(bytes));
 
-  Vector* read = dynamic_cast<Vector*>(Decode(bytes));
+  Vector* read = dynamic_cast<Vector*>(DecodeFramed(bytes));
   ASSERT_NE(nullptr, read);
   ASSERT_EQ(2u, read->Size());
   EXPECT_TRUE(vector.Get(0)->IsEqual(read->Get(0)));
@@ -59,7 +48,7 @@ TEST(PresetsTest, VectorEncodingAndOwnedElements) {
 
 TEST(PresetsTest, VectorCountLargerThanInput) {
   std::vector<char> bytes = Bytes({0, 0, 0, 9, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0});
-  EXPECT_EQ(nullptr, Decode(bytes));
+  EXPECT_EQ(nullptr, DecodeFramed(bytes));
 }
 
 TEST(PresetsTest, ParamVectorWithImage) {
@@ -76,7 +65,7 @@ TEST(PresetsTest, ParamVectorWithImage) {
 
   presets.SetData(image, 3);
   std::vector<char> framed = EncodeFramed(&presets);
-  PresetsParamVector* read = dynamic_cast<PresetsParamVector*>(Decode(framed));
+  PresetsParamVector* read = dynamic_cast<PresetsParamVector*>(DecodeFramed(framed));
   ASSERT_NE(nullptr, read);
   unsigned int size = 0;
   char* data = read->GetData(size);
@@ -108,16 +97,12 @@ TEST(PresetsTest, WriteThenSlurp) {
 
 TEST(PresetsTest, FileFailures) {
   PresetsParamVector presets;
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(presets.Slurp("/nonexistent-dir/preset_1.bin"));
-  std::string err = testing::internal::GetCapturedStderr();
+  std::string err = Stderr([&] { EXPECT_FALSE(presets.Slurp("/nonexistent-dir/preset_1.bin")); });
   EXPECT_NE(std::string::npos,
             err.find("PresetsParamVector::Slurp - open /nonexistent-dir/preset_1.bin failed\n"))
       << err;
 
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(File::write_file("/nonexistent-dir/preset_1.bin", "x", 1));
-  err = testing::internal::GetCapturedStderr();
+  err = Stderr([] { EXPECT_FALSE(File::write_file("/nonexistent-dir/preset_1.bin", "x", 1)); });
   EXPECT_NE(std::string::npos,
             err.find("File::write_file - open /nonexistent-dir/preset_1.bin failed\n"))
       << err;

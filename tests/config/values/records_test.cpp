@@ -3,7 +3,6 @@
 
 #include "config/values/checkpoint.h"
 #include "config/values/class_factory.h"
-#include "config/values/memory_deserializer.h"
 #include "config/values/package_header.h"
 #include "config/values/sector_header.h"
 #include "test_bytes.h"
@@ -38,10 +37,8 @@ TEST(RecordsTest, SectorHeaderEquality) {
 TEST(RecordsTest, ReadBackThroughRegistry) {
   SectorHeader sector(0xA, 0xB, 0xC);
   std::vector<char> bytes = EncodeFramed(&sector);
-  MemoryDeSerializer in(eSerializationFormat_Binary, bytes.data(), bytes.data() + bytes.size(),
-                        false);
-  Serializable* object = nullptr;
-  ASSERT_TRUE(in.Read(object));
+  Serializable* object = DecodeFramed(bytes);
+  ASSERT_NE(nullptr, object);
   EXPECT_TRUE(sector.IsEqual(object));
   EXPECT_EQ(object, ClassFactory::Create(eClassID_SectorHeader)) << "shared scratch header";
 
@@ -49,12 +46,7 @@ TEST(RecordsTest, ReadBackThroughRegistry) {
   package.SetProductID(0x1234);
   package.SetFileSize(0x20);
   bytes = EncodeFramed(&package);
-  MemoryDeSerializer pin(eSerializationFormat_Binary, bytes.data(), bytes.data() + bytes.size(),
-                         false);
-  testing::internal::CaptureStderr();
-  ASSERT_TRUE(pin.Read(object));
-  testing::internal::GetCapturedStderr();
-  PackageHeader* read = dynamic_cast<PackageHeader*>(object);
+  PackageHeader* read = dynamic_cast<PackageHeader*>(DecodeFramed(bytes));
   ASSERT_NE(nullptr, read);
   EXPECT_EQ("class=PackageHeader, _packageHeaderVersion=0x1001, _productID=1234, _fileSize=0x20.",
             read->ToString());
