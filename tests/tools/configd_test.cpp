@@ -6,6 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "config/access/socket_factory.h"
+#include "config/config_factory_impl.h"
+#include "test_stderr.h"
 #include "tools_fixture.h"
 
 using namespace tools_test;
@@ -85,11 +88,46 @@ TEST(ConfigdTest, CommandLine) {
                                              {"--tcp-port", "x"},
                                              {"--multicast-port=0"},
                                              {"--address", "lan"},
-                                             {"--max-connections", "-1"}}) {
+                                             {"--max-connections", "-1"},
+                                             {"--max-stores", "many"}}) {
     args.insert(args.begin(), CONFIGD_PATH);
     Outcome outcome = RunToEnd(args);
     EXPECT_EQ(2, outcome.exitCode) << args.back();
     EXPECT_EQ("", outcome.out) << args.back();
     EXPECT_EQ(0u, outcome.err.find("configd: ")) << outcome.err;
   }
+}
+
+// Each open store holds a whole catalogue of values: configd bounds them.
+// Every server refuses a Connect for one more store, with few lines on
+// configd's side, and still connects clients of the stores already open.
+TEST(ConfigdTest, MaxStoresRefusesNewStoresOnEveryServer) {
+  Daemon daemon;
+  ASSERT_TRUE(daemon.Start({"--max-stores", "2"}));  // store 0 and one more
+  auto uri = [&](const std::string& scheme, int store) {
+    return (scheme == "socket" ? daemon.Uri() : daemon.NetworkUri(scheme)) +
+           "/configid=" + std::to_string(store);
+  };
+  zyn::config::access::SocketFactory factory;
+  ConfigFactoryImpl* network = ConfigFactoryImpl::GetInstance();
+  std::string err = Stderr([&] {
+    Config* open = factory.Connect(uri("socket", 1));
+    EXPECT_NE(nullptr, open);
+    for (int store = 2; store < 12; ++store)
+      EXPECT_EQ(nullptr, factory.Connect(uri("socket", store)));
+    for (const char* scheme : {"tcp", "udp"}) {
+      EXPECT_EQ(nullptr, network->Connect(uri(scheme, 2))) << scheme;
+      Config* again = network->Connect(uri(scheme, 1));
+      EXPECT_NE(nullptr, again) << scheme << ": an open store still connects";
+      network->Disconnect(again);
+    }
+    factory.Disconnect(open);
+  });
+  EXPECT_NE(std::string::npos, err.find("SocketFactory::ConfirmConnection: server responded with "
+                                        "error 2\n"));
+  EXPECT_EQ(2u, Count(err, "NetworkClient::ConfirmConnection: server responded with error 2\n"));
+  Outcome stopped = daemon.Stop(SIGTERM);
+  size_t lines = Count(stopped.err, "LocalConfigFactory::Connect - store limit of 2 reached");
+  EXPECT_LE(1u, lines) << stopped.err;
+  EXPECT_GT(12u, lines) << "at most one line a second";
 }
