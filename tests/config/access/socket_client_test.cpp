@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "config/access/socket_factory.h"
+#include "config/access/stream_io.h"
 #include "loopback_server.h"
 #include "test_stderr.h"
 
@@ -256,4 +257,64 @@ TEST_F(SocketClientTest, DisconnectAfterTheEventsEndedTouchesNoOtherConnection) 
       << "the other client's events go on";
   factory.Disconnect(second);
   factory.Disconnect(writer);
+}
+
+// A request the owner leaves unanswered fails after the response time-out
+// instead of holding the factory's lock for ever.
+TEST_F(SocketClientTest, UnansweredRequestTimesOut) {
+  SocketClient* client = Open();
+  ASSERT_NE(nullptr, client);
+  client->SetResponseTimeout(200);
+  std::string text;
+  std::string err = Stderr([&] { EXPECT_FALSE(client->Get(kUnknown, text)); });
+  EXPECT_NE(std::string::npos,
+            err.find("SocketClient::Get - no response to XCFG_GET_STREAM_PARAM_REQUEST within "
+                     "200 ms\n"))
+      << err;
+  EXPECT_EQ(50u, client->Get(kPercent)) << "the lock is free and the connection in step";
+  factory.Disconnect(client);
+}
+
+// Against an owner that answers late: a late answer is never taken for a
+// later request's, neither by an exchange nor by the events thread.
+TEST(SocketClientLateTest, LateAnswersAreDropped) {
+  Socket listener(Socket::kInternetDomain, Socket::kStream);
+  Socket owner(Socket::kInternetDomain, Socket::kStream);
+  ASSERT_TRUE(listener.create() && listener.bind("127.0.0.1", 0) && listener.listen());
+  sockaddr_in bound{};
+  socklen_t length = sizeof bound;
+  getsockname(listener.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
+  auto* near = new Socket(Socket::kInternetDomain, Socket::kStream);
+  ASSERT_TRUE(near->create() && near->connect("127.0.0.1", ntohs(bound.sin_port)));
+  ASSERT_TRUE(listener.accept(&owner));
+  auto answer = [&](const auto& record) {
+    char bytes[sizeof record];
+    Pack(record, bytes);
+    ASSERT_TRUE(SendAll(owner.get_fd(), bytes, sizeof bytes));
+  };
+  sem_t lock;
+  sem_init(&lock, 0, 1);
+  int requests = 0;
+  WaitingListener heard;
+  SocketClient client(7, near, &lock, requests, eConfigID_Default);
+  client.SetResponseTimeout(100);
+  unsigned int value = 0;
+  std::string err = Stderr([&] { EXPECT_FALSE(client.Get(kPercent, value)); });  // request 0
+  EXPECT_NE(std::string::npos, err.find("no response to XCFG_GET_PARAM_REQUEST within 100 ms"));
+  for (uint32_t id : {0u, 1u})
+    answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, id, 0), kPercent, 0,
+                                 10 + id, 0, 0});
+  EXPECT_TRUE(client.Get(kPercent, value));
+  EXPECT_EQ(11u, value) << "request 1's answer, not request 0's";
+
+  client.AddConfigEventListener(&heard);  // request 2; the events thread reads from now on
+  Stderr([&] { EXPECT_FALSE(client.Get(kPercent, value)) << "refused on an event connection"; });
+  err = Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 3, unanswered
+  EXPECT_NE(std::string::npos, err.find("SocketClient::ConfirmDisconnect - no response to "
+                                        "XCFG_DISCONNECT_REQUEST within 100 ms\n"))
+      << err;
+  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 3, 0), 0});
+  answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 7, kXConfigEventRequestID, 0),
+                               kPercent, 0, 42, 0, kXConfigStreamBufferSize});
+  EXPECT_EQ(std::vector<std::string>{"1=42"}, heard.WaitFor(1)) << "the events thread goes on";
 }
