@@ -158,7 +158,8 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   XCONFIGMGR_REQUEST_T request;
   Unpack(record, request);
-  ConnectionUtilities::Dump(request);
+  // A string set is traced by its handler, with the payload.
+  if (msgtype != XCFG_SET_STREAM_PARAM_REQUEST) ConnectionUtilities::Dump(request);
   switch (msgtype) {
     case XCFG_GET_PARAM_REQUEST:
       return ProcessGetRequest(request);
@@ -223,6 +224,8 @@ bool NetworkTCPConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& r
 }
 
 bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
+    ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
     fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
     return true;

@@ -158,7 +158,8 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   XCONFIGMGR_REQUEST_T request;
   Unpack(record, request);
-  ConnectionUtilities::Dump(request);
+  // A string set is traced by its handler, with the payload.
+  if (msgtype != XCFG_SET_STREAM_PARAM_REQUEST) ConnectionUtilities::Dump(request);
   switch (msgtype) {
     case XCFG_GET_PARAM_REQUEST:
       return ProcessGetRequest(request);
@@ -218,6 +219,8 @@ bool SocketConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
 }
 
 bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
+    ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
     fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
     return true;

@@ -9,10 +9,14 @@
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
+#include "support/logger.h"
 #include "test_bytes.h"
+#include "test_stderr.h"
+#include "test_temp_folder.h"
 
 using namespace zyn::config::access;
 using namespace test_catalogue;
+using zyn::logging::Logger;
 
 namespace {
 
@@ -323,4 +327,38 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
        at = err.find("connection limit", at + 1))
     ++lines;
   EXPECT_LE(lines, 2u) << "ten refusals within a moment are one line a second at most";
+}
+
+// Both stream servers trace a string set once, with its payload, and trace a
+// listener request for one parameter only when that parameter is watched.
+TEST_F(SocketServerTest, TracesFollowTheWatchList) {
+  TempFolder folder;
+  FILE* file = fopen((folder.path + "/" + program_invocation_short_name + ".log").c_str(), "w");
+  ASSERT_NE(nullptr, file);
+  fputs("watch eParamID_TestName\n", file);
+  fclose(file);
+  std::unique_ptr<Logger> logger;
+  Stderr([&] { logger = Logger::Create(folder.path); });
+  ASSERT_TRUE(logger->IsWatched(kName) && !logger->IsWatched(kPercent));
+  NetworkLoopbackServer tcp(SOCK_STREAM, 0);
+  Logger::Install(logger.get());
+  for (int port : {server.port, tcp.port}) {
+    std::vector<char> payload = EncodePayload(
+        std::make_unique<StringValue>(eConfigID_Default, kName, eCParam_StringValue, "traced")
+            .get());
+    std::string err = Stderr([&] {
+      RawPeer peer(port);
+      peer.Connect(kConnection);
+      peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 2, kName, 0, payload.size()));
+      peer.SendBytes(payload.data(), payload.size());
+      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
+      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
+      Sync(peer);
+    });
+    size_t set = err.find("(->) Set String Request");
+    EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
+    EXPECT_LT(err.find(" {0x", set), err.find('\n', set)) << "traced with its payload";
+    EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
+  }
+  Logger::Install(nullptr);  // the servers' threads have ended their traces
 }
