@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fstream>
 #include <thread>
 
 #include "config/values/integer_value.h"
@@ -333,19 +334,14 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
 // listener request for one parameter only when that parameter is watched.
 TEST_F(SocketServerTest, TracesFollowTheWatchList) {
   TempFolder folder;
-  FILE* file = fopen((folder.path + "/" + program_invocation_short_name + ".log").c_str(), "w");
-  ASSERT_NE(nullptr, file);
-  fputs("watch eParamID_TestName\n", file);
-  fclose(file);
-  std::unique_ptr<Logger> logger;
-  Stderr([&] { logger = Logger::Create(folder.path); });
-  ASSERT_TRUE(logger->IsWatched(kName) && !logger->IsWatched(kPercent));
+  std::ofstream(folder.path + "/" + program_invocation_short_name + ".log")
+      << "watch eParamID_TestName\n";
+  std::unique_ptr<Logger> logger = Logger::Create(folder.path);
   NetworkLoopbackServer tcp(SOCK_STREAM, 0);
   Logger::Install(logger.get());
   for (int port : {server.port, tcp.port}) {
-    std::vector<char> payload = EncodePayload(
-        std::make_unique<StringValue>(eConfigID_Default, kName, eCParam_StringValue, "traced")
-            .get());
+    StringValue text(eConfigID_Default, kName, eCParam_StringValue, "traced");
+    std::vector<char> payload = EncodePayload(&text);
     std::string err = Stderr([&] {
       RawPeer peer(port);
       peer.Connect(kConnection);
@@ -355,9 +351,8 @@ TEST_F(SocketServerTest, TracesFollowTheWatchList) {
       peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
       Sync(peer);
     });
-    size_t set = err.find("(->) Set String Request");
     EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
-    EXPECT_LT(err.find(" {0x", set), err.find('\n', set)) << "traced with its payload";
+    EXPECT_NE(std::string::npos, err.find(" [2] {0x")) << "traced with its payload";
     EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
   }
   Logger::Install(nullptr);  // the servers' threads have ended their traces
