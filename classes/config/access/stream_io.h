@@ -15,9 +15,10 @@ namespace access {
 // Reads exactly `length` bytes. Returns the bytes read: `length` on success,
 // fewer when the peer closed, or -1 on an error.
 long RecvExact(int fd, char* buffer, size_t length);
-// The point `ms` milliseconds from now; none (the far future) for 0 or less.
+// The point `ms` milliseconds from now; none (the far future) for 0 or less,
+// or for more than a year.
 inline std::chrono::steady_clock::time_point DeadlineAfter(long ms) {
-  if (ms <= 0) return std::chrono::steady_clock::time_point::max();
+  if (ms <= 0 || ms > 365L * 86400000L) return std::chrono::steady_clock::time_point::max();
   return std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
 }
 // As RecvExact, but waits for the bytes only until `deadline`. When the
