@@ -14,4 +14,11 @@ std::string Stderr(F body) {
   return testing::internal::GetCapturedStderr();
 }
 
+// How many times `what` occurs in `text`.
+inline size_t Count(const std::string& text, const std::string& what) {
+  size_t n = 0;
+  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
+  return n;
+}
+
 #endif  // TESTS_TEST_STDERR_H

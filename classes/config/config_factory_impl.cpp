@@ -31,18 +31,27 @@ void ConfigFactoryImpl::Run() {}
 Config* ConfigFactoryImpl::Connect(std::string uri) {
   if (!IsNetworkURI(uri)) {
     if (uri.find("local:") == std::string::npos) return nullptr;
-    Config* config = _local_factory->Connect(uri);
-    if (config == nullptr)
-      fprintf(stderr,
-              "ConfigFactoryImpl::Connect - local factory return NULL Config* for uri = %s\n",
-              uri.c_str());
-    return config;
+    return ConnectLocal(uri, nullptr);
   }
   // A cache is made whatever the network factory returned, so a failed
   // connect still yields a cache (over nothing).
   Config* config = WantsCaching(uri) ? MakeCache(uri, ConnectNetwork(uri)) : ConnectNetwork(uri);
   if (config == nullptr)
     fprintf(stderr, "ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n");
+  return config;
+}
+
+Config* ConfigFactoryImpl::ConnectStore(uint32_t configID, bool* refused) {
+  return ConnectLocal("local:configid=" + std::to_string(static_cast<int>(configID)), refused);
+}
+
+Config* ConfigFactoryImpl::ConnectLocal(const std::string& uri, bool* refused) {
+  bool limited = false;
+  Config* config = _local_factory->Connect(uri, &limited);
+  if (refused != nullptr) *refused = limited;
+  if (config == nullptr && !limited)
+    fprintf(stderr, "ConfigFactoryImpl::Connect - local factory return NULL Config* for uri = %s\n",
+            uri.c_str());
   return config;
 }
 

@@ -15,6 +15,7 @@
 #ifndef CLASSES_CONFIG_CONFIG_FACTORY_IMPL_H
 #define CLASSES_CONFIG_CONFIG_FACTORY_IMPL_H
 
+#include <cstdint>
 #include <string>
 
 #include "config/config_factory.h"
@@ -44,7 +45,19 @@ class ConfigFactoryImpl : public ConfigFactory {
   Config* Connect(std::string uri) override;
   bool Disconnect(Config* config) override;
 
+  // The in-process store `configID` for a server's client (the local URI
+  // "local:configid=" and the decimal ID), or null. *refused tells a
+  // refusal by the store limit, already reported (at most once a second),
+  // from a store that could not be made.
+  Config* ConnectStore(uint32_t configID, bool* refused);
+  // At most `count` in-process stores open at once (0, the default: no
+  // limit); see LocalConfigFactory::SetMaxStores.
+  void SetMaxStores(int count) { _local_factory->SetMaxStores(count); }
+
  private:
+  // The local factory's store for `uri`; the failure line only when the
+  // store limit did not refuse it.
+  Config* ConnectLocal(const std::string& uri, bool* refused);
   // The network factory's client for `uri`, or null.
   Config* ConnectNetwork(const std::string& uri);
   // The cache handed out for "caching=true": over `client` (which may be

@@ -21,13 +21,33 @@ eConfigID_t LocalConfigFactory::GetConfigID(std::string uri) {
   return static_cast<eConfigID_t>(id);
 }
 
-Config* LocalConfigFactory::Connect(std::string uri) {
+void LocalConfigFactory::SetMaxStores(int count) {
   SemaphoreHelper lock(&_lock);
+  _max_stores = count > 0 ? static_cast<size_t>(count) : 0;
+}
+
+Config* LocalConfigFactory::Connect(std::string uri, bool* refused) {
+  SemaphoreHelper lock(&_lock);
+  if (refused != nullptr) *refused = false;
   eConfigID_t id = GetConfigID(uri);
   ConfigManager* manager = nullptr;
   auto it = _configs.find(id);
   if (it != _configs.end()) {
     manager = static_cast<ConfigManager*>(it->second);
+  } else if (_max_stores > 0 && _configs.size() >= _max_stores) {
+    // Refused before anything is built: a flood of new store IDs costs no
+    // memory and one line a second.
+    ++_refused;
+    time_t now = time(nullptr);
+    if (now != _refusal_reported) {
+      _refusal_reported = now;
+      fprintf(stderr,
+              "LocalConfigFactory::Connect - store limit of %zu reached, configid %d refused "
+              "(%lu refused so far)\n",
+              _max_stores, static_cast<int>(id), _refused);
+    }
+    if (refused != nullptr) *refused = true;
+    return nullptr;
   } else {
     manager = new ConfigManager(id);
     if (!manager->Init()) {

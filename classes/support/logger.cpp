@@ -43,11 +43,16 @@ void AppendEscaped(std::string* format, const char* text) {
 
 }  // namespace
 
+std::atomic<Logger*> Logger::s_installed{nullptr};
+
 Logger* Logger::GetLogger() {
+  if (Logger* installed = s_installed.load(std::memory_order_acquire)) return installed;
   // Deliberately never destroyed; the initialisation runs exactly once.
   static Logger* const instance = Create(kDefaultConfigDirectory).release();
   return instance;
 }
+
+void Logger::Install(Logger* logger) { s_installed.store(logger, std::memory_order_release); }
 
 std::unique_ptr<Logger> Logger::Create(const std::string& configDirectory) {
   std::unique_ptr<Logger> logger(new Logger(configDirectory));

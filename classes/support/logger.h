@@ -27,6 +27,7 @@
 
 #include <semaphore.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <map>
 #include <memory>
@@ -47,6 +48,11 @@ class Logger {
   // switch file succeeds. GetLogger uses this; tests use it with a directory
   // of their own. The caller owns the result.
   static std::unique_ptr<Logger> Create(const std::string& configDirectory);
+
+  // For tests: makes `logger` the instance GetLogger returns, until the next
+  // call; null brings back the process-wide one. The caller keeps ownership
+  // and keeps the logger alive until no thread can still be tracing with it.
+  static void Install(Logger* logger);
 
   virtual ~Logger();
   Logger(const Logger&) = delete;
@@ -95,6 +101,7 @@ class Logger {
 
  private:
   explicit Logger(const std::string& configDirectory);
+  static std::atomic<Logger*> s_installed;  // Install's logger, or null
   void VLog(const char* format, va_list args);
 
   std::string _configDirectory;  // ends in '/'

@@ -6,6 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "config/access/socket_factory.h"
+#include "config/config_factory_impl.h"
+#include "test_stderr.h"
 #include "tools_fixture.h"
 
 using namespace tools_test;
@@ -95,11 +98,38 @@ TEST(ConfigdTest, CommandLine) {
                                              {"--tcp-port", "x"},
                                              {"--multicast-port=0"},
                                              {"--address", "lan"},
-                                             {"--max-connections", "-1"}}) {
+                                             {"--max-connections", "-1"},
+                                             {"--max-stores", "many"}}) {
     args.insert(args.begin(), CONFIGD_PATH);
     Outcome outcome = RunToEnd(args);
     EXPECT_EQ(2, outcome.exitCode) << args.back();
     EXPECT_EQ("", outcome.out) << args.back();
     EXPECT_EQ(0u, outcome.err.find("configd: ")) << outcome.err;
   }
+}
+
+// Each open store holds a whole catalogue of values: every server refuses a
+// store beyond --max-stores, with few lines, and still serves open ones.
+TEST(ConfigdTest, MaxStoresRefusesNewStoresOnEveryServer) {
+  Daemon daemon;
+  ASSERT_TRUE(daemon.Start({"--max-stores", "2"}));  // store 0 and one more
+  auto uri = [&](const std::string& scheme, int store) {
+    return (scheme == "socket" ? daemon.Uri() : daemon.NetworkUri(scheme)) +
+           "/configid=" + std::to_string(store);
+  };
+  zyn::config::access::SocketFactory factory;
+  ConfigFactoryImpl* network = ConfigFactoryImpl::GetInstance();
+  std::string err = Stderr([&] {
+    Config* open = factory.Connect(uri("socket", 1));
+    for (int store = 2; store < 12; ++store) factory.Connect(uri("socket", store));
+    for (const char* scheme : {"tcp", "udp"}) EXPECT_EQ(nullptr, network->Connect(uri(scheme, 2)));
+    Config* again = network->Connect(uri("udp", 1));
+    EXPECT_TRUE(open != nullptr && again != nullptr) << "open stores still connect";
+    network->Disconnect(again);
+    factory.Disconnect(open);
+  });
+  EXPECT_EQ(10u, Count(err, "SocketFactory::ConfirmConnection: server responded with error 2\n"));
+  EXPECT_EQ(2u, Count(err, "NetworkClient::ConfirmConnection: server responded with error 2\n"));
+  size_t lines = Count(daemon.Stop(SIGTERM).err, "store limit of 2 reached, configid");
+  EXPECT_TRUE(lines >= 1 && lines < 12) << lines << " lines for 12 refusals: one a second at most";
 }

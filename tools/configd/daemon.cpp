@@ -57,6 +57,7 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   CreateDescriptors();
   zyn::logging::Logger::GetLogger();
   PresetImage::UnitProduct();
+  ConfigFactoryImpl::GetInstance()->SetMaxStores(options.maxStores);
   // Listen first: a second configd that cannot have the port must not touch
   // the state of the one that has it. Connections wait in the backlog until
   // the server thread starts, after the state is restored.
@@ -173,5 +174,6 @@ bool ConfigDaemon::Stop() {
     close(_state_lock);
     _state_lock = -1;
   }
+  ConfigFactoryImpl::GetInstance()->SetMaxStores(0);
   return clean;
 }

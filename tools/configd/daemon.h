@@ -6,6 +6,10 @@
 // the network TCP and UDP servers (events multicast on the loopback
 // interface unless another is named).
 //
+// Every server opens the stores its clients name through the process's
+// configuration factory, which the daemon bounds (DaemonOptions::maxStores)
+// for as long as it runs.
+//
 // Lifecycle: Start (catalogue, store, restored state, flush and register
 // threads, listening server thread) -> Stop (server stopped and joined,
 // every client connection ended, queued commands finished, pending changes
@@ -58,6 +62,7 @@ struct DaemonOptions {
   int multicastPort = 63110;  // where the UDP server's events go
   std::string multicastInterface = "127.0.0.1";
   int maxConnections = 1024;  // per stream server; 0: no limit
+  int maxStores = 16;         // stores open at once, store 0 included; 0: no limit
   std::string stateDir;       // created if missing
   long flushMs = 100;         // the longest a changed setting waits to be written
   std::string presetFolder = "/tmp/zyn";

@@ -54,6 +54,9 @@ void PrintUsage(FILE* out) {
           "                            127.0.0.1: they stay on this machine)\n"
           "  --max-connections N       live clients per TCP server; more are closed at\n"
           "                            once (default %d, 0: no limit)\n"
+          "  --max-stores N            stores (config IDs) open at once, store 0\n"
+          "                            included; a client asking for one more is\n"
+          "                            refused (default %d, 0: no limit)\n"
           "  --state-dir DIR           where the settings and presets are kept, created\n"
           "                            if missing (default $HOME/.local/state/configd,\n"
           "                            or /var/lib/configd without HOME)\n"
@@ -63,7 +66,7 @@ void PrintUsage(FILE* out) {
           "  --help                    this text\n"
           "Ports 0 let the system choose; each server prints the port it got.\n",
           kXConfigPort, DaemonOptions().tcpPort, DaemonOptions().udpPort,
-          DaemonOptions().multicastPort, DaemonOptions().maxConnections);
+          DaemonOptions().multicastPort, DaemonOptions().maxConnections, DaemonOptions().maxStores);
 }
 
 // A decimal number from `min` to `max`.
@@ -95,10 +98,12 @@ bool SetAddressOf(const char* text, DaemonOptions& options) {
   return true;
 }
 
-bool SetMaxConnections(const char* text, DaemonOptions& options) {
+// A count from 0 (no limit) to a million into the field.
+template <int DaemonOptions::*field>
+bool SetLimitOf(const char* text, DaemonOptions& options) {
   long count = 0;
   if (!ParseNumber(text, 0, 1000000, count)) return false;
-  options.maxConnections = static_cast<int>(count);
+  options.*field = static_cast<int>(count);
   return true;
 }
 
@@ -129,7 +134,8 @@ constexpr Option kOptions[] = {
     {"--multicast-port", &SetPortOf<&DaemonOptions::multicastPort, 1>, "multicast port"},
     {"--multicast-interface", &SetAddressOf<&DaemonOptions::multicastInterface>,
      "multicast interface"},
-    {"--max-connections", &SetMaxConnections, "connection limit"},
+    {"--max-connections", &SetLimitOf<&DaemonOptions::maxConnections>, "connection limit"},
+    {"--max-stores", &SetLimitOf<&DaemonOptions::maxStores>, "store limit"},
     {"--state-dir", &SetStateDir, "state folder"},
     {"--flush-ms", &SetFlushMs, "flush interval"},
 };

@@ -172,7 +172,11 @@ void ConnectionUtilities::Dump(const XCONFIGMGR_CONNECTION_RESPONSE_T& response)
 }
 
 void ConnectionUtilities::Dump(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
-  if (Logger::GetLogger()->IsEnabled()) Write(FormatLine(request));
+  // A registration for one parameter follows the watch list; one for every
+  // parameter (paramID 0) concerns them all.
+  Logger* logger = Logger::GetLogger();
+  if (request.paramID == 0 ? logger->IsEnabled() : logger->IsWatched(request.paramID))
+    Write(FormatLine(request));
 }
 
 }  // namespace access

@@ -44,8 +44,9 @@ class ConnectionUtilities {
   static std::string name_from_pid(int pid);
 
   // Writes the record's trace line through Logger::GetLogger() when tracing
-  // is on for it. Requests and responses are filtered by paramID; connection
-  // and listener records are traced whenever the logger is enabled.
+  // is on for it. Requests, responses and listener requests naming a
+  // parameter are filtered by paramID; connection records and listener
+  // requests for every parameter are traced whenever the logger is enabled.
   static void Dump(const XCONFIGMGR_REQUEST_T& request, const char* payload = nullptr,
                    size_t length = 0);
   static void Dump(const XCONFIGMGR_RESPONSE_T& response, const char* payload = nullptr,

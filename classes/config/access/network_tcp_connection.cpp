@@ -158,7 +158,8 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   XCONFIGMGR_REQUEST_T request;
   Unpack(record, request);
-  ConnectionUtilities::Dump(request);
+  // A string set is traced by its handler, with the payload.
+  if (msgtype != XCFG_SET_STREAM_PARAM_REQUEST) ConnectionUtilities::Dump(request);
   switch (msgtype) {
     case XCFG_GET_PARAM_REQUEST:
       return ProcessGetRequest(request);
@@ -173,20 +174,22 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
 
 bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   ReleaseConfig();  // a second Connect Request moves the connection to its store
-  std::string uri = "local:configid=" + std::to_string(static_cast<int>(request.header.configID));
   {
     SemaphoreHelper hold(&lock);
     connectionID = request.header.connectionID;
     _config_id = request.header.configID;
   }
-  config = ConfigFactoryImpl::GetInstance()->Connect(uri);
-  if (config == nullptr) {
+  bool refused = false;
+  config = ConfigFactoryImpl::GetInstance()->ConnectStore(request.header.configID, &refused);
+  if (config == nullptr && !refused) {
     // No answer: the client's own wait for the response ends its attempt.
     fprintf(stderr,
             "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config\n");
     return true;
   }
-  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE), 0};
+  // A store limit refusal is answered, so the client fails at once.
+  XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
+                                            refused ? kXConfigStoreLimitReached : 0u};
   if (!SendRecord(response))
     fprintf(stderr, "NetworkTCPConnection::ProcessConnectRequest - unable to send response\n");
   return true;
@@ -221,6 +224,8 @@ bool NetworkTCPConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& r
 }
 
 bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
+    ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
     fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
     return true;

@@ -192,8 +192,18 @@ Config* NetworkUDPConnection::GetConfig(unsigned int configID) {
 void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
                                                  const sockaddr_in& from) {
   unsigned int configID = request.header.configID;
-  Config* config = ConfigFactoryImpl::GetInstance()->Connect(
-      "local:configid=" + std::to_string(static_cast<int>(configID)));
+  bool refused = false;
+  Config* config = ConfigFactoryImpl::GetInstance()->ConnectStore(configID, &refused);
+  if (refused) {
+    // Clients read the answer's first word after the header as the error of
+    // a connection response: the refusal is there and in `error` alike.
+    XCONFIGMGR_RESPONSE_T response =
+        Response(request.header, XCFG_CONNECT_RESPONSE, kXConfigStoreLimitReached,
+                 kXConfigStoreLimitReached, 0);
+    if (!Answer(response, from))
+      fprintf(stderr, "NetworkUDPConnection::ProcessConnectRequest - send failed\n");
+    return;
+  }
   if (config == nullptr) {
     fprintf(stderr,
             "NetworkUDPConnection::ProcessConnectRequest - unable to connect to the config\n");

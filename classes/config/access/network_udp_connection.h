@@ -10,6 +10,8 @@
 // It owns its event socket, bound to 127.0.0.1 on a free port and sending on
 // the event interface (127.0.0.1 unless set otherwise), and one open store
 // per config ID ever connected (released when the connection is deleted).
+// A Connect that the process's store limit refuses is answered with the
+// refusal; one for a store that cannot be made is not answered.
 // The server's socket, used to answer, stays the server's.
 //
 // Threads: used by the server thread alone; no lock.

@@ -67,6 +67,7 @@ SocketClient::SocketClient(unsigned int connectionID, Socket* socket, sem_t* sem
       _events_started(false),
       _events_reading(false) {
   SemaphoreHelper::InitSemaphore(&_listener_lock);
+  _socket->set_send_timeout(static_cast<int>(kResponseTimeoutMs));
 }
 
 SocketClient::~SocketClient() {
@@ -81,11 +82,51 @@ bool SocketClient::SendBytes(const char* bytes, size_t length) {
   return SendAll(_fd, bytes, length);
 }
 
+void SocketClient::SetResponseTimeout(long ms) {
+  _response_timeout_ms = ms;
+  _socket->set_send_timeout(ms > 0 ? static_cast<int>(std::min(ms, 86400000L)) : 0);
+}
+
+bool SocketClient::GiveUp(uint32_t msgtype, uint32_t requestID, bool inStep) {
+  const char* method = msgtype == XCFG_DISCONNECT_REQUEST ? "ConfirmDisconnect"
+                       : msgtype == XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST
+                           ? "UnregisterForEvents"
+                           : "Get";
+  fprintf(stderr, "SocketClient::%s - no response to %s within %ld ms%s\n", method,
+          SymbolicName(msgtype), _response_timeout_ms.load(), inStep ? "" : ", connection closed");
+  if (!inStep) {
+    ::shutdown(_fd, SHUT_RDWR);
+    return false;
+  }
+  std::lock_guard<std::mutex> hold(_handover_lock);
+  _abandoned.push_back(requestID);
+  if (_abandoned.size() > kAbandonedMax) _abandoned.pop_front();
+  return false;
+}
+
+bool SocketClient::IsAbandoned(const XCONFIGMGR_HEADER_T& header) {
+  if (header.connectionID != _connection_id) return false;
+  std::lock_guard<std::mutex> hold(_handover_lock);
+  auto it = std::find(_abandoned.begin(), _abandoned.end(), header.requestID);
+  if (it == _abandoned.end()) return false;
+  _abandoned.erase(it);
+  return true;
+}
+
+bool SocketClient::ReadPayload(std::vector<char>& payload, uint32_t length, Deadline deadline) {
+  if (length > kXConfigStreamBufferSize) return false;
+  payload.resize(length);
+  bool timedOut = false;
+  return RecvExactBy(_fd, payload.data(), length, deadline, &timedOut) == static_cast<long>(length);
+}
+
 bool SocketClient::ReceiveResponse(const XCONFIGMGR_HEADER_T& request,
-                                   XCONFIGMGR_RESPONSE_T& response) {
+                                   XCONFIGMGR_RESPONSE_T& response, Deadline deadline) {
   for (;;) {
     char bytes[sizeof(XCONFIGMGR_RESPONSE_T)];
-    long n = RecvExact(_fd, bytes, sizeof bytes);
+    bool timedOut = false;
+    long n = RecvExactBy(_fd, bytes, sizeof bytes, deadline, &timedOut);
+    if (timedOut) return GiveUp(request.msgtype, request.requestID, n == 0);
     if (n < 0) {
       perror("SocketClient::Get - socket recv failed");
       return false;
@@ -106,6 +147,12 @@ bool SocketClient::ReceiveResponse(const XCONFIGMGR_HEADER_T& request,
               response.paramID, static_cast<int>(response.error));
       continue;
     }
+    if (IsAbandoned(response.header)) {
+      std::vector<char> skipped;
+      if (!ReadPayload(skipped, response.streamLength, deadline))
+        return GiveUp(request.msgtype, request.requestID, false);
+      continue;
+    }
     if (!IsValidResponse(request, response.header)) {
       fprintf(stderr, "SocketClient::Get - response does not match request\n");
       return false;
@@ -115,7 +162,14 @@ bool SocketClient::ReceiveResponse(const XCONFIGMGR_HEADER_T& request,
 }
 
 bool SocketClient::Exchange(uint32_t msgtype, eParam_t id, uint32_t expected,
-                            XCONFIGMGR_RESPONSE_T& response) {
+                            XCONFIGMGR_RESPONSE_T& response, Deadline deadline) {
+  // The events thread would take the response for an unknown event.
+  if (_events_reading) {
+    fprintf(stderr,
+            "SocketClient::Get - the connection carries events, requests need a client of "
+            "their own\n");
+    return false;
+  }
   XCONFIGMGR_REQUEST_T request{MakeHeader(msgtype, _connection_id, NextRequestID(), _config_id), id,
                                0, 0, 0};
   char bytes[sizeof request];
@@ -125,7 +179,7 @@ bool SocketClient::Exchange(uint32_t msgtype, eParam_t id, uint32_t expected,
     fprintf(stderr, "SocketClient::Get - send failed\n");
     return false;
   }
-  if (!ReceiveResponse(request.header, response)) return false;
+  if (!ReceiveResponse(request.header, response, deadline)) return false;
   if (response.header.msgtype != expected) {
     fprintf(stderr, "SocketClient::Get(): response message did not match response message info\n");
     return false;
@@ -140,7 +194,9 @@ bool SocketClient::Exchange(uint32_t msgtype, eParam_t id, uint32_t expected,
 bool SocketClient::Get(eParam_t id, unsigned int& value) {
   SemaphoreHelper lock(_semaphore);
   XCONFIGMGR_RESPONSE_T response;
-  if (!Exchange(XCFG_GET_PARAM_REQUEST, id, XCFG_GET_PARAM_RESPONSE, response)) return false;
+  if (!Exchange(XCFG_GET_PARAM_REQUEST, id, XCFG_GET_PARAM_RESPONSE, response,
+                DeadlineAfter(_response_timeout_ms)))
+    return false;
   value = response.value;
   return true;
 }
@@ -153,17 +209,17 @@ unsigned int SocketClient::Get(eParam_t id) {
 bool SocketClient::Get(eParam_t id, std::string& value) {
   SemaphoreHelper lock(_semaphore);
   XCONFIGMGR_RESPONSE_T response;
-  if (!Exchange(XCFG_GET_STREAM_PARAM_REQUEST, id, XCFG_GET_STREAM_PARAM_RESPONSE, response))
+  Deadline deadline = DeadlineAfter(_response_timeout_ms);
+  if (!Exchange(XCFG_GET_STREAM_PARAM_REQUEST, id, XCFG_GET_STREAM_PARAM_RESPONSE, response,
+                deadline))
     return false;
   if (response.streamLength == 0 || response.streamLength > kXConfigStreamBufferSize) {
     fprintf(stderr, "SocketClient::Get - invalid streamLength\n");
     return false;
   }
-  std::vector<char> payload(response.streamLength);
-  if (RecvExact(_fd, payload.data(), payload.size()) != static_cast<long>(payload.size())) {
-    perror("SocketClient::Get - socket recv failed");
-    return false;
-  }
+  std::vector<char> payload;
+  if (!ReadPayload(payload, response.streamLength, deadline))
+    return GiveUp(XCFG_GET_STREAM_PARAM_REQUEST, response.header.requestID, false);
   std::unique_ptr<ConfigValue> decoded(DecodePayload(payload.data(), payload.size()));
   StringValue* text = dynamic_cast<StringValue*>(decoded.get());
   if (text == nullptr) {
@@ -334,12 +390,18 @@ bool SocketClient::ConfirmDisconnect() {
 }
 
 bool SocketClient::ConnectionExchange(const char* request, size_t length,
-                                      const XCONFIGMGR_HEADER_T&,
+                                      const XCONFIGMGR_HEADER_T& header,
                                       XCONFIGMGR_CONNECTION_RESPONSE_T& response) {
   if (!_events_reading) {
     if (!SendBytes(request, length)) return false;
     char answer[sizeof response];
-    if (RecvExact(_fd, answer, sizeof answer) != static_cast<long>(sizeof answer)) return false;
+    bool timedOut = false;
+    long n =
+        RecvExactBy(_fd, answer, sizeof answer, DeadlineAfter(_response_timeout_ms), &timedOut);
+    // These exchanges end the connection's use: a late answer is not
+    // waited for.
+    if (timedOut) return GiveUp(header.msgtype, header.requestID, false);
+    if (n != static_cast<long>(sizeof answer)) return false;
     Unpack(answer, response);
     ConnectionUtilities::Dump(response);
     return true;
@@ -348,25 +410,37 @@ bool SocketClient::ConnectionExchange(const char* request, size_t length,
   std::unique_lock<std::mutex> hold(_handover_lock);
   _handover_waiting = true;
   _handover_full = false;
+  _handover_request = header.requestID;
   if (!SendBytes(request, length)) {
     _handover_waiting = false;
     return false;
   }
-  bool answered = _handover_ready.wait_for(hold, std::chrono::milliseconds(kHandOverTimeoutMs),
-                                           [this] { return _handover_full; });
+  bool answered = _handover_ready.wait_until(hold, DeadlineAfter(_response_timeout_ms),
+                                             [this] { return _handover_full; });
   _handover_waiting = false;
-  if (answered) response = _handover;
-  return answered;
+  if (answered) {
+    response = _handover;
+    return true;
+  }
+  hold.unlock();
+  return GiveUp(header.msgtype, header.requestID, true);
 }
 
-bool SocketClient::HandOver(const char* record) {
+SocketClient::HandOverResult SocketClient::HandOver(const char* record) {
+  XCONFIGMGR_CONNECTION_RESPONSE_T answer;
+  Unpack(record, answer);
   std::lock_guard<std::mutex> hold(_handover_lock);
-  if (!_handover_waiting) return false;
-  Unpack(record, _handover);
-  ConnectionUtilities::Dump(_handover);
-  _handover_full = true;
-  _handover_ready.notify_all();
-  return true;
+  if (_handover_waiting && answer.header.requestID == _handover_request) {
+    _handover = answer;
+    ConnectionUtilities::Dump(_handover);
+    _handover_full = true;
+    _handover_ready.notify_all();
+    return HandOverResult::kHandedOver;
+  }
+  auto late = std::find(_abandoned.begin(), _abandoned.end(), answer.header.requestID);
+  if (late == _abandoned.end()) return HandOverResult::kUnexpected;
+  _abandoned.erase(late);
+  return HandOverResult::kDropped;
 }
 
 bool SocketClient::StartEventsThread() {
@@ -406,22 +480,21 @@ void SocketClient::Run() { ProcessEvents(); }
 bool SocketClient::ReadEvent(XCONFIGMGR_RESPONSE_T& event, std::string& text, bool& unknown) {
   unknown = false;
   char record[sizeof(XCONFIGMGR_RESPONSE_T)];
-  if (RecvExact(_fd, record, 4) != 4) return false;
-  uint32_t msgtype = PeekMessageType(record);
-  size_t rest = EventRecordRest(msgtype);
-  if (rest == 0) {
+  uint32_t msgtype;
+  for (;;) {
+    if (RecvExact(_fd, record, 4) != 4) return false;
+    msgtype = PeekMessageType(record);
+    size_t rest = EventRecordRest(msgtype);
     memset(&event, 0, sizeof event);
     event.header.msgtype = msgtype;
-    unknown = true;
-    return false;
-  }
-  if (RecvExact(_fd, record + 4, rest) != static_cast<long>(rest)) return false;
-  if (rest + 4 == sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)) {
-    memset(&event, 0, sizeof event);
-    event.header.msgtype = msgtype;
-    if (HandOver(record)) return true;
-    unknown = true;
-    return false;
+    unknown = rest == 0;
+    if (unknown) return false;
+    if (RecvExact(_fd, record + 4, rest) != static_cast<long>(rest)) return false;
+    if (rest + 4 != sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)) break;
+    HandOverResult handed = HandOver(record);
+    if (handed == HandOverResult::kHandedOver) return true;
+    unknown = handed == HandOverResult::kUnexpected;
+    if (unknown) return false;
   }
   Unpack(record, event);
   if (msgtype != XCFG_PARAM_STREAM_CHANGED_EVENT) {

@@ -12,6 +12,17 @@
 // socket: the responses to the requests that end an event connection
 // (Remove Listener, Disconnect) are handed to the waiting requester.
 //
+// Time-outs: every exchange waits for its response at most the response
+// time-out (kResponseTimeoutMs unless SetResponseTimeout says otherwise),
+// so a request the owner leaves unanswered (a string Get of an unknown
+// parameter) fails instead of holding the factory's semaphore for ever;
+// request sends are bounded by the same time. The ID of a request given up
+// on before any of its answer arrived is remembered, and its answer, should
+// it come after all, is dropped by the reader that meets it (the next
+// exchange, or the events thread): it is never taken as the answer to a
+// later request. A time-out in the middle of a record leaves the stream out
+// of step for good, so the connection is shut and later exchanges fail.
+//
 // Ownership: the client owns its socket and joins its events thread when it
 // is destroyed. Listeners stay their registrants'.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CLIENT_H
@@ -21,10 +32,13 @@
 #include <semaphore.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <list>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
@@ -42,8 +56,10 @@ void* thread_start(void* arg);
 
 class SocketClient : public Config, public Runnable, public EventLossCounter {
  public:
-  // How long a requester waits for a response the events thread hands over.
-  static constexpr long kHandOverTimeoutMs = 5000;
+  // The default response time-out: far beyond any answer of a loaded unit.
+  static constexpr long kResponseTimeoutMs = 5000;
+  // How many given-up requests are remembered for dropping late answers.
+  static constexpr size_t kAbandonedMax = 64;
 
   SocketClient(unsigned int connectionID, Socket* socket, sem_t* semaphore, int& requestCounter,
                eConfigID_t configID);
@@ -83,6 +99,10 @@ class SocketClient : public Config, public Runnable, public EventLossCounter {
   void ProcessEvents();
 
   unsigned int GetConnectionID() const { return _connection_id; }
+  // The response time-out of this client's exchanges and the send time-out
+  // of its requests, in milliseconds; 0 or less waits without limit.
+  // Set before the client is shared between threads.
+  void SetResponseTimeout(long ms);
   // Sends Disconnect Request and waits for its response; used by the factory.
   bool ConfirmDisconnect();
 
@@ -91,12 +111,26 @@ class SocketClient : public Config, public Runnable, public EventLossCounter {
   uint32_t NextRequestID();
   // Sends `length` bytes; false on a failed send.
   bool SendBytes(const char* bytes, size_t length);
-  // Sends a request about `id` and reads its response, which must be of type
-  // `expected` and carry no error. The caller holds the semaphore.
-  bool Exchange(uint32_t msgtype, eParam_t id, uint32_t expected, XCONFIGMGR_RESPONSE_T& response);
-  // Reads the response to `request`, skipping refusals of earlier string
-  // sets. False with the Get messages on a short read or a mismatch.
-  bool ReceiveResponse(const XCONFIGMGR_HEADER_T& request, XCONFIGMGR_RESPONSE_T& response);
+  using Deadline = std::chrono::steady_clock::time_point;
+  // Sends a request about `id` and reads its response by `deadline`, which
+  // must be of type `expected` and carry no error. The caller holds the
+  // semaphore. Refused on a connection the events thread reads.
+  bool Exchange(uint32_t msgtype, eParam_t id, uint32_t expected, XCONFIGMGR_RESPONSE_T& response,
+                Deadline deadline);
+  // Reads the response to `request` by `deadline`, skipping refusals of
+  // earlier string sets and late answers to abandoned requests. False with
+  // the Get messages on a short read, a mismatch or a time-out.
+  bool ReceiveResponse(const XCONFIGMGR_HEADER_T& request, XCONFIGMGR_RESPONSE_T& response,
+                       Deadline deadline);
+  // Reports a request whose response did not come in time. `inStep`: none
+  // of it was read, so its answer is remembered for dropping; otherwise the
+  // connection is shut. Returns false.
+  bool GiveUp(uint32_t msgtype, uint32_t requestID, bool inStep);
+  // True when `header` answers a request this client gave up on (which it
+  // then forgets).
+  bool IsAbandoned(const XCONFIGMGR_HEADER_T& header);
+  // Reads a payload of `length` bytes by `deadline`; false when it cannot.
+  bool ReadPayload(std::vector<char>& payload, uint32_t length, Deadline deadline);
   // Sends a 24- or 28-byte connection-level request and waits for its
   // 28-byte answer, directly or through the events thread.
   bool ConnectionExchange(const char* request, size_t length, const XCONFIGMGR_HEADER_T& header,
@@ -110,9 +144,10 @@ class SocketClient : public Config, public Runnable, public EventLossCounter {
   // Reads one event record (and its payload) from the socket. On false,
   // `unknown` tells an unknown record type from a failed read.
   bool ReadEvent(XCONFIGMGR_RESPONSE_T& event, std::string& text, bool& unknown);
-  // Passes a connection-level response to a waiting requester; false when
-  // none is waiting.
-  bool HandOver(const char* record);
+  // Passes a connection-level response to the requester waiting for it, or
+  // drops the late answer to a request given up on.
+  enum class HandOverResult { kHandedOver, kDropped, kUnexpected };
+  HandOverResult HandOver(const char* record);
 
   unsigned int _connection_id;
   Socket* _socket;
@@ -129,10 +164,15 @@ class SocketClient : public Config, public Runnable, public EventLossCounter {
   std::atomic<bool> _events_broken{false};  // it stopped on a failed read
   sem_t _listener_lock;
 
-  // Hand-over of a connection-level response from the events thread.
+  std::atomic<long> _response_timeout_ms{kResponseTimeoutMs};
+
+  // Hand-over of a connection-level response from the events thread, and
+  // the requests given up on; all guarded by _handover_lock.
   std::mutex _handover_lock;
   std::condition_variable _handover_ready;
+  std::deque<uint32_t> _abandoned;
   bool _handover_waiting = false;
+  uint32_t _handover_request = 0;
   bool _handover_full = false;
   XCONFIGMGR_CONNECTION_RESPONSE_T _handover{};
 };

@@ -33,9 +33,6 @@ namespace {
   return *live;
 }
 
-// The error a Connect Response carries when the store cannot be opened.
-constexpr uint32_t kStoreUnavailable = 1;
-
 }  // namespace
 
 SocketConnection::SocketConnection(Socket* socket)
@@ -161,7 +158,8 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   XCONFIGMGR_REQUEST_T request;
   Unpack(record, request);
-  ConnectionUtilities::Dump(request);
+  // A string set is traced by its handler, with the payload.
+  if (msgtype != XCFG_SET_STREAM_PARAM_REQUEST) ConnectionUtilities::Dump(request);
   switch (msgtype) {
     case XCFG_GET_PARAM_REQUEST:
       return ProcessGetRequest(request);
@@ -180,10 +178,12 @@ bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST
     SemaphoreHelper lock(&_send_lock);
     _connection_id = request.header.connectionID;
   }
-  std::string uri = "local:configid=" + std::to_string(static_cast<int>(request.header.configID));
-  _store = ConfigFactoryImpl::GetInstance()->Connect(uri);
+  bool refused = false;
+  _store = ConfigFactoryImpl::GetInstance()->ConnectStore(request.header.configID, &refused);
+  uint32_t error = 0;
+  if (_store == nullptr) error = refused ? kXConfigStoreLimitReached : kXConfigStoreUnavailable;
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
-                                            _store != nullptr ? 0u : kStoreUnavailable};
+                                            error};
   if (!SendRecord(response))
     fprintf(stderr, "SocketConnection::ProcessConnectRequest - unable to send response\n");
   return true;
@@ -219,6 +219,8 @@ bool SocketConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
 }
 
 bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& request) {
+  if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
+    ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
     fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
     return true;

@@ -17,7 +17,8 @@ namespace zyn {
 namespace config {
 namespace access {
 
-SocketFactory::SocketFactory() : _request_counter(0) {
+SocketFactory::SocketFactory()
+    : _request_counter(0), _response_timeout_ms(SocketClient::kResponseTimeoutMs) {
   SemaphoreHelper::InitSemaphore(&_semaphore);
 }
 
@@ -74,7 +75,9 @@ SocketClient* SocketFactory::Open(const std::string& host, int port, eConfigID_t
     delete socket;
     return nullptr;
   }
-  return new SocketClient(connectionID, socket, &_semaphore, _request_counter, configID);
+  auto* client = new SocketClient(connectionID, socket, &_semaphore, _request_counter, configID);
+  client->SetResponseTimeout(_response_timeout_ms);
+  return client;
 }
 
 bool SocketFactory::ConfirmConnection(Socket* socket, unsigned int connectionID,
@@ -103,7 +106,10 @@ bool SocketFactory::ConnectionExchange(Socket* socket, uint32_t msgtype, uint32_
     return false;
   }
   char answer[sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)];
-  if (RecvExact(socket->get_fd(), answer, sizeof answer) != static_cast<long>(sizeof answer)) {
+  bool timedOut = false;
+  if (RecvExactBy(socket->get_fd(), answer, sizeof answer, DeadlineAfter(_response_timeout_ms),
+                  &timedOut) != static_cast<long>(sizeof answer)) {
+    if (timedOut) errno = ETIMEDOUT;
     perror("SocketFactory::ConfirmConnection - receive failed\n");
     fprintf(stderr, "SocketFactory::ConfirmConnection - receive for connectionID %X failed\n",
             connectionID);

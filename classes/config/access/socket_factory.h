@@ -44,6 +44,10 @@ class SocketFactory {
   // Says goodbye on each connection of what Connect returned, stops the
   // events threads and destroys it. Anything else is refused with a message.
   void Disconnect(Config* config);
+  // How long the factory's exchanges wait for the owner's answer, in
+  // milliseconds (SocketClient::kResponseTimeoutMs unless set; 0 or less:
+  // without limit); clients opened afterwards take it as their own.
+  void SetResponseTimeout(long ms) { _response_timeout_ms = ms; }
 
  private:
   // Steps of Connect for one connection: a confirmed client, or null.
@@ -53,6 +57,7 @@ class SocketFactory {
 
   int _request_counter;  // guarded by _semaphore
   sem_t _semaphore;
+  long _response_timeout_ms;
 };
 
 }  // namespace access

@@ -1,9 +1,11 @@
 #include "config/access/stream_io.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 namespace zyn {
@@ -18,6 +20,32 @@ long RecvExact(int fd, char* buffer, size_t length) {
     if (n < 0) return -1;
     if (n == 0) break;
     got += static_cast<size_t>(n);
+  }
+  return static_cast<long>(got);
+}
+
+long RecvExactBy(int fd, char* buffer, size_t length,
+                 std::chrono::steady_clock::time_point deadline, bool* timedOut) {
+  *timedOut = false;
+  size_t got = 0;
+  while (got < length) {
+    long long left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                         deadline - std::chrono::steady_clock::now())
+                         .count();
+    pollfd ready{fd, POLLIN, 0};
+    // Bytes already there are taken even when the deadline has passed.
+    int polled = ::poll(&ready, 1, static_cast<int>(std::clamp<long long>(left, 0, INT_MAX)));
+    if (polled < 0 && errno == EINTR) continue;
+    if (polled < 0) return -1;
+    if (polled == 0) {
+      *timedOut = true;
+      break;
+    }
+    ssize_t r = ::recv(fd, buffer + got, length - got, MSG_NOSIGNAL);
+    if (r < 0 && errno == EINTR) continue;
+    if (r < 0) return -1;
+    if (r == 0) break;
+    got += static_cast<size_t>(r);
   }
   return static_cast<long>(got);
 }

@@ -4,6 +4,7 @@
 #ifndef CLASSES_CONFIG_ACCESS_STREAM_IO_H
 #define CLASSES_CONFIG_ACCESS_STREAM_IO_H
 
+#include <chrono>
 #include <cstddef>
 #include <vector>
 
@@ -14,6 +15,16 @@ namespace access {
 // Reads exactly `length` bytes. Returns the bytes read: `length` on success,
 // fewer when the peer closed, or -1 on an error.
 long RecvExact(int fd, char* buffer, size_t length);
+// The point `ms` milliseconds from now; none (the far future) for 0 or less,
+// or for more than a year.
+inline std::chrono::steady_clock::time_point DeadlineAfter(long ms) {
+  if (ms <= 0 || ms > 365L * 86400000L) return std::chrono::steady_clock::time_point::max();
+  return std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
+}
+// As RecvExact, but waits for the bytes only until `deadline`. When the
+// deadline passes first, returns the bytes read by then with *timedOut set.
+long RecvExactBy(int fd, char* buffer, size_t length,
+                 std::chrono::steady_clock::time_point deadline, bool* timedOut);
 // Reads a stream through a small buffer, so that a record and whatever
 // follows it arrive in one system call. Used by one thread at a time.
 class StreamReader {

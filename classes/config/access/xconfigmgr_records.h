@@ -51,6 +51,10 @@ constexpr uint32_t kXConfigBufferSize = 4096;        // bufferSize of every head
 constexpr uint32_t kXConfigStreamBufferSize = 3072;  // largest payload; streamBufferSize
 constexpr uint32_t kXConfigEventRequestID = 0xFFFFFFFF;
 constexpr uint32_t kXConfigSetStringError = 15;  // a string value the store did not take
+// The error of a Connect Response whose store cannot be opened, and of one
+// that the owner's limit on open stores turned away.
+constexpr uint32_t kXConfigStoreUnavailable = 1;
+constexpr uint32_t kXConfigStoreLimitReached = 2;
 constexpr int kXConfigPort = 43110;
 
 // The first 24 bytes of every record.

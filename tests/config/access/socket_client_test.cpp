@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "config/access/socket_factory.h"
+#include "config/access/stream_io.h"
 #include "loopback_server.h"
 #include "test_stderr.h"
 
@@ -256,4 +257,47 @@ TEST_F(SocketClientTest, DisconnectAfterTheEventsEndedTouchesNoOtherConnection) 
       << "the other client's events go on";
   factory.Disconnect(second);
   factory.Disconnect(writer);
+}
+
+// An owner that leaves a request unanswered (as a string Get of an unknown
+// parameter) and answers late: the request times out, and the late answer
+// is dropped, by the next exchange and by the events thread alike.
+TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
+  Socket listener(Socket::kInternetDomain, Socket::kStream);
+  Socket owner(Socket::kInternetDomain, Socket::kStream);
+  ASSERT_TRUE(listener.create() && listener.bind("127.0.0.1", 0) && listener.listen());
+  sockaddr_in bound{};
+  socklen_t length = sizeof bound;
+  getsockname(listener.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
+  auto* near = new Socket(Socket::kInternetDomain, Socket::kStream);
+  ASSERT_TRUE(near->create() && near->connect("127.0.0.1", ntohs(bound.sin_port)));
+  ASSERT_TRUE(listener.accept(&owner));
+  auto answer = [&](const auto& record) {
+    char bytes[sizeof record];
+    Pack(record, bytes);
+    ASSERT_TRUE(SendAll(owner.get_fd(), bytes, sizeof bytes));
+  };
+  sem_t lock;
+  sem_init(&lock, 0, 1);
+  int requests = 0;
+  WaitingListener heard;
+  SocketClient client(7, near, &lock, requests, eConfigID_Default);
+  client.SetResponseTimeout(100);
+  std::string text;
+  std::string err = Stderr([&] { EXPECT_FALSE(client.Get(kUnknown, text)); });  // request 0
+  EXPECT_NE(std::string::npos, err.find("SocketClient::Get - no response to "
+                                        "XCFG_GET_STREAM_PARAM_REQUEST within 100 ms\n"))
+      << err;
+  answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_STREAM_PARAM_RESPONSE, 7, 0, 0), kUnknown,
+                               0xFFFFFFFF, 0, 0, 0});
+  answer(
+      XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 1, 0), kPercent, 0, 11, 0, 0});
+  EXPECT_EQ(11u, client.Get(kPercent)) << "request 1's answer, not request 0's";
+
+  client.AddConfigEventListener(&heard);  // request 2; the events thread reads from now on
+  Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 3, unanswered
+  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 3, 0), 0});
+  answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 7, kXConfigEventRequestID, 0),
+                               kPercent, 0, 42, 0, kXConfigStreamBufferSize});
+  EXPECT_EQ(std::vector<std::string>{"1=42"}, heard.WaitFor(1)) << "the events thread goes on";
 }

@@ -6,16 +6,21 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <fstream>
 #include <memory>
 #include <thread>
 
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
+#include "support/logger.h"
 #include "test_bytes.h"
+#include "test_stderr.h"
+#include "test_temp_folder.h"
 
 using namespace zyn::config::access;
 using namespace test_catalogue;
+using zyn::logging::Logger;
 
 namespace {
 
@@ -364,4 +369,32 @@ TEST_F(SocketServerTest, ClientsPastTheDescriptorLimitAreClosedAtOnce) {
       << err;
   EXPECT_EQ(err.find("Socket::accept"), err.rfind("Socket::accept"))
       << "only the first refusal tries to accept: " << err;
+}
+
+// Both stream servers trace a string set once, with its payload, and trace a
+// listener request for one parameter only when that parameter is watched.
+TEST_F(SocketServerTest, TracesFollowTheWatchList) {
+  TempFolder folder;
+  std::ofstream(folder.path + "/" + program_invocation_short_name + ".log")
+      << "watch eParamID_TestName\n";
+  std::unique_ptr<Logger> logger = Logger::Create(folder.path);
+  NetworkLoopbackServer tcp(SOCK_STREAM, 0);
+  Logger::Install(logger.get());
+  for (int port : {server.port, tcp.port}) {
+    StringValue text(eConfigID_Default, kName, eCParam_StringValue, "traced");
+    std::vector<char> payload = EncodePayload(&text);
+    std::string err = Stderr([&] {
+      RawPeer peer(port);
+      peer.Connect(kConnection);
+      peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 2, kName, 0, payload.size()));
+      peer.SendBytes(payload.data(), payload.size());
+      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
+      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
+      Sync(peer);
+    });
+    EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
+    EXPECT_NE(std::string::npos, err.find(" [2] {0x")) << "traced with its payload";
+    EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
+  }
+  Logger::Install(nullptr);  // the servers' threads have ended their traces
 }
