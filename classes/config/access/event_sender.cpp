@@ -1,5 +1,7 @@
 #include "config/access/event_sender.h"
 
+#include <sys/socket.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <utility>
@@ -42,6 +44,15 @@ XCONFIGMGR_REQUEST_T StreamChangedEvent(const QueuedEvent& event) {
   return XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, event.connectionID,
                                          kXConfigEventRequestID, event.configID),
                               event.paramID, 0, 0, 0};
+}
+
+std::unique_ptr<EventSender> EventSender::StartFor(int fd, SendFunction send,
+                                                   CutOffFunction cutOff) {
+  if (setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer, sizeof kSocketSendBuffer) != 0)
+    perror("EventSender::StartFor - unable to set the send buffer size");
+  std::unique_ptr<EventSender> sender(new EventSender(std::move(send), std::move(cutOff)));
+  if (!sender->Start()) sender.reset();
+  return sender;
 }
 
 bool EventSender::Start() {

@@ -29,6 +29,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 
 #include "config/access/xconfigmgr_records.h"
 
@@ -58,6 +59,10 @@ class EventSender {
   static constexpr size_t kMaxQueuedEvents = 1024;
   // Stack of the sender thread: it builds one record at a time.
   static constexpr size_t kThreadStackSize = 128 * 1024;
+  // The send buffer of a listening connection's socket. The kernel's own
+  // grows to megabytes, tens of thousands of events a stalled client would
+  // hold before its queue even starts to fill.
+  static constexpr int kSocketSendBuffer = 32 * 1024;
 
   // Sends one event on the sender thread; its result is not used.
   using SendFunction = std::function<bool(const QueuedEvent&)>;
@@ -69,6 +74,9 @@ class EventSender {
   EventSender(const EventSender&) = delete;
   EventSender& operator=(const EventSender&) = delete;
 
+  // A started sender for the connection on socket `fd`, whose send buffer
+  // it bounds; null, with a message, when the thread cannot be started.
+  static std::unique_ptr<EventSender> StartFor(int fd, SendFunction send, CutOffFunction cutOff);
   // Starts the sender thread; false, with a message, when it cannot.
   bool Start();
   // Queues `event` without waiting. False when it was not queued: the client

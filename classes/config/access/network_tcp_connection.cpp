@@ -99,6 +99,7 @@ void NetworkTCPConnection::ReleaseConfig() {
   // reads the store, ends before the store is given back.
   if (_listening) config->RemoveConfigEventListener(this);
   _listening = false;
+  if (_events != nullptr) _events->Stop();  // joined while _events is still set
   _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(config);
   config = nullptr;
@@ -273,12 +274,9 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
   // Joining the store's listeners happens outside _state_lock: a writer
   // that notifies holds the store's listener lock and then takes it.
   if (!_listening) {
-    _events.reset(new EventSender([this](const QueuedEvent& event) { return SendEvent(event); },
-                                  [this] { CutOff(); }));
-    if (!_events->Start()) {
-      _events.reset();
-      return false;
-    }
+    _events = EventSender::StartFor(
+        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+    if (_events == nullptr) return false;
     _listening = true;
     config->AddConfigEventListener(this);
   }

@@ -102,6 +102,7 @@ void SocketConnection::ReleaseStore() {
   // sender, which reads the store, ends before the store is given back.
   if (_listening) _store->RemoveConfigEventListener(this);
   _listening = false;
+  if (_events != nullptr) _events->Stop();  // joined while _events is still set
   _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(_store);
   _store = nullptr;
@@ -300,12 +301,9 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
   // Joining the store's listeners happens outside _state_lock: a writer
   // notifying holds the store's listener lock and then takes _state_lock.
   if (!_listening) {
-    _events.reset(new EventSender([this](const QueuedEvent& event) { return SendEvent(event); },
-                                  [this] { CutOff(); }));
-    if (!_events->Start()) {
-      _events.reset();
-      return false;
-    }
+    _events = EventSender::StartFor(
+        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+    if (_events == nullptr) return false;
     _listening = true;
     _store->AddConfigEventListener(this);
   }
