@@ -18,6 +18,7 @@ EventSender::EventSender(SendFunction send, CutOffFunction cutOff, size_t bound)
       _bound(bound),
       _stopping(false),
       _cut_off(false),
+      _idle(false),
       _started(false),
       _thread() {
   SemaphoreHelper::InitSemaphore(&_lock);
@@ -81,7 +82,10 @@ bool EventSender::Post(const QueuedEvent& event) {
     if (_stopping || _cut_off) return false;
     if (_queue.size() < _bound) {
       _queue.push_back(event);
-      sem_post(&_pending);
+      // Only an idle sender is woken: a busy one finds the event itself, and
+      // the writer makes no system call.
+      if (_idle) sem_post(&_pending);
+      _idle = false;
       return true;
     }
     _cut_off = true;
@@ -109,19 +113,29 @@ void EventSender::Stop() {
 }
 
 void EventSender::Run() {
+  QueuedEvent event;
   for (;;) {
+    int next = Next(event);
+    if (next < 0) return;
+    if (next > 0) {
+      _send(event);
+      continue;
+    }
     while (sem_wait(&_pending) != 0 && errno == EINTR) {
     }
-    QueuedEvent event;
-    {
-      SemaphoreHelper hold(&_lock);
-      if (_stopping) return;
-      if (_queue.empty()) continue;  // posted, then dropped by a cut-off
-      event = _queue.front();
-      _queue.pop_front();
-    }
-    _send(event);
   }
+}
+
+int EventSender::Next(QueuedEvent& event) {
+  SemaphoreHelper hold(&_lock);
+  if (_stopping) return -1;
+  if (_queue.empty()) {
+    _idle = true;
+    return 0;
+  }
+  event = _queue.front();
+  _queue.pop_front();
+  return 1;
 }
 
 }  // namespace access

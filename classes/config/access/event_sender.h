@@ -17,8 +17,8 @@
 //
 // Threads and locks: Post is called by the store's writers, Start and Stop
 // by the connection's thread, the send callback by the sender thread only.
-// _lock guards _queue, _stopping and _cut_off; _pending counts the posts
-// (and the stop) that the sender thread has yet to take.
+// _lock guards _queue, _stopping, _cut_off and _idle; _pending wakes an idle
+// sender thread.
 #ifndef CLASSES_CONFIG_ACCESS_EVENT_SENDER_H
 #define CLASSES_CONFIG_ACCESS_EVENT_SENDER_H
 
@@ -92,6 +92,9 @@ class EventSender {
  private:
   static void* pthread_start(void* arg);
   void Run();
+  // Takes the next event: 1, or 0 when the queue is empty (the sender is
+  // then idle), or -1 when stopping.
+  int Next(QueuedEvent& event);
 
   SendFunction _send;
   CutOffFunction _cut_off_callback;
@@ -99,6 +102,7 @@ class EventSender {
   std::deque<QueuedEvent> _queue;  // guarded by _lock
   bool _stopping;                  // guarded by _lock
   bool _cut_off;                   // guarded by _lock
+  bool _idle;                      // guarded by _lock; the sender waits on _pending
   bool _started;                   // connection's thread only
   pthread_t _thread;
   sem_t _lock;
