@@ -4,7 +4,7 @@
 // writer threads in alternating rounds:
 //   stalled: N clients register for every event and never read; the round
 //            lasts until the server has cut every one of them off;
-//   none:    as many Sets with no listener at all, the baseline.
+//   none:    no listener at all, for as long: the baseline.
 // It prints one line per kind of round and the ratio of the two p99s:
 //   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1
 //   listeners=0 writers=1 seconds=2.7 ops/s=934567 p50_us=0.8 p99_us=1.6
@@ -199,14 +199,15 @@ int main(int argc, char** argv) {
     std::vector<float> round = TimeSets(store, options.writers, [&](size_t) {
       return liveCount() == 0;  // every stalled client cut off
     });
-    stalledSeconds += std::chrono::duration<double>(Clock::now() - start).count();
+    const double length = std::chrono::duration<double>(Clock::now() - start).count();
+    stalledSeconds += length;
     for (int fd : fds) ::close(fd);
-    const size_t perWriter = round.size() / options.writers;
     stalled.insert(stalled.end(), round.begin(), round.end());
 
-    start = Clock::now();
-    round = TimeSets(store, options.writers, [&](size_t done) { return done >= perWriter; });
-    noneSeconds += std::chrono::duration<double>(Clock::now() - start).count();
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                        std::chrono::duration<double>(length));
+    round = TimeSets(store, options.writers, [&](size_t) { return Clock::now() >= end; });
+    noneSeconds += length;
     none.insert(none.end(), round.begin(), round.end());
   }
   std::string label = std::to_string(options.listeners);
