@@ -6,8 +6,8 @@
 //            lasts until the server has cut every one of them off;
 //   none:    no listener at all, for as long: the baseline.
 // It prints one line per kind of round and the ratio of the two p99s:
-//   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1
-//   listeners=0 writers=1 seconds=2.7 ops/s=934567 p50_us=0.8 p99_us=1.6
+//   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1 max_us=90
+//   listeners=0 writers=1 seconds=3.1 ops/s=934567 p50_us=0.8 p99_us=1.6 max_us=70
 //   p99_ratio=1.31
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -157,8 +157,9 @@ Summary Print(const char* label, int writers, std::vector<float>& all, double se
     return all.empty() ? 0.0 : all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];
   };
   Summary summary{percentile(0.50), percentile(0.99)};
-  printf("listeners=%s writers=%d seconds=%.2f ops/s=%.0f p50_us=%.2f p99_us=%.2f\n", label,
-         writers, seconds, all.size() / seconds, summary.p50, summary.p99);
+  printf("listeners=%s writers=%d seconds=%.2f ops/s=%.0f p50_us=%.2f p99_us=%.2f max_us=%.0f\n",
+         label, writers, seconds, all.size() / seconds, summary.p50, summary.p99,
+         all.empty() ? 0.0 : all.back());
   return summary;
 }
 
