@@ -67,19 +67,13 @@ void NetworkTCPConnection::StopAll() { Live().StopAll(); }
 bool NetworkTCPConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool NetworkTCPConnection::Start() {
-  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
+  int rc = ::zyn::config::access::StartDetachedThread(RunThenDelete<NetworkTCPConnection>, this,
+                                                      kThreadStackSize);
   if (rc != 0) {
     fprintf(stderr, "NetworkTCPConnection::Start - pthread_create failed\n");
     return false;
   }
   return true;
-}
-
-void* NetworkTCPConnection::pthread_start(void* arg) {
-  NetworkTCPConnection* connection = static_cast<NetworkTCPConnection*>(arg);
-  connection->Run();
-  delete connection;
-  return nullptr;
 }
 
 void NetworkTCPConnection::Stop() {

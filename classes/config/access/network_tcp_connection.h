@@ -82,8 +82,6 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   static bool WaitForAll(long timeoutMs);
 
  private:
-  static void* pthread_start(void* arg);
-
   // Each handler answers one request; false ends the connection.
   bool Dispatch(uint32_t msgtype, const char* record);
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);

@@ -69,7 +69,8 @@ void SocketConnection::StopAll() { Live().StopAll(); }
 bool SocketConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool SocketConnection::Start() {
-  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
+  int rc = ::zyn::config::access::StartDetachedThread(RunThenDelete<SocketConnection>, this,
+                                                      kThreadStackSize);
   if (rc != 0) {
     errno = rc;
     perror("SocketConnection::Start");
@@ -77,13 +78,6 @@ bool SocketConnection::Start() {
     return false;
   }
   return true;
-}
-
-void* SocketConnection::pthread_start(void* arg) {
-  SocketConnection* connection = static_cast<SocketConnection*>(arg);
-  connection->Run();
-  delete connection;
-  return nullptr;
 }
 
 void SocketConnection::Stop() {

@@ -73,8 +73,6 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   static bool WaitForAll(long timeoutMs);
 
  private:
-  static void* pthread_start(void* arg);
-
   // Each handler answers one request; false ends the connection.
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
