@@ -274,14 +274,9 @@ inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount
   std::atomic<int> written{-1};  // the number of Sets once they are done
   std::thread reader([&] {
     XCONFIGMGR_RESPONSE_T event{};
-    while (heard != written && peers.back()->ReadRecord(event, 10000)) {
-      if (event.header.msgtype != 144 || event.value != static_cast<uint32_t>(heard.load())) {
-        ADD_FAILURE() << "event " << heard << " out of order: type " << event.header.msgtype
-                      << ", value " << event.value;
-        return;
-      }
+    while (heard != written && peers.back()->ReadRecord(event, 10000) &&
+           event.header.msgtype == 144 && event.value == static_cast<uint32_t>(heard.load()))
       ++heard;
-    }
   });
   int writes = 0;
   std::string err = Stderr([&] {
@@ -294,7 +289,7 @@ inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount
     reader.join();
   });
   EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
-  EXPECT_EQ(writes, heard.load()) << "the reading listener missed events";
+  EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
   size_t lines = 0;
   for (size_t at = err.find(cutOffLine); at != std::string::npos; at = err.find(cutOffLine, at + 1))
     ++lines;
