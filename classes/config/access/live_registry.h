@@ -4,7 +4,8 @@
 // enters itself when made and leaves when deleted.
 //
 // StartDetachedThread starts the detached thread such an object runs on,
-// with a small explicit stack, so that thousands of connections fit.
+// with a small explicit stack, so that thousands of connections fit;
+// RunThenDelete<T> is the entry of a connection's thread.
 //
 // Thread-safety: every operation may be called from any thread; one mutex
 // guards the set. StopAll calls Stop on each object under it, so Stop must
@@ -68,6 +69,15 @@ inline int StartDetachedThread(void* (*entry)(void*), void* arg, size_t stackSiz
   int rc = pthread_create(&thread, &attributes, entry, arg);
   pthread_attr_destroy(&attributes);
   return rc;
+}
+
+// A connection thread's entry: runs the connection, then deletes it.
+template <typename T>
+void* RunThenDelete(void* arg) {
+  T* connection = static_cast<T*>(arg);
+  connection->Run();
+  delete connection;
+  return nullptr;
 }
 
 }  // namespace access

@@ -47,6 +47,7 @@ NetworkTCPConnection::NetworkTCPConnection(Socket* s)
       stopped(false),
       _broken(false) {
   SemaphoreHelper::InitSemaphore(&lock);
+  SemaphoreHelper::InitSemaphore(&_state_lock);
   // A client that stops reading must not hold the store's writers for long.
   socket->set_send_timeout(kSendTimeoutMs);
   Live().Add(this);
@@ -56,6 +57,7 @@ NetworkTCPConnection::~NetworkTCPConnection() {
   Live().Remove(this);
   delete socket;
   SemaphoreHelper::DestroySemaphore(&lock);
+  SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
 
 int NetworkTCPConnection::LiveCount() { return Live().Count(); }
@@ -65,19 +67,13 @@ void NetworkTCPConnection::StopAll() { Live().StopAll(); }
 bool NetworkTCPConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool NetworkTCPConnection::Start() {
-  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
+  int rc = ::zyn::config::access::StartDetachedThread(RunThenDelete<NetworkTCPConnection>, this,
+                                                      kThreadStackSize);
   if (rc != 0) {
     fprintf(stderr, "NetworkTCPConnection::Start - pthread_create failed\n");
     return false;
   }
   return true;
-}
-
-void* NetworkTCPConnection::pthread_start(void* arg) {
-  NetworkTCPConnection* connection = static_cast<NetworkTCPConnection*>(arg);
-  connection->Run();
-  delete connection;
-  return nullptr;
 }
 
 void NetworkTCPConnection::Stop() {
@@ -93,9 +89,12 @@ void NetworkTCPConnection::Run() {
 void NetworkTCPConnection::ReleaseConfig() {
   if (config == nullptr) return;
   // Leaving the listeners waits for a notification in progress, so no
-  // callback reaches the connection after this.
+  // callback reaches the connection after this; then the sender, which
+  // reads the store, ends before the store is given back.
   if (_listening) config->RemoveConfigEventListener(this);
   _listening = false;
+  if (_events != nullptr) _events->Stop();  // joined while _events is still set
+  _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(config);
   config = nullptr;
 }
@@ -175,7 +174,7 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
 bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   ReleaseConfig();  // a second Connect Request moves the connection to its store
   {
-    SemaphoreHelper hold(&lock);
+    SemaphoreHelper hold(&_state_lock);
     connectionID = request.header.connectionID;
     _config_id = request.header.configID;
   }
@@ -263,7 +262,7 @@ bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& r
 bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
     const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
   {
-    SemaphoreHelper hold(&lock);
+    SemaphoreHelper hold(&_state_lock);
     if (request.paramID == 0) {
       paramIDs.clear();
     } else if (std::find(paramIDs.begin(), paramIDs.end(), request.paramID) == paramIDs.end()) {
@@ -271,9 +270,12 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
     }
     registered = true;
   }
-  // Joining the store's listeners happens outside `lock`: a writer that
-  // notifies holds the store's listener lock and then takes `lock`.
+  // Joining the store's listeners happens outside _state_lock: a writer
+  // that notifies holds the store's listener lock and then takes it.
   if (!_listening) {
+    _events = EventSender::StartFor(
+        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+    if (_events == nullptr) return false;
     _listening = true;
     config->AddConfigEventListener(this);
   }
@@ -284,11 +286,14 @@ bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
     const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
   XCONFIGMGR_CONNECTION_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
-  SemaphoreHelper hold(&lock);
-  // No events after the response; the store registration is kept, so a
-  // later Add Listener Request only switches them on again.
-  registered = false;
-  if (!SendRecordLocked(response))
+  {
+    // No events after the response (queued ones are dropped); the store
+    // registration is kept, so a later Add Listener Request only switches
+    // them on again.
+    SemaphoreHelper hold(&_state_lock);
+    registered = false;
+  }
+  if (!SendRecord(response))
     fprintf(stderr,
             "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
             "response!\n");
@@ -296,34 +301,45 @@ bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
 }
 
 bool NetworkTCPConnection::ParamChanged(unsigned int paramID, unsigned int value, timeval) {
-  SemaphoreHelper hold(&lock);
-  if (!registered || _broken) return true;
-  XCONFIGMGR_RESPONSE_T event{
-      MakeHeader(XCFG_PARAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, _config_id),
-      paramID,
-      0,
-      value,
-      0,
-      kXConfigStreamBufferSize};
-  if (!SendRecordLocked(event)) {
-    perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
-    return false;
-  }
-  return true;
+  return PostEvent(false, paramID, value);
 }
 
 bool NetworkTCPConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
-  SemaphoreHelper hold(&lock);
+  return PostEvent(true, paramID, 0);  // the payload is read when the event is sent
+}
+
+bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned int value) {
+  SemaphoreHelper hold(&_state_lock);
   if (!registered || _broken) return true;
-  XCONFIGMGR_REQUEST_T event{
-      MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, _config_id),
-      paramID, 0, 0, 0};
+  return _events->Post(QueuedEvent{text, paramID, value, connectionID, _config_id});
+}
+
+void NetworkTCPConnection::CutOff() {
+  // On the writer's thread, _state_lock held.
+  fprintf(stderr,
+          "NetworkTCPConnection::ParamChanged - event queue limit of %zu reached, client cut off "
+          "(connection pid = 0x%X)\n",
+          EventSender::kMaxQueuedEvents, connectionID & 0xFFFF);
+  _broken = true;
+  ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
+}
+
+bool NetworkTCPConnection::SendEvent(const QueuedEvent& event) {
   std::vector<char> bytes;
-  if (!BuildStreamResponse(event, bytes) || !SendLocked(bytes.data(), bytes.size())) {
-    perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
-    return false;
+  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
+  if (sent) {
+    SemaphoreHelper hold(&lock);
+    {
+      // Removed meanwhile: nothing follows the Remove Listener Response.
+      SemaphoreHelper state(&_state_lock);
+      if (!registered || _broken) return true;
+    }
+    sent = event.text ? SendLocked(bytes.data(), bytes.size())
+                      : SendRecordLocked(ParamChangedEvent(event));
   }
-  return true;
+  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
+  perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
+  return false;
 }
 
 bool NetworkTCPConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
@@ -393,7 +409,6 @@ bool NetworkTCPConnection::SendLocked(const char* bytes, size_t length) {
   // A failed or timed-out send leaves the stream mid-record: the client is
   // cut off and the reading loop ends.
   _broken = true;
-  registered = false;
   ::shutdown(_fd, SHUT_RDWR);
   return false;
 }

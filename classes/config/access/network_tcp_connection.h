@@ -14,11 +14,13 @@
 // owner wait until every connection thread is gone.
 //
 // Threads and locks: the connection's thread reads and answers; the store's
-// writers call ParamChanged on their own threads. `lock` guards the sending
-// side of the socket, `registered`, `paramIDs` and the connection ID, so
-// events and responses never interleave. Event sends are bounded in time: a
-// client that stops reading is cut off (registration dropped, socket shut,
-// its thread ends) instead of stalling the store's writers.
+// writers call ParamChanged on their own threads, which only queues the
+// event; the connection's EventSender, made when the client first registers,
+// sends the events on its own thread. `lock` guards the sending side of the
+// socket, so events and responses never interleave; _state_lock guards
+// `registered`, `paramIDs`, the connection ID and the store's ID. A client
+// that stops reading is cut off (its queue full, or a send timed out: socket
+// shut, its thread ends) and never makes a writer wait.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 
@@ -27,9 +29,11 @@
 
 #include <atomic>
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "config/access/event_sender.h"
 #include "config/access/network_connection.h"
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
@@ -54,9 +58,9 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   explicit NetworkTCPConnection(Socket* socket);
   ~NetworkTCPConnection() override;
 
-  // Store callbacks: a "Param Changed Event", or a "Param String Changed
-  // Event" carrying the store's value at the time of sending, when the
-  // client is registered. False when the event could not be sent.
+  // Store callbacks: queue a "Param Changed Event", or a "Param String
+  // Changed Event" carrying the store's value at the time of sending, when
+  // the client is registered. False when the client has been cut off.
   bool ParamChanged(unsigned int paramID, unsigned int value, timeval when) override;
   bool ParamChanged(unsigned int paramID, std::string value, timeval when) override;
 
@@ -78,8 +82,6 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   static bool WaitForAll(long timeoutMs);
 
  private:
-  static void* pthread_start(void* arg);
-
   // Each handler answers one request; false ends the connection.
   bool Dispatch(uint32_t msgtype, const char* record);
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
@@ -105,20 +107,30 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool Send(const char* bytes, size_t length);
   // A failed send cuts the client off: no more sends, the read ends.
   bool SendLocked(const char* bytes, size_t length);
+  // Queues the change for the sender thread (the writer's thread).
+  bool PostEvent(bool text, unsigned int paramID, unsigned int value);
+  // Sends one queued event (the sender thread).
+  bool SendEvent(const ::zyn::config::access::QueuedEvent& event);
+  // Ends a client whose event queue overflowed, without waiting on it.
+  void CutOff();
   void ReleaseConfig();
 
-  std::list<unsigned int> paramIDs;  // guarded by lock
+  std::list<unsigned int> paramIDs;  // guarded by _state_lock
   Config* config;                    // set and released by the connection's thread
   Socket* socket;
   int _fd;  // the socket's descriptor, fixed for the connection's life
   ::zyn::config::access::StreamReader _reader;
-  unsigned int connectionID;  // guarded by lock
-  uint32_t _config_id;        // the open store's ID, for events; guarded by lock
-  bool registered;            // guarded by lock
+  unsigned int connectionID;  // guarded by _state_lock
+  uint32_t _config_id;        // the open store's ID, for events; guarded by _state_lock
+  bool registered;            // guarded by _state_lock
   bool _listening;            // added to the store's listeners (connection's thread)
   std::atomic<bool> stopped;
-  std::atomic<bool> _broken;  // a send failed: no more sends
+  std::atomic<bool> _broken;  // cut off: no more sends
+  // Made on the first registration, before joining the store's listeners;
+  // stopped after leaving them (connection's thread).
+  std::unique_ptr<::zyn::config::access::EventSender> _events;
   sem_t lock;
+  sem_t _state_lock;
 };
 
 }  // namespace access

@@ -46,6 +46,7 @@ SocketConnection::SocketConnection(Socket* socket)
       _stop(false),
       _broken(false) {
   SemaphoreHelper::InitSemaphore(&_send_lock);
+  SemaphoreHelper::InitSemaphore(&_state_lock);
   // A client that stops reading must not hold the store's writers for long.
   _socket->set_send_timeout(kSendTimeoutMs);
   Live().Add(this);
@@ -55,6 +56,7 @@ SocketConnection::~SocketConnection() {
   Live().Remove(this);
   delete _socket;
   SemaphoreHelper::DestroySemaphore(&_send_lock);
+  SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
 
 int SocketConnection::LiveCount() { return Live().Count(); }
@@ -64,7 +66,8 @@ void SocketConnection::StopAll() { Live().StopAll(); }
 bool SocketConnection::WaitForAll(long timeoutMs) { return Live().WaitForAll(timeoutMs); }
 
 bool SocketConnection::Start() {
-  int rc = ::zyn::config::access::StartDetachedThread(pthread_start, this, kThreadStackSize);
+  int rc = ::zyn::config::access::StartDetachedThread(RunThenDelete<SocketConnection>, this,
+                                                      kThreadStackSize);
   if (rc != 0) {
     errno = rc;
     perror("SocketConnection::Start");
@@ -72,13 +75,6 @@ bool SocketConnection::Start() {
     return false;
   }
   return true;
-}
-
-void* SocketConnection::pthread_start(void* arg) {
-  SocketConnection* connection = static_cast<SocketConnection*>(arg);
-  connection->Run();
-  delete connection;
-  return nullptr;
 }
 
 void SocketConnection::Stop() {
@@ -93,8 +89,12 @@ void SocketConnection::Run() {
 
 void SocketConnection::ReleaseStore() {
   if (_store == nullptr) return;
+  // Leaving the listeners waits for a notification in progress; then the
+  // sender, which reads the store, ends before the store is given back.
   if (_listening) _store->RemoveConfigEventListener(this);
   _listening = false;
+  if (_events != nullptr) _events->Stop();  // joined while _events is still set
+  _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(_store);
   _store = nullptr;
 }
@@ -175,7 +175,7 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
 bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   ReleaseStore();  // a second Connect Request moves the connection to its store
   {
-    SemaphoreHelper lock(&_send_lock);
+    SemaphoreHelper lock(&_state_lock);
     _connection_id = request.header.connectionID;
   }
   bool refused = false;
@@ -286,7 +286,7 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
 bool SocketConnection::ProcessAddConfigEventListenerRequest(
     const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
   {
-    SemaphoreHelper lock(&_send_lock);
+    SemaphoreHelper lock(&_state_lock);
     if (request.paramID == 0) {
       _filter.clear();
     } else if (std::find(_filter.begin(), _filter.end(), request.paramID) == _filter.end()) {
@@ -294,9 +294,12 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
     }
     _registered = true;
   }
-  // Joining the store's listeners happens outside _send_lock: a writer
-  // notifying holds the store's listener lock and then takes _send_lock.
+  // Joining the store's listeners happens outside _state_lock: a writer
+  // notifying holds the store's listener lock and then takes _state_lock.
   if (!_listening) {
+    _events = EventSender::StartFor(
+        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+    if (_events == nullptr) return false;
     _listening = true;
     _store->AddConfigEventListener(this);
   }
@@ -307,9 +310,12 @@ bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
     const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request) {
   XCONFIGMGR_CONNECTION_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
-  SemaphoreHelper lock(&_send_lock);
-  _registered = false;  // the filter and the store registration are kept
-  if (!SendRecordLocked(response))
+  {
+    SemaphoreHelper lock(&_state_lock);
+    _registered = false;  // the filter and the store registration are kept
+  }
+  // Queued events still unsent are dropped: none follows the response.
+  if (!SendRecord(response))
     fprintf(stderr,
             "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
             "response!\n");
@@ -322,40 +328,54 @@ bool SocketConnection::WantsEvent(unsigned int paramID) {
 }
 
 bool SocketConnection::ParamChanged(unsigned int paramID, unsigned int value, timeval) {
-  SemaphoreHelper lock(&_send_lock);
-  if (!WantsEvent(paramID)) return true;
-  XCONFIGMGR_RESPONSE_T event{
-      MakeHeader(XCFG_PARAM_CHANGED_EVENT, _connection_id, kXConfigEventRequestID,
-                 static_cast<uint32_t>(_store->GetConfigID())),
-      paramID,
-      0,
-      value,
-      0,
-      kXConfigStreamBufferSize};
-  if (!SendRecordLocked(event)) {
-    perror("SocketConnection::ParamChanged - unable to send event to socket");
-    return false;
-  }
-  return true;
+  return PostEvent(false, paramID, value);
 }
 
 bool SocketConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
-  SemaphoreHelper lock(&_send_lock);
-  if (!WantsEvent(paramID)) return true;
   // The payload is the store's value at the time of sending.
-  XCONFIGMGR_REQUEST_T event{
-      MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, _connection_id, kXConfigEventRequestID,
-                 static_cast<uint32_t>(_store->GetConfigID())),
-      paramID, 0, 0, 0};
+  return PostEvent(true, paramID, 0);
+}
+
+bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int value) {
+  SemaphoreHelper lock(&_state_lock);
+  if (!WantsEvent(paramID)) return true;
+  return _events->Post(QueuedEvent{text, paramID, value, _connection_id,
+                                   static_cast<uint32_t>(_store->GetConfigID())});
+}
+
+void SocketConnection::CutOff() {
+  // On the writer's thread, _state_lock held.
+  fprintf(stderr,
+          "SocketConnection::ParamChanged - event queue limit of %zu reached, client cut off "
+          "(connection pid = 0x%X)\n",
+          EventSender::kMaxQueuedEvents, _connection_id);
+  _broken = true;
+  ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
+}
+
+bool SocketConnection::SendEvent(const QueuedEvent& event) {
   std::vector<char> bytes;
-  if (!BuildStreamResponse(event, bytes) || !SendLocked(bytes.data(), bytes.size())) {
+  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
+  if (sent) {
+    SemaphoreHelper lock(&_send_lock);
+    {
+      // Removed meanwhile: nothing follows the Remove Listener Response.
+      SemaphoreHelper state(&_state_lock);
+      if (!_registered || _broken) return true;
+    }
+    sent = event.text ? SendLocked(bytes.data(), bytes.size())
+                      : SendRecordLocked(ParamChangedEvent(event));
+  }
+  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
+  if (event.text) {
     fprintf(stderr,
             "SocketConnection::ParamChanged - call to SendStreamResponse failed, unable to send "
             "event to %d\n",
-            static_cast<int>(_connection_id));
-    return false;
+            static_cast<int>(event.connectionID));
+  } else {
+    perror("SocketConnection::ParamChanged - unable to send event to socket");
   }
-  return true;
+  return false;
 }
 
 bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
@@ -451,7 +471,6 @@ bool SocketConnection::SendLocked(const char* bytes, size_t length) {
   // A failed or timed-out send leaves the stream mid-record: the client is
   // cut off and the reading loop ends.
   _broken = true;
-  _registered = false;
   ::shutdown(_fd, SHUT_RDWR);
   return false;
 }

@@ -11,10 +11,13 @@
 // back, so a store never calls a deleted connection.
 //
 // Threads and locks: the connection's thread reads and answers; the store's
-// writers call ParamChanged on their own threads. _send_lock guards the
-// sending side of the socket, the registration flag and the filter, so
-// events and responses never interleave. Event sends are bounded in time: a
-// client that stops reading is cut off instead of stalling the store.
+// writers call ParamChanged on their own threads, which only queues the
+// event; the connection's EventSender, made when the client first registers,
+// sends the events on its own thread. _state_lock guards the registration
+// flag, the filter and the connection ID; _send_lock guards the sending side
+// of the socket, so events and responses never interleave. A client that
+// stops reading is cut off (its queue full, or a send timed out) and never
+// makes a writer wait.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 
@@ -23,9 +26,11 @@
 
 #include <atomic>
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "config/access/event_sender.h"
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
@@ -68,8 +73,6 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   static bool WaitForAll(long timeoutMs);
 
  private:
-  static void* pthread_start(void* arg);
-
   // Each handler answers one request; false ends the connection.
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
@@ -100,21 +103,31 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   // Sends bytes under _send_lock; a failure cuts the client off.
   bool Send(const char* bytes, size_t length);
   bool SendLocked(const char* bytes, size_t length);
-  // True when an event for `paramID` goes to this client (under _send_lock).
+  // True when an event for `paramID` goes to this client (under _state_lock).
   bool WantsEvent(unsigned int paramID);
+  // Queues the change for the sender thread (the writer's thread).
+  bool PostEvent(bool text, unsigned int paramID, unsigned int value);
+  // Sends one queued event (the sender thread).
+  bool SendEvent(const QueuedEvent& event);
+  // Ends a client whose event queue overflowed, without waiting on it.
+  void CutOff();
   void ReleaseStore();
 
   Config* _store;
   Socket* _socket;
-  int _fd;               // the socket's descriptor, fixed for the connection's life
-  StreamReader _reader;  // the connection thread's reads
-  uint32_t _connection_id;
-  bool _registered;                 // guarded by _send_lock
+  int _fd;                          // the socket's descriptor, fixed for the connection's life
+  StreamReader _reader;             // the connection thread's reads
+  uint32_t _connection_id;          // guarded by _state_lock
+  bool _registered;                 // guarded by _state_lock
   bool _listening;                  // added to the store's listeners
-  std::list<unsigned int> _filter;  // guarded by _send_lock; empty: all
+  std::list<unsigned int> _filter;  // guarded by _state_lock; empty: all
   std::atomic<bool> _stop;
-  std::atomic<bool> _broken;  // a send failed: no more sends
+  std::atomic<bool> _broken;  // cut off: no more sends
+  // Made on the first registration, before joining the store's listeners;
+  // stopped after leaving them (connection's thread).
+  std::unique_ptr<EventSender> _events;
   sem_t _send_lock;
+  sem_t _state_lock;
 };
 
 }  // namespace access

@@ -5,14 +5,18 @@
 #define TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H
 
 #include <arpa/inet.h>
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstring>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "config/access/network_server.h"
@@ -23,6 +27,7 @@
 #include "config/access/xconfigmgr_records.h"
 #include "config/config_factory_impl.h"
 #include "test_catalogue.h"
+#include "test_stderr.h"
 
 // Starts a server on a free port for the test and stops it, and every
 // connection it served, afterwards.
@@ -230,6 +235,65 @@ std::vector<uint32_t> WordsOf(const Record& record) {
   std::vector<uint32_t> words(sizeof(Record) / 4);
   memcpy(words.data(), &record, sizeof(Record));
   return words;
+}
+
+inline int ThreadCount() {
+  int count = 0;
+  DIR* tasks = opendir("/proc/self/task");
+  while (dirent* task = readdir(tasks)) count += task->d_name[0] != '.';
+  closedir(tasks);
+  return count;
+}
+
+// Twenty listeners that never read and one that does, on a stream server of
+// either transport (`liveCount` counts its connections). Writers go on while
+// the stalled clients' queues fill, and each is cut off with `cutOffLine`;
+// the reader hears every change in order meanwhile.
+inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount)(),
+                                        const std::string& cutOffLine) {
+  constexpr int kStalled = 20;
+  std::vector<std::unique_ptr<RawPeer>> peers;
+  for (int i = 0; i <= kStalled; ++i) {  // the last one reads
+    peers.emplace_back(new RawPeer(port, i < kStalled ? 4096 : 0));
+    ASSERT_EQ(0u, peers.back()->Connect(0x00061000 + i));
+  }
+  const int idleThreads = ThreadCount();
+  for (auto& peer : peers) {
+    peer->Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+        zyn::config::access::MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 1, 2, 0), 0});
+    peer->Send(
+        XCONFIGMGR_REQUEST_T{zyn::config::access::MakeHeader(XCFG_GET_PARAM_REQUEST, 1, 3, 0),
+                             test_catalogue::kRaw, 0, 0, 0});
+    XCONFIGMGR_RESPONSE_T response{};
+    ASSERT_TRUE(peer->ReadRecord(response));
+  }
+  EXPECT_EQ(idleThreads + kStalled + 1, ThreadCount())
+      << "one sender thread per listening connection, none before";
+
+  std::atomic<int> heard{0};
+  std::atomic<int> written{-1};  // the number of Sets once they are done
+  std::thread reader([&] {
+    XCONFIGMGR_RESPONSE_T event{};
+    while (heard != written && peers.back()->ReadRecord(event, 10000) &&
+           event.header.msgtype == 144 && event.value == static_cast<uint32_t>(heard.load()))
+      ++heard;
+  });
+  int writes = 0;
+  std::string err = Stderr([&] {
+    while (liveCount() > 1 && writes < 2000000) {
+      store->Set(test_catalogue::kRaw, writes++);
+      // The reader keeps up (its queue stays short); the others never read.
+      for (int waited = 0; writes - heard > 256 && waited < 50000; ++waited) usleep(200);
+    }
+    written = writes;
+    reader.join();
+  });
+  EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
+  EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
+  size_t lines = 0;
+  for (size_t at = err.find(cutOffLine); at != std::string::npos; at = err.find(cutOffLine, at + 1))
+    ++lines;
+  EXPECT_EQ(static_cast<size_t>(kStalled), lines) << err;
 }
 
 #endif  // TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H

@@ -1,0 +1,228 @@
+// Load tool for writers against listeners that never read. It starts a store
+// and a stream server (local socket, or --transport tcp for the network one)
+// in this process on a free loopback port and times the store's Set on W
+// writer threads in alternating rounds:
+//   stalled: N clients register for every event and never read; the round
+//            lasts until the server has cut every one of them off;
+//   none:    no listener at all, for as long: the baseline.
+// It prints one line per kind of round and the ratio of the two p99s:
+//   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1 max_us=90
+//   listeners=0 writers=1 seconds=3.1 ops/s=934567 p50_us=0.8 p99_us=1.6 max_us=70
+//   p99_ratio=1.31
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "config/access/network_server.h"
+#include "config/access/network_tcp_connection.h"
+#include "config/access/socket_connection.h"
+#include "config/access/socket_server.h"
+#include "config/access/stream_io.h"
+#include "config/access/xconfigmgr_records.h"
+#include "config/config_factory_impl.h"
+#include "config/descriptors/integer_descriptor.h"
+#include "config/descriptors/param_descriptors.h"
+
+using namespace zyn::config::access;
+using zyn::boxline::config::access::NetworkServer;
+using zyn::boxline::config::access::NetworkTCPConnection;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr unsigned int kLoadInteger = 0xFEEDD001;
+
+struct Options {
+  std::string transport = "socket";
+  int listeners = 20;
+  int writers = 1;
+  double seconds = 5;
+};
+
+void Usage() {
+  fprintf(stderr,
+          "usage: event_stall_load [--transport socket|tcp] [--listeners N] [--writers W] "
+          "[--seconds S]\n");
+  exit(2);
+}
+
+Options Parse(int argc, char** argv) {
+  Options options;
+  for (int i = 1; i < argc; ++i) {
+    std::string arg = argv[i];
+    if (i + 1 >= argc) Usage();
+    if (arg == "--transport") {
+      options.transport = argv[++i];
+    } else if (arg == "--listeners") {
+      options.listeners = atoi(argv[++i]);
+    } else if (arg == "--writers") {
+      options.writers = atoi(argv[++i]);
+    } else if (arg == "--seconds") {
+      options.seconds = atof(argv[++i]);
+    } else {
+      Usage();
+    }
+  }
+  if ((options.transport != "socket" && options.transport != "tcp") || options.listeners < 1 ||
+      options.writers < 1 || options.seconds <= 0)
+    Usage();
+  return options;
+}
+
+void RegisterLoadParameter() {
+  IntegerDescriptor* integer = new IntegerDescriptor();
+  integer->SetParamID(kLoadInteger);
+  integer->SetParamIDName("eParamID_LoadInteger");
+  integer->SetParamType(eCParam_IntegerValue);
+  integer->SetMaxValue(1000000);
+  AddDescriptor(integer);
+  IndexDescriptorNames();
+}
+
+template <typename Record>
+bool SendRecord(int fd, const Record& record) {
+  char bytes[sizeof(Record)];
+  Pack(record, bytes);
+  return SendAll(fd, bytes, sizeof bytes);
+}
+
+// A client that connects, registers for every event, and never reads again.
+int ConnectStalled(int port, uint32_t connectionID) {
+  int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+  int small = 4096;
+  setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  char answer[sizeof(XCONFIGMGR_RESPONSE_T)];
+  if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+      !SendRecord(fd, XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(XCFG_CONNECT_REQUEST, connectionID,
+                                                                 1, 0)}) ||
+      RecvExact(fd, answer, sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)) !=
+          sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T) ||
+      !SendRecord(fd,
+                  XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+                      MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, connectionID, 2, 0), 0}) ||
+      // The Get's answer: the registration is in place.
+      !SendRecord(fd, XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_GET_PARAM_REQUEST, connectionID, 3, 0),
+                                           kLoadInteger, 0, 0, 0}) ||
+      RecvExact(fd, answer, sizeof answer) != sizeof answer) {
+    perror("event_stall_load: stalled client");
+    exit(1);
+  }
+  return fd;
+}
+
+// W writers time Sets until `done` says the round is over.
+template <typename Done>
+std::vector<float> TimeSets(Config* store, int writers, Done done) {
+  std::vector<std::vector<float>> results(writers);
+  std::vector<std::thread> threads;
+  for (int w = 0; w < writers; ++w) {
+    threads.emplace_back([&, w] {
+      unsigned int n = static_cast<unsigned int>(w) * 100000u;
+      while (!done(results[w].size())) {
+        auto start = Clock::now();
+        store->Set(kLoadInteger, ++n % 1000000);
+        results[w].push_back(
+            std::chrono::duration<float, std::micro>(Clock::now() - start).count());
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  std::vector<float> all;
+  for (auto& r : results) all.insert(all.end(), r.begin(), r.end());
+  return all;
+}
+
+struct Summary {
+  double p50, p99;
+};
+
+Summary Print(const char* label, int writers, std::vector<float>& all, double seconds) {
+  std::sort(all.begin(), all.end());
+  auto percentile = [&](double p) {
+    return all.empty() ? 0.0 : all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];
+  };
+  Summary summary{percentile(0.50), percentile(0.99)};
+  printf("listeners=%s writers=%d seconds=%.2f ops/s=%.0f p50_us=%.2f p99_us=%.2f max_us=%.0f\n",
+         label, writers, seconds, all.size() / seconds, summary.p50, summary.p99,
+         all.empty() ? 0.0 : all.back());
+  return summary;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options = Parse(argc, argv);
+  // The cut-off lines and the library's diagnostics are not the output.
+  if (getenv("EVENT_STALL_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
+  const bool tcp = options.transport == "tcp";
+  int (*liveCount)() = tcp ? &NetworkTCPConnection::LiveCount : &SocketConnection::LiveCount;
+
+  RegisterLoadParameter();
+  Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
+  SocketServer* socketServer = nullptr;
+  NetworkServer* networkServer = nullptr;
+  int port;
+  pthread_t serverThread;
+  if (tcp) {
+    networkServer = new NetworkServer(AF_INET, SOCK_STREAM, 0);
+    if (!networkServer->Init() || !networkServer->Start()) return 1;
+    port = networkServer->GetPort();
+    serverThread = networkServer->GetThread();
+  } else {
+    socketServer = new SocketServer(0);
+    if (!socketServer->Init() || !socketServer->Start()) return 1;
+    port = socketServer->GetPort();
+    serverThread = socketServer->GetThread();
+  }
+
+  std::vector<float> stalled, none;
+  double stalledSeconds = 0, noneSeconds = 0;
+  uint32_t connectionID = 0x00081000;
+  while (stalledSeconds + noneSeconds < options.seconds) {
+    std::vector<int> fds;
+    for (int i = 0; i < options.listeners; ++i) fds.push_back(ConnectStalled(port, connectionID++));
+    auto start = Clock::now();
+    std::vector<float> round = TimeSets(store, options.writers, [&](size_t) {
+      return liveCount() == 0;  // every stalled client cut off
+    });
+    const double length = std::chrono::duration<double>(Clock::now() - start).count();
+    stalledSeconds += length;
+    for (int fd : fds) ::close(fd);
+    stalled.insert(stalled.end(), round.begin(), round.end());
+
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                        std::chrono::duration<double>(length));
+    round = TimeSets(store, options.writers, [&](size_t) { return Clock::now() >= end; });
+    noneSeconds += length;
+    none.insert(none.end(), round.begin(), round.end());
+  }
+  std::string label = std::to_string(options.listeners);
+  Summary withStalled = Print(label.c_str(), options.writers, stalled, stalledSeconds);
+  Summary baseline = Print("0", options.writers, none, noneSeconds);
+  printf("p99_ratio=%.2f\n", baseline.p99 > 0 ? withStalled.p99 / baseline.p99 : 0.0);
+  fflush(stdout);
+
+  if (tcp) {
+    networkServer->Stop();
+  } else {
+    socketServer->Stop();
+  }
+  pthread_join(serverThread, nullptr);
+  ConfigFactoryImpl::GetInstance()->Disconnect(store);
+  return 0;
+}
