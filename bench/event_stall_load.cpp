@@ -5,6 +5,8 @@
 //   stalled: N clients register for every event and never read; the round
 //            lasts until the server has cut every one of them off;
 //   none:    no listener at all, for as long: the baseline.
+// By default each writer sets in a tight loop; --interval-us paces it to one
+// Set per interval, as a front panel or a control process writes.
 // It prints one line per kind of round and the ratio of the two p99s:
 //   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1 max_us=90
 //   listeners=0 writers=1 seconds=3.1 ops/s=934567 p50_us=0.8 p99_us=1.6 max_us=70
@@ -48,12 +50,13 @@ struct Options {
   int listeners = 20;
   int writers = 1;
   double seconds = 5;
+  int intervalUs = 0;  // 0: a tight loop
 };
 
 void Usage() {
   fprintf(stderr,
           "usage: event_stall_load [--transport socket|tcp] [--listeners N] [--writers W] "
-          "[--seconds S]\n");
+          "[--seconds S] [--interval-us U]\n");
   exit(2);
 }
 
@@ -70,12 +73,14 @@ Options Parse(int argc, char** argv) {
       options.writers = atoi(argv[++i]);
     } else if (arg == "--seconds") {
       options.seconds = atof(argv[++i]);
+    } else if (arg == "--interval-us") {
+      options.intervalUs = atoi(argv[++i]);
     } else {
       Usage();
     }
   }
   if ((options.transport != "socket" && options.transport != "tcp") || options.listeners < 1 ||
-      options.writers < 1 || options.seconds <= 0)
+      options.writers < 1 || options.seconds <= 0 || options.intervalUs < 0)
     Usage();
   return options;
 }
@@ -127,13 +132,18 @@ int ConnectStalled(int port, uint32_t connectionID) {
 
 // W writers time Sets until `done` says the round is over.
 template <typename Done>
-std::vector<float> TimeSets(Config* store, int writers, Done done) {
+std::vector<float> TimeSets(Config* store, int writers, int intervalUs, Done done) {
   std::vector<std::vector<float>> results(writers);
   std::vector<std::thread> threads;
   for (int w = 0; w < writers; ++w) {
     threads.emplace_back([&, w] {
       unsigned int n = static_cast<unsigned int>(w) * 100000u;
+      auto next = Clock::now();
       while (!done(results[w].size())) {
+        if (intervalUs > 0) {
+          next += std::chrono::microseconds(intervalUs);
+          std::this_thread::sleep_until(next);
+        }
         auto start = Clock::now();
         store->Set(kLoadInteger, ++n % 1000000);
         results[w].push_back(
@@ -197,7 +207,7 @@ int main(int argc, char** argv) {
     std::vector<int> fds;
     for (int i = 0; i < options.listeners; ++i) fds.push_back(ConnectStalled(port, connectionID++));
     auto start = Clock::now();
-    std::vector<float> round = TimeSets(store, options.writers, [&](size_t) {
+    std::vector<float> round = TimeSets(store, options.writers, options.intervalUs, [&](size_t) {
       return liveCount() == 0;  // every stalled client cut off
     });
     const double length = std::chrono::duration<double>(Clock::now() - start).count();
@@ -207,7 +217,7 @@ int main(int argc, char** argv) {
 
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(length));
-    round = TimeSets(store, options.writers, [&](size_t) { return Clock::now() >= end; });
+    round = TimeSets(store, options.writers, options.intervalUs, [&](size_t) { return Clock::now() >= end; });
     noneSeconds += length;
     none.insert(none.end(), round.begin(), round.end());
   }
