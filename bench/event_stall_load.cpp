@@ -33,8 +33,8 @@
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config_factory_impl.h"
-#include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
+#include "load_parameter.h"
 
 using namespace zyn::config::access;
 using zyn::boxline::config::access::NetworkServer;
@@ -43,7 +43,6 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr unsigned int kLoadInteger = 0xFEEDD001;
 
 struct Options {
   std::string transport = "socket";
@@ -83,16 +82,6 @@ Options Parse(int argc, char** argv) {
       options.writers < 1 || options.seconds <= 0 || options.intervalUs < 0)
     Usage();
   return options;
-}
-
-void RegisterLoadParameter() {
-  IntegerDescriptor* integer = new IntegerDescriptor();
-  integer->SetParamID(kLoadInteger);
-  integer->SetParamIDName("eParamID_LoadInteger");
-  integer->SetParamType(eCParam_IntegerValue);
-  integer->SetMaxValue(1000000);
-  AddDescriptor(integer);
-  IndexDescriptorNames();
 }
 
 template <typename Record>
@@ -182,7 +171,8 @@ int main(int argc, char** argv) {
   const bool tcp = options.transport == "tcp";
   int (*liveCount)() = tcp ? &NetworkTCPConnection::LiveCount : &SocketConnection::LiveCount;
 
-  RegisterLoadParameter();
+  AddLoadIntegerDescriptor();
+  IndexDescriptorNames();
   Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
   SocketServer* socketServer = nullptr;
   NetworkServer* networkServer = nullptr;

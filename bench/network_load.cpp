@@ -36,16 +36,15 @@
 #include "config/access/socket_factory.h"
 #include "config/access/socket_server.h"
 #include "config/config_factory_impl.h"
-#include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "load_figures.h"
+#include "load_parameter.h"
 
 using namespace zyn::boxline::config::access;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr unsigned int kLoadInteger = 0xFEEDD001;
 constexpr int kFanout = 100;
 
 // Times `ops` calls of `op`, in microseconds each.
@@ -177,12 +176,7 @@ int main(int argc, char** argv) {
     if (strcmp(argv[i], "--ops") == 0) ops = atoi(argv[i + 1]);
     if (strcmp(argv[i], "--rounds") == 0) rounds = atoi(argv[i + 1]);
   }
-  IntegerDescriptor* integer = new IntegerDescriptor();
-  integer->SetParamID(kLoadInteger);
-  integer->SetParamIDName("eParamID_LoadInteger");
-  integer->SetParamType(eCParam_IntegerValue);
-  integer->SetMaxValue(1000000);
-  AddDescriptor(integer);
+  AddLoadIntegerDescriptor();
   IndexDescriptorNames();
   Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
 

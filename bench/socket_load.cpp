@@ -31,17 +31,16 @@
 #include "config/access/socket_server.h"
 #include "config/access/stream_io.h"
 #include "config/config_factory_impl.h"
-#include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
 #include "load_figures.h"
+#include "load_parameter.h"
 
 using namespace zyn::config::access;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr unsigned int kLoadInteger = 0xFEEDD001;
 constexpr unsigned int kLoadString = 0xFEEDD002;
 
 struct Options {
@@ -88,12 +87,7 @@ Options Parse(int argc, char** argv) {
 }
 
 void RegisterLoadParameters() {
-  IntegerDescriptor* integer = new IntegerDescriptor();
-  integer->SetParamID(kLoadInteger);
-  integer->SetParamIDName("eParamID_LoadInteger");
-  integer->SetParamType(eCParam_IntegerValue);
-  integer->SetMaxValue(1000000);
-  AddDescriptor(integer);
+  AddLoadIntegerDescriptor();
   StringDescriptor* text = new StringDescriptor();
   text->SetParamID(kLoadString);
   text->SetParamIDName("eParamID_LoadString");
