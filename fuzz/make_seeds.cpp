@@ -32,13 +32,18 @@ using namespace zyn::config::access;
 using zyn::config::values::Vector;
 
 std::string g_root;
+// Deep enough to overflow a connection thread's stack without a nesting bound.
+constexpr int kNestedLevels = 8000;
 int g_written = 0;
 
-bool Save(const std::string& target, const std::string& name, const std::string& bytes) {
+// Writes <target>/<kind>-<name>; kind is "seed", or "regress" for an input
+// that once broke the library.
+bool Save(const std::string& target, const std::string& name, const std::string& bytes,
+          const char* kind = "seed") {
   std::string folder = g_root + "/" + target;
   mkdir(g_root.c_str(), 0755);
   mkdir(folder.c_str(), 0755);
-  std::ofstream out(folder + "/seed-" + name, std::ios::binary | std::ios::trunc);
+  std::ofstream out(folder + "/" + kind + "-" + name, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   ++g_written;
   return static_cast<bool>(out);
@@ -54,6 +59,19 @@ std::string Framed(Serializable* object) {
   MemorySerializer writer(eSerializationFormat_Binary, &bytes[0], &bytes[0] + bytes.size(), false);
   writer.Write("Serializable", object);
   return bytes;
+}
+
+// A Vector holding a Vector holding ... `levels` deep: its reading once
+// recursed without bound and overflowed the reader's stack.
+std::string NestedVectors(int levels) {
+  Vector innermost;
+  std::string inner = Framed(&innermost);
+  std::string outer = inner.substr(0, 8);  // class ID 9, one element
+  outer[7] = 1;
+  std::string bytes;
+  bytes.reserve(outer.size() * levels + inner.size());
+  for (int i = 0; i < levels; ++i) bytes += outer;
+  return bytes + inner;
 }
 
 // Parameters the seeds talk about, picked from the catalogue by kind.
@@ -267,6 +285,7 @@ void ValueSeeds(const Picks& p) {
   std::string unknown = Framed(&number);
   unknown[3] = 2;  // a class ID nothing is registered for
   Save(target, "unknown-class", std::string(1, '\0') + unknown);
+  Save(target, "nested-vectors", std::string(1, '\0') + NestedVectors(kNestedLevels), "regress");
 }
 
 std::string ValuesImage(const Picks& p, const std::string& sample) {
@@ -318,6 +337,9 @@ void PresetSeeds(const Picks& p) {
   foreign.Add(new SectorHeader(1, 2, 3));
   Save(target, "foreign-element",
        std::string(1, '\0') + PresetImage::Encode(product, ValueImage::Encode(foreign)));
+  Save(target, "nested-vectors",
+       std::string(1, '\0') + PresetImage::Encode(product, NestedVectors(kNestedLevels)),
+       "regress");
 }
 
 void UriSeeds() {
