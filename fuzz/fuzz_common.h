@@ -1,12 +1,14 @@
-// What the fuzz targets share: quiet standard error, the unit's catalogue
-// with store 0 held open for the whole run, and a socketpair over which one
-// input is fed to a stream connection exactly as a client would send it.
+// What the fuzz targets share: the unit's catalogue with store 0 held open
+// for the whole run, and a socketpair over which one input is fed to a
+// stream connection exactly as a client would send it.
 //
 // A target defines LLVMFuzzerTestOneInput and calls fuzz::Initialize from
 // LLVMFuzzerInitialize; libFuzzer or the replay driver (replay_main.cpp)
-// calls both. Inputs run one at a time on the calling thread; the only other
-// thread is the peer of StreamExchange, joined before it returns, so no
-// thread or descriptor outlives an input.
+// calls both. The library's error lines for bad input are silenced by the
+// caller: libFuzzer's -close_fd_mask=2, or the replay driver. Inputs run
+// one at a time on the calling thread; the only other thread is the
+// StreamPeer, made once, which finishes its part of an exchange before
+// StreamExchange returns: no descriptor outlives an input.
 #ifndef FUZZ_FUZZ_COMMON_H
 #define FUZZ_FUZZ_COMMON_H
 
@@ -16,10 +18,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <condition_variable>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <mutex>
 #include <thread>
 
 #include "config/access/socket.h"
@@ -29,17 +33,6 @@
 #include "config/values/class_factory.h"
 
 namespace fuzz {
-
-// Silences the library's error lines (bad input is what the targets feed)
-// unless the run asks for -verbose=N with N > 0.
-inline void QuietUnlessVerbose(int argc, char** argv) {
-  for (int i = 1; i < argc; ++i)
-    if (strncmp(argv[i], "-verbose=", 9) == 0 && strcmp(argv[i] + 9, "0") != 0) return;
-  int null = open("/dev/null", O_WRONLY);
-  if (null < 0) return;
-  dup2(null, STDERR_FILENO);
-  close(null);
-}
 
 // The catalogue, the class registry and an open store 0, made once. The
 // store stays open so that connections to it do not rebuild it per input.
@@ -52,16 +45,93 @@ inline Config* Store() {
   return store;
 }
 
-inline void Initialize(int* argc, char*** argv, bool needsStore) {
-  QuietUnlessVerbose(*argc, *argv);
+inline void Initialize(bool needsStore) {
   if (needsStore) Store();
 }
 
+// The client side of StreamExchange: one thread for the whole run (a thread
+// per input costs more than the input under the sanitizers), handed one
+// exchange at a time under `_lock`.
+class StreamPeer {
+ public:
+  static StreamPeer& Get() {
+    static StreamPeer* peer = new StreamPeer();  // lives until the process ends
+    return *peer;
+  }
+
+  // Starts the client's side of one exchange on `fd`.
+  void Begin(int fd, const uint8_t* data, size_t size) {
+    std::lock_guard<std::mutex> hold(_lock);
+    _fd = fd;
+    _data = data;
+    _size = size;
+    _busy = true;
+    _changed.notify_all();
+  }
+  // Waits until the serving side has closed and the client has seen it.
+  void End() {
+    std::unique_lock<std::mutex> hold(_lock);
+    _changed.wait(hold, [this] { return !_busy; });
+  }
+
+ private:
+  StreamPeer() {
+    std::thread([this] { Serve(); }).detach();
+  }
+
+  void Serve() {
+    for (;;) {
+      std::unique_lock<std::mutex> hold(_lock);
+      _changed.wait(hold, [this] { return _busy; });
+      int fd = _fd;
+      const uint8_t* data = _data;
+      size_t size = _size;
+      hold.unlock();
+      Talk(fd, data, size);
+      hold.lock();
+      _busy = false;
+      _changed.notify_all();
+    }
+  }
+
+  // Writes the input, shuts the writing side, and reads and discards every
+  // answer until the serving side has closed. Nothing blocks however much
+  // either side sends.
+  static void Talk(int fd, const uint8_t* data, size_t size) {
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+    size_t sent = 0;
+    bool writing = size > 0;
+    if (!writing) shutdown(fd, SHUT_WR);
+    char sink[8192];
+    for (;;) {
+      pollfd p{fd, static_cast<short>(POLLIN | (writing ? POLLOUT : 0)), 0};
+      if (poll(&p, 1, -1) < 0) return;
+      if (writing && (p.revents & POLLOUT)) {
+        ssize_t n = send(fd, data + sent, size - sent, MSG_NOSIGNAL);
+        if (n > 0) sent += static_cast<size_t>(n);
+        if ((n < 0 && errno != EAGAIN) || sent == size) {
+          writing = false;
+          shutdown(fd, SHUT_WR);
+        }
+      }
+      if (p.revents & (POLLIN | POLLHUP | POLLERR)) {
+        ssize_t n = recv(fd, sink, sizeof sink, 0);
+        if (n == 0 || (n < 0 && errno != EAGAIN)) return;  // the serving side has closed
+      }
+    }
+  }
+
+  std::mutex _lock;
+  std::condition_variable _changed;
+  int _fd = -1;  // guarded by _lock, as are the next three
+  const uint8_t* _data = nullptr;
+  size_t _size = 0;
+  bool _busy = false;
+};
+
 // Feeds `size` bytes to a stream connection: `serve` gets a Socket holding
 // one end of a fresh socketpair and must read it to the end (or give up) and
-// close it; meanwhile a peer thread writes the input to the other end, shuts
-// its writing side, and reads and discards every answer until the serving
-// side has closed. Nothing blocks however much either side sends.
+// close it, while the StreamPeer plays the client on the other end.
 inline void StreamExchange(const uint8_t* data, size_t size,
                            const std::function<void(Socket*)>& serve) {
   int ends[2];
@@ -69,34 +139,13 @@ inline void StreamExchange(const uint8_t* data, size_t size,
     perror("StreamExchange - socketpair");
     return;
   }
-  int peer = ends[1];
-  std::thread client([peer, data, size] {
-    fcntl(peer, F_SETFL, fcntl(peer, F_GETFL) | O_NONBLOCK);
-    size_t sent = 0;
-    bool writing = true;
-    if (size == 0) shutdown(peer, SHUT_WR);
-    char sink[8192];
-    for (;;) {
-      pollfd p{peer, static_cast<short>(POLLIN | (writing && size > 0 ? POLLOUT : 0)), 0};
-      if (poll(&p, 1, -1) < 0) break;
-      if (writing && size > 0 && (p.revents & POLLOUT)) {
-        ssize_t n = send(peer, data + sent, size - sent, MSG_NOSIGNAL);
-        if (n > 0) sent += static_cast<size_t>(n);
-        if (n < 0 && errno != EAGAIN) writing = false;
-        if (sent == size) writing = false;
-        if (!writing) shutdown(peer, SHUT_WR);
-      }
-      if (p.revents & (POLLIN | POLLHUP | POLLERR)) {
-        ssize_t n = recv(peer, sink, sizeof sink, 0);
-        if (n == 0 || (n < 0 && errno != EAGAIN)) break;  // the serving side has closed
-      }
-    }
-  });
+  StreamPeer& peer = StreamPeer::Get();
+  peer.Begin(ends[1], data, size);
   auto* socket = new Socket(Socket::kLocalDomain, Socket::kStream);
   socket->adopt(ends[0]);
   serve(socket);
-  client.join();
-  close(peer);
+  peer.End();
+  close(ends[1]);
 }
 
 }  // namespace fuzz

@@ -4,8 +4,8 @@
 #include "config/access/network_tcp_connection.h"
 #include "fuzz_common.h"
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, true);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(true);
   return 0;
 }
 

@@ -48,8 +48,8 @@ void Handle(NetworkUDPConnection& connection, const uint8_t* bytes, size_t lengt
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, true);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(true);
   Loopback();
   return 0;
 }

@@ -11,8 +11,8 @@
 #include "configd/value_image.h"
 #include "fuzz_common.h"
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, true);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(true);
   PresetImage::UnitProduct();
   return 0;
 }

@@ -4,18 +4,23 @@
 // has one). Arguments starting with '-' are the target's options (-verbose=1
 // keeps standard error). Exits non-zero when a path cannot be read or has no
 // inputs at all; a finding ends the process as it would under the fuzzer.
+// Standard error is silenced (the library reports every bad input there)
+// unless -verbose=N with N > 0 is given; sanitizer reports still get out.
 //
 // The inputs run on one thread with the small stack of the library's
 // connection threads (256 KiB), so that deep recursion on a crafted input
 // shows here already, with inputs far smaller than the main thread's stack
 // would need.
 #include <dirent.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -24,6 +29,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** argv);
+extern "C" __attribute__((weak)) void __sanitizer_set_report_fd(void* fd);
 
 namespace {
 
@@ -50,6 +56,20 @@ std::vector<std::string> Inputs(const std::string& path) {
 }
 
 constexpr size_t kStackSize = 256 * 1024;
+
+// Points standard error at /dev/null, keeping a copy of it for the
+// sanitizers' reports.
+void QuietUnlessVerbose(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i)
+    if (strncmp(argv[i], "-verbose=", 9) == 0 && strcmp(argv[i] + 9, "0") != 0) return;
+  int null = open("/dev/null", O_WRONLY);
+  if (null < 0) return;
+  int reports = dup(STDERR_FILENO);
+  if (reports >= 0 && __sanitizer_set_report_fd != nullptr)
+    __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<intptr_t>(reports)));
+  dup2(null, STDERR_FILENO);
+  close(null);
+}
 
 struct Replay {
   int argc;
@@ -88,6 +108,7 @@ void* ReplayAll(void* arg) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  QuietUnlessVerbose(argc, argv);
   if (LLVMFuzzerInitialize != nullptr) LLVMFuzzerInitialize(&argc, &argv);
   Replay run{argc, argv};
   pthread_attr_t attributes;

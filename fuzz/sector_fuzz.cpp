@@ -51,8 +51,8 @@ void Repair(std::string& sector) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, true);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(true);
   return 0;
 }
 

@@ -3,8 +3,8 @@
 #include "config/access/socket_connection.h"
 #include "fuzz_common.h"
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, true);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(true);
   return 0;
 }
 

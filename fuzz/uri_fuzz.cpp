@@ -8,8 +8,8 @@
 #include "config/local_config_factory.h"
 #include "fuzz_common.h"
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, false);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(false);
   return 0;
 }
 

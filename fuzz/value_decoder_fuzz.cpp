@@ -61,8 +61,8 @@ void RoundTrip(Serializable* object) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  fuzz::Initialize(argc, argv, false);
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::Initialize(false);
   ClassFactory::InitFactories();
   return 0;
 }
