@@ -3,8 +3,8 @@
 // or a string without its terminator fails the read, leaves the position
 // where it was and marks the deserializer failed, after which every read
 // fails. A framed object whose fields could not all be read yields null, and
-// so does one nested in more than kMaxNesting enclosing objects (a Vector of
-// Vectors...), so that a crafted stream cannot exhaust the reader's stack.
+// so does one inside kMaxNesting enclosing objects (a Vector of Vectors...),
+// so that a crafted stream cannot exhaust the reader's stack.
 //
 // The reads of an unsigned char and of a long do not advance the position;
 // a reader of such a field skips it itself with SetPos.
