@@ -369,6 +369,13 @@ bool Socket::set_multicast_interface(const std::string& interface) {
   return setsockopt(_socket, IPPROTO_IP, IP_MULTICAST_IF, &address, sizeof address) == 0;
 }
 
+bool Socket::adopt(int fd) {
+  if (fd < 0) return false;
+  close();
+  _socket = fd;
+  return true;
+}
+
 int Socket::close() {
   if (_socket < 0) return -1;
   shutdown(_socket, SHUT_RDWR);

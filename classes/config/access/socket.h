@@ -61,6 +61,10 @@ class Socket {
   // `into`. An internet accept stores the peer address in this socket's own
   // internet address (get_inet_address()).
   bool accept(Socket* into);
+  // Takes ownership of an open descriptor of this socket's domain and type
+  // (one end of a socketpair, say), closing any it had. False for a negative
+  // descriptor, which is not taken.
+  bool adopt(int fd);
 
   // Connects to host:port (local: to the port's path). On success the host
   // and port are remembered.

@@ -14,7 +14,13 @@ constexpr uint32_t kTrueWord = 0x0000BEEF;
 }  // namespace
 
 MemoryDeSerializer::MemoryDeSerializer(eSerializationFormat fmt, char* start, char* end, bool f)
-    : DeSerializer(fmt), pos(start), sectorStart(start), sectorEnd(end), flag(f), failed(false) {}
+    : DeSerializer(fmt),
+      pos(start),
+      sectorStart(start),
+      sectorEnd(end),
+      flag(f),
+      failed(false),
+      depth(0) {}
 
 bool MemoryDeSerializer::Need(unsigned long n) {
   if (failed) return false;
@@ -87,6 +93,12 @@ bool MemoryDeSerializer::Read(const char*, Serializable*& object) {
   object = nullptr;
   ClassFactoryHeader header;
   if (!Read(header)) return false;
+  if (depth >= kMaxNesting) {
+    fprintf(stderr, "MemoryDeSerializer::Read - objects nested deeper than %d, refused\n",
+            kMaxNesting);
+    failed = true;
+    return false;
+  }
   Serializable* value = ClassFactory::Create(header.classID);
   if (value == nullptr) {
     fprintf(stderr, "pValue == NULL after ClassFactory::Create() for classID = %d\n",
@@ -94,11 +106,13 @@ bool MemoryDeSerializer::Read(const char*, Serializable*& object) {
     return false;
   }
   bool shared = ClassFactory::IsSharedClass(header.classID);
+  ++depth;
   try {
     value->Deserialize(this);
   } catch (...) {
     failed = true;
   }
+  --depth;
   if (failed) {
     if (!shared) delete value;
     return false;

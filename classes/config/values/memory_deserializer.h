@@ -2,7 +2,9 @@
 // sectorStart and sectorEnd. No read ever passes sectorEnd: a truncated field
 // or a string without its terminator fails the read, leaves the position
 // where it was and marks the deserializer failed, after which every read
-// fails. A framed object whose fields could not all be read yields null.
+// fails. A framed object whose fields could not all be read yields null, and
+// so does one inside kMaxNesting enclosing objects (a Vector of Vectors...),
+// so that a crafted stream cannot exhaust the reader's stack.
 //
 // The reads of an unsigned char and of a long do not advance the position;
 // a reader of such a field skips it itself with SetPos.
@@ -13,6 +15,10 @@
 
 class MemoryDeSerializer : public DeSerializer {
  public:
+  // Framed objects read inside one another, at most; far more than any
+  // record of the system holds.
+  static constexpr int kMaxNesting = 32;
+
   MemoryDeSerializer(eSerializationFormat format, char* start, char* end, bool flag);
 
   bool Read(const char* name, unsigned char& v) override;
@@ -56,6 +62,7 @@ class MemoryDeSerializer : public DeSerializer {
   char* sectorEnd;
   bool flag;
   bool failed;
+  int depth;  // framed objects being read
 };
 
 #endif  // CLASSES_CONFIG_VALUES_MEMORY_DESERIALIZER_H

@@ -9,6 +9,7 @@
 #include "config/values/memory_serializer.h"
 #include "config/values/string_value.h"
 #include "test_bytes.h"
+#include "test_stderr.h"
 
 namespace {
 
@@ -186,6 +187,20 @@ TEST(EncodingTest, UnknownClassIdYieldsNull) {
   EXPECT_NE(std::string::npos,
             err.find("pValue == NULL after ClassFactory::Create() for classID = 5\n"))
       << err;
+}
+
+TEST(EncodingTest, NestingIsBounded) {
+  for (int levels : {32, 33}) {
+    std::vector<char> bytes;  // Vectors each holding the next; the innermost empty
+    for (int i = 1; i <= levels; ++i) bytes.insert(bytes.end(), {0, 0, 0, 9, 0, 0, 0, i < levels});
+    MemoryDeSerializer in = ReaderOf(bytes);
+    Serializable* object = nullptr;
+    std::string err = Stderr([&] { in.Read("Serializable", object); });
+    EXPECT_EQ(levels == 32, object != nullptr) << err;
+    EXPECT_EQ(levels == 33,
+              err.find("objects nested deeper than 32, refused\n") != std::string::npos);
+    delete object;
+  }
 }
 
 TEST(EncodingTest, BoundedStringRead) {
