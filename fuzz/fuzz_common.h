@@ -35,11 +35,15 @@
 namespace fuzz {
 
 // The catalogue, the class registry and an open store 0, made once. The
-// store stays open so that connections to it do not rebuild it per input.
+// store stays open so that connections to it do not rebuild it per input,
+// and it is the only store: a Connect naming another config ID takes the
+// refusal path (as past configd's store limit) instead of building a whole
+// store per input.
 inline Config* Store() {
   static Config* store = [] {
     CreateDescriptors();
     ClassFactory::InitFactories();
+    ConfigFactoryImpl::GetInstance()->SetMaxStores(1);
     return ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
   }();
   return store;
