@@ -2,11 +2,9 @@
 // classes.
 #include <gtest/gtest.h>
 
-#include "config/descriptors/integer_descriptor.h"
-#include "config/descriptors/param_descriptors.h"
-#include "config/descriptors/string_descriptor.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "test_catalogue.h"
 
 TEST(ConfigValueTest, SetMarksDirtyOnlyOnChange) {
   IntegerValue number(eConfigID_Default, 1, eCParam_IntegerValue, 5);
@@ -92,11 +90,7 @@ TEST(ConfigValueTest, CloneIsCleanAndIndependent) {
 }
 
 TEST(ConfigValueTest, ResetToFactoryUsesDescriptor) {
-  IntegerDescriptor* number = new IntegerDescriptor();
-  number->SetParamID(0xFEEDA001);
-  number->SetParamIDName("eParamID_ValueTestNumber");
-  number->SetFactoryDefault(77);
-  AddDescriptor(number);
+  test_catalogue::Integer(0xFEEDA001, "eParamID_ValueTestNumber", 0, 100, 77);
   StringDescriptor* text = new StringDescriptor();
   text->SetParamID(0xFEEDA002);
   text->SetParamIDName("eParamID_ValueTestText");
