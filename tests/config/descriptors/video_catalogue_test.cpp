@@ -97,17 +97,19 @@ TEST(VideoCatalogueTest, FamiliesAreCopiesOfTheirTemplates) {
             "32 1080p 50/1080p50, 45 2Kx1080p 25/2Kp25, 48 2Kx1080p 50/2Kp50");
 }
 
-// The mapper's 21 video generics: a specific for every selector value, with
-// the processor's number (the generics' storage, their processor and the
-// specifics' storage are checked by the mapper's own clean build).
+// The mapper's per-input and per-format video generics: a specific for every
+// selector value, with the processor's number (the generics' storage and
+// processor, and the specifics' presence and storage, are checked by the
+// mapper's own tests).
 TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
+  CatalogueIDs();
   InitializeSuffixes();
   EXPECT_EQ(InputName[10], "Universal") << "the one input name no family uses";
   const struct {
     const char* generic;
     const std::string* suffixes;
     int count;
-    unsigned int proc;  // 0: the mapper reads none
+    unsigned int proc;
   } schemes[] = {
       // clang-format off
       {"eParamID_Vid1YUVProcAmpEnable", InputName, 10, 1},     {"eParamID_Vid1YUVProcAmpGain", InputName, 10, 1},
@@ -118,7 +120,6 @@ TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
       {"eParamID_Vid1RGBProcAmpBlackGreen", InputName, 10, 1}, {"eParamID_Vid1RGBProcAmpGammaGreen", InputName, 10, 1},
       {"eParamID_Vid1RGBProcAmpGainBlue", InputName, 10, 1},   {"eParamID_Vid1RGBProcAmpBlackBlue", InputName, 10, 1},
       {"eParamID_Vid1RGBProcAmpGammaBlue", InputName, 10, 1},
-      {"eParamID_Vid1OutputFormat", FrameRateModeName, 3, 0},  {"eParamID_Vid2OutputFormat", FrameRateModeName, 3, 0},
       {"eParamID_Vid1OutputTimingH", OutputFormatSuffix, 57, 1}, {"eParamID_Vid1OutputTimingV", OutputFormatSuffix, 57, 1},
       {"eParamID_Vid2OutputTimingH", OutputFormatSuffix, 57, 2}, {"eParamID_Vid2OutputTimingV", OutputFormatSuffix, 57, 2},
       // clang-format on
@@ -128,9 +129,7 @@ TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
       const std::string name = std::string(scheme.generic) + "_" + scheme.suffixes[i];
       ParamDescriptor* specific = GetDescriptor(name);
       ASSERT_NE(specific, nullptr) << name;
-      if (scheme.proc != 0) {
-        EXPECT_EQ(IntAttributeOf(specific, "proc_no"), scheme.proc) << name;
-      }
+      EXPECT_EQ(IntAttributeOf(specific, "proc_no"), scheme.proc) << name;
     }
   }
 
