@@ -22,9 +22,11 @@ constexpr unsigned int kSource = 0xFEEDC008;        // integer with dependants k
 constexpr unsigned int kVolatile = 0xFEEDC009;      // integer 0..100, class name "volatile"
 constexpr unsigned int kUnknown = 0xFEEDC0FF;       // no descriptor
 
-inline IntegerDescriptor* Integer(unsigned int id, const char* name, unsigned int min,
-                                  unsigned int max, unsigned int def) {
-  IntegerDescriptor* d = new IntegerDescriptor();
+// Registers a number parameter: an integer one, or an enumeration (D).
+template <typename D = IntegerDescriptor>
+D* Integer(unsigned int id, const char* name, unsigned int min, unsigned int max,
+           unsigned int def) {
+  D* d = new D();
   d->SetParamID(id);
   d->SetParamIDName(name);
   d->SetParamType(eCParam_IntegerValue);
@@ -42,16 +44,10 @@ inline void Register() {
   done = true;
   Integer(kPercent, "eParamID_TestPercent", 0, 100, 50);
   Integer(kTenToHundred, "eParamID_TestTenToHundred", 10, 100, 10);
-  EnumDescriptor* mode = new EnumDescriptor();
-  mode->SetParamID(kMode);
-  mode->SetParamIDName("eParamID_TestMode");
-  mode->SetParamType(eCParam_IntegerValue);
-  mode->SetMaxValue(2);
-  mode->SetFactoryDefault(1);
+  EnumDescriptor* mode = Integer<EnumDescriptor>(kMode, "eParamID_TestMode", 0, 2, 1);
   mode->AddNameValuePair(0, "Off");
   mode->AddNameValuePair(1, "On");
   mode->AddNameValuePair(2, "Auto");
-  AddDescriptor(mode);
   StringDescriptor* name = new StringDescriptor();
   name->SetParamID(kName);
   name->SetParamIDName("eParamID_TestName");

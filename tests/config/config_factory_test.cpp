@@ -13,50 +13,28 @@
 #include "config/manager/config_cache.h"
 #include "config/manager/config_manager.h"
 #include "test_catalogue.h"
+#include "test_config.h"
 #include "test_stderr.h"
 
-namespace {
-
-// A Config that implements only what is mandatory.
-class BareConfig : public Config {
- public:
-  bool Set(eParam_t, unsigned int) override { return true; }
-  unsigned int Get(eParam_t) override { return 0; }
-  eConfigID_t GetConfigID() override { return eConfigID_Default; }
-  timeval GetLastConfigUpdate() override { return {0, 0}; }
-  ParamDescriptor* GetParamDescriptor(eParam_t) override { return nullptr; }
-  ParamDescriptor* GetParamDescriptor(std::string) override { return nullptr; }
-  std::vector<unsigned int> GetParamIDs() override { return {}; }
-  bool Get(eParam_t, unsigned int&) override { return false; }
-  bool Set(eParam_t, std::string) override { return false; }
-  bool Get(eParam_t, std::string&) override { return false; }
-};
-
-}  // namespace
-
 TEST(ConfigTest, OptionalSlotsAnswerNo) {
-  BareConfig config;
+  IntegerConfig config;
   std::vector<eParam_t> ids;
   unsigned int transaction = 7;
   ConfigEvent event;
   EXPECT_EQ(nullptr, config.GetSerializable(1));
-  EXPECT_FALSE(config.SetSerializable(1, nullptr));
-  EXPECT_FALSE(config.AddConfigEventListener(nullptr));
-  EXPECT_FALSE(config.AddConfigEventListener(1, nullptr));
-  EXPECT_FALSE(config.AddConfigEventListener(std::list<eParam_t>{1}, nullptr));
-  EXPECT_FALSE(config.RemoveConfigEventListener(nullptr));
-  EXPECT_FALSE(config.WaitForConfigEvent(event, 0, 0));
-  EXPECT_FALSE(config.Lock(1, Config::eParamLock_Write));
-  EXPECT_FALSE(config.Unlock(1));
-  EXPECT_FALSE(config.StartTransaction(ids, transaction));
-  EXPECT_FALSE(config.Commit(transaction));
-  EXPECT_FALSE(config.Rollback(transaction));
-  EXPECT_FALSE(config.AddUpdatePrecondition(nullptr));
-  EXPECT_FALSE(config.RemoveUpdatePrecondition(nullptr));
+  EXPECT_FALSE(config.SetSerializable(1, nullptr) || config.AddConfigEventListener(nullptr) ||
+               config.AddConfigEventListener(1, nullptr) ||
+               config.AddConfigEventListener(std::list<eParam_t>{1}, nullptr) ||
+               config.RemoveConfigEventListener(nullptr) ||
+               config.WaitForConfigEvent(event, 0, 0) || config.Lock(1, Config::eParamLock_Write) ||
+               config.Unlock(1) || config.StartTransaction(ids, transaction) ||
+               config.Commit(transaction) || config.Rollback(transaction) ||
+               config.AddUpdatePrecondition(nullptr) || config.RemoveUpdatePrecondition(nullptr))
+      << "an optional slot answered yes";
 }
 
 TEST(ConfigDeathTest, DataAccessIsMandatory) {
-  BareConfig config;
+  IntegerConfig config;
   std::string data;
   EXPECT_DEATH(config.GetData(1, data),
                "classes/config/config:65: virtual bool Config::GetData\\(eParam_t, "
@@ -79,7 +57,7 @@ TEST(ConfigURITest, StandardURIs) {
   EXPECT_EQ(-3, zyn::config::access::LocalConfigFactory::GetConfigID("local:configid=-3"));
 }
 
-TEST(LocalConfigFactoryTest, SharesOneManagerPerStore) {
+TEST(LocalConfigFactoryTest, SharesOneManagerPerStoreAndRefusesStrangers) {
   test_catalogue::Register();
   zyn::config::access::LocalConfigFactory factory;
   Config* first = nullptr;
@@ -112,12 +90,10 @@ TEST(LocalConfigFactoryTest, SharesOneManagerPerStore) {
   EXPECT_EQ(1, dynamic_cast<ConfigManager*>(fresh)->GetUseCount());
   EXPECT_TRUE(factory.Disconnect(fresh));
   EXPECT_TRUE(factory.Disconnect(other));
-}
 
-TEST(LocalConfigFactoryTest, RefusesWhatItDidNotHandOut) {
-  zyn::config::access::LocalConfigFactory factory;
+  // What it did not hand out is refused.
   EXPECT_FALSE(factory.Disconnect(nullptr));
-  BareConfig bare;
+  IntegerConfig bare;
   EXPECT_FALSE(factory.Disconnect(&bare));
   ConfigManager stranger(static_cast<eConfigID_t>(9));
   std::string err = Stderr([&] { EXPECT_FALSE(factory.Disconnect(&stranger)); });

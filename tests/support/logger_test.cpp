@@ -9,8 +9,7 @@
 #include <sstream>
 #include <thread>
 
-#include "config/descriptors/integer_descriptor.h"
-#include "config/descriptors/param_descriptors.h"
+#include "test_catalogue.h"
 
 using zyn::logging::Logger;
 
@@ -52,10 +51,7 @@ std::unique_ptr<Logger> CreateWith(const char* text, std::string* err) {
 }  // namespace
 
 TEST(LoggerTest, SwitchFileSelectsWatchedParameters) {
-  IntegerDescriptor* d = new IntegerDescriptor();
-  d->SetParamID(kWatchedID);
-  d->SetParamIDName("eParamID_LoggerTestWatched");
-  AddDescriptor(d);
+  test_catalogue::Integer(kWatchedID, "eParamID_LoggerTestWatched", 0, 0, 0);
   IndexDescriptorNames();
   std::string err, tag = std::string("[") + program_invocation_short_name + "] ";
 

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "support/serial_number.h"
@@ -15,23 +16,18 @@
 namespace {
 
 void SetOrUnset(const char* variable, const char* value) {
-  if (value != nullptr) {
-    setenv(variable, value, 1);
-  } else {
-    unsetenv(variable);
-  }
+  value != nullptr ? setenv(variable, value, 1) : unsetenv(variable);
 }
 
 // Each test starts from a fresh cache and leaves the environment as found.
 class ProductIDTest : public testing::Test {
  protected:
   void SetUp() override {
-    Save("PRODUCT_ID", &product_, &had_product_);
-    Save("RELEASE_BUILD", &release_, &had_release_);
+    for (int i = 0; i < 2; ++i)
+      if (const char* value = getenv(kVariables[i])) saved_[i] = value;
   }
   void TearDown() override {
-    SetOrUnset("PRODUCT_ID", had_product_ ? product_.c_str() : nullptr);
-    SetOrUnset("RELEASE_BUILD", had_release_ ? release_.c_str() : nullptr);
+    for (int i = 0; i < 2; ++i) SetOrUnset(kVariables[i], saved_[i] ? saved_[i]->c_str() : nullptr);
     CProductID::ForgetCachedAnswers();
   }
   void Start(const char* product_id, const char* release_build,
@@ -40,17 +36,12 @@ class ProductIDTest : public testing::Test {
     SetOrUnset("RELEASE_BUILD", release_build);
     CProductID::ForgetCachedAnswers(release_file);
   }
-  static void Save(const char* variable, std::string* value, bool* had) {
-    const char* current = getenv(variable);
-    *had = current != nullptr;
-    if (*had) *value = current;
-  }
 
   CProductID product;
 
  private:
-  std::string product_, release_;
-  bool had_product_ = false, had_release_ = false;
+  static constexpr const char* kVariables[2] = {"PRODUCT_ID", "RELEASE_BUILD"};
+  std::optional<std::string> saved_[2];
 };
 
 std::string Answers(const CProductID& p) {

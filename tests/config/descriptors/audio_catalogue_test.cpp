@@ -1,7 +1,7 @@
 // The audio catalogue (which IDs and names exist is pinned by the generated
-// header's test): the names the family generators form, the mixdown's
-// missing-ID report, the kept SDI2 ID mismatch, the Dolby E framer's
-// relations and the output map's factory-default members.
+// header's test, the kept SDI2 ID mismatch by the system catalogue's): the
+// names the family generators form, the mixdown's missing-ID report, the
+// Dolby E framer's relations and the output map's factory-default members.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,14 +14,6 @@
 namespace {
 
 using namespace unit_catalogue;
-
-constexpr unsigned int kDetectedInputSDI1 = 0x65B79CBF;
-constexpr unsigned int kDetectedInputSDI2 = 0x66FD2962;
-
-TEST(AudioCatalogueTest, AudioProcMakesItsParametersAndTheAESPairs) {
-  EXPECT_EQ(BuildAlone(createParamDescriptors_AudioProc).size(), 63u + 4)
-      << "and AES/EBU pairs 1/2 to 7/8";
-}
 
 struct Sample {
   const char* idName;
@@ -78,20 +70,6 @@ TEST(AudioCatalogueTest, MixDownReportsAMissingID) {
       << report;
   EXPECT_NE(report.find("param_descriptors_audioproc_mixdown.cpp at "), std::string::npos)
       << report;
-}
-
-// The SDI2 detection parameter is registered under its own ID but reports
-// SDI1's, so its name leads to SDI1's parameter.
-TEST(AudioCatalogueTest, DetectedInputSDI2KeepsItsIDMismatch) {
-  CatalogueIDs();
-  ParamDescriptor* sdi1 = GetDescriptor(kDetectedInputSDI1);
-  ParamDescriptor* sdi2 = GetDescriptor(kDetectedInputSDI2);
-  ASSERT_TRUE(sdi1 != nullptr && sdi2 != nullptr);
-  EXPECT_EQ(sdi1->GetParamIDName(), "eParamID_AudioDetectedInput_SDI1");
-  EXPECT_EQ(sdi2->GetParamIDName(), "eParamID_AudioDetectedInput_SDI2");
-  EXPECT_EQ(sdi2->GetParamID(), kDetectedInputSDI1);
-  EXPECT_EQ(GetDescriptor("eParamID_AudioDetectedInput_SDI2"), sdi1);
-  EXPECT_EQ(GetDescriptor("eParamID_AudioDetectedInput_SDI1"), sdi1);
 }
 
 TEST(AudioCatalogueTest, DolbyFramerDisablesTheChannelPairsItCanOwn) {

@@ -10,10 +10,13 @@
 #include "config/descriptors/decimal_descriptor.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/string_descriptor.h"
+#include "unit_catalogue.h"
 
 namespace {
 
 using namespace zyn::config::catalogue;
+using unit_catalogue::IntAttributeOf;
+using unit_catalogue::MenuPlaceOf;
 
 std::string Source() { return "from the unit"; }
 
@@ -32,26 +35,22 @@ TEST(CatalogueBuilderTest, BuildsEveryFieldOfARow) {
   std::unique_ptr<ParamDescriptor> built(BuildDescriptor(kDecimal));
   DecimalDescriptor* d = dynamic_cast<DecimalDescriptor*>(built.get());
   ASSERT_NE(d, nullptr);
-  EXPECT_EQ(d->GetParamType(), eCParam_DecimalValue);
-  EXPECT_EQ(d->GetAccessType(), 1);
-  EXPECT_EQ(d->GetPersistenceType(), ePersist_Status);
+  EXPECT_EQ(
+      std::vector<long>({d->GetParamType(), d->GetAccessType(), d->GetPersistenceType(),
+                         d->GetMinValue(), d->GetAdjustBy(), d->GetScaleBy(), d->GetOffsetBy(),
+                         d->GetDisplayPrecision(), d->GetPrecision()}),
+      std::vector<long>({eCParam_DecimalValue, 1, ePersist_Status, 0xFFFFFFF6, 5, 10, 3, 1, 2}))
+      << "type, access, persistence, min (a wrapped range is kept as given), step, scale, offset, "
+         "display precision, precision";
   EXPECT_EQ(d->GetRegEx(), "");
-  EXPECT_EQ(d->GetMinValue(), 0xFFFFFFF6u) << "a wrapped range is kept as given";
-  EXPECT_EQ(d->GetAdjustBy(), 5u);
-  EXPECT_EQ(d->GetScaleBy(), 10u);
-  EXPECT_EQ(d->GetOffsetBy(), 3u);
-  EXPECT_EQ(d->GetDisplayPrecision(), 1u);
   EXPECT_EQ(d->GetUnits() + d->GetUnits2(), "dBx");
-  EXPECT_EQ(d->GetPrecision(), 2u);
-  unsigned int proc = 0;
+  EXPECT_EQ(IntAttributeOf(d, "proc_no"), 2u);
   std::string label;
-  EXPECT_TRUE(d->GetAttribute("proc_no", proc));
-  EXPECT_EQ(proc, 2u);
   EXPECT_TRUE(d->GetAttribute("unit_label", label));
   EXPECT_EQ(label, "dB");
   EXPECT_EQ(d->GetDependentParamIDs(), (std::vector<unsigned int>{0xFEED0302, 0xFEED0303}));
   EXPECT_EQ(d->GetClassNames(), (std::vector<std::string>{"b", "a"}));
-  EXPECT_FALSE(d->GetAttribute("ParamGroup", proc)) << "no menu unless given";
+  EXPECT_EQ(MenuPlaceOf(d), "") << "no menu unless given";
 }
 
 TEST(CatalogueBuilderTest, EnumerationRangeComesFromItsValues) {
@@ -78,12 +77,8 @@ TEST(CatalogueBuilderTest, FamilyMembersReplaceEveryNumberPlaceholder) {
   EXPECT_EQ(d->GetParamIDName(), "eParamID_Builder12Name12");
   EXPECT_EQ(d->GetName() + "|" + d->GetShortName() + "|" + d->GetFactoryDefault(),
             "Name 12|N12|n12");
-  std::string menu;
-  unsigned int member = 0;
-  EXPECT_TRUE(d->GetAttribute("menu_number", menu));
-  EXPECT_TRUE(d->GetAttribute("member", member));
-  EXPECT_EQ(menu, "9.12");
-  EXPECT_EQ(member, 12u);
+  EXPECT_EQ(MenuPlaceOf(d), "7:9.12");
+  EXPECT_EQ(IntAttributeOf(d, "member"), 12u);
   EXPECT_EQ(d->GetMinLength(), 2u);
   EXPECT_EQ(d->GetMaxLength(), 8u);
   EXPECT_EQ(d->GetMaxIndex(), 7u) << "character positions 0 to max length - 1";

@@ -1,21 +1,36 @@
-// A store of the unit's whole catalogue: every integer parameter takes its
-// largest and smallest value and clamps one beyond; every enumeration takes
-// its values and refuses one outside its list.
+// A store of the unit's whole catalogue: every parameter starts at its
+// factory default; every integer parameter takes its largest and smallest
+// value and clamps one beyond; every enumeration takes its values and refuses
+// one outside its list.
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <set>
 #include <string>
 
+#include "config/descriptors/string_descriptor.h"
 #include "config/manager/config_manager.h"
 #include "unit_catalogue.h"
 
 namespace {
 
-TEST(CatalogueStoreTest, EveryIntegerParameterClampsAndEveryEnumerationRefuses) {
+TEST(CatalogueStoreTest, StartsAtTheDefaultsAndClampsAndRefuses) {
   const std::set<unsigned int>& catalogue = unit_catalogue::CatalogueIDs();
   ConfigManager store(eConfigID_Default);
   Stderr([&] { store.Init(); });
+  for (unsigned int id : catalogue) {
+    ParamDescriptor* d = GetDescriptor(id);
+    unsigned int number = 0xDEADBEEF;
+    std::string text = "unset";
+    if (StringDescriptor* s = dynamic_cast<StringDescriptor*>(d)) {
+      EXPECT_TRUE(store.Get(id, text)) << d->GetParamIDName();
+      EXPECT_EQ(text, s->GetFactoryDefault()) << d->GetParamIDName();
+    } else {
+      EXPECT_TRUE(store.Get(id, number)) << d->GetParamIDName();
+      EXPECT_EQ(number, static_cast<IntegerDescriptor*>(d)->GetFactoryDefault())
+          << d->GetParamIDName();
+    }
+  }
   int integers = 0, enumerations = 0;
   Stderr([&] {
     for (unsigned int id : catalogue) {

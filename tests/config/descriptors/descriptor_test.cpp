@@ -23,12 +23,11 @@ TEST(ParamDescriptorTest, NewDescriptorsStartWithTheirDefaults) {
   all.emplace_back(new StringDescriptor);
   for (size_t i = 0; i < all.size(); ++i) {
     SCOPED_TRACE("descriptor class #" + std::to_string(i));
-    EXPECT_EQ(all[i]->GetParamType(), 0);
-    EXPECT_EQ(all[i]->GetFeatureType(), 3);
-    EXPECT_EQ(all[i]->GetFactoryResetType(), 1);
-    EXPECT_EQ(all[i]->GetPersistenceType(), 0);
-    EXPECT_EQ(all[i]->GetRegisterType(), 0);
-    EXPECT_EQ(all[i]->GetAccessType(), 0);
+    EXPECT_EQ(std::vector<int>({all[i]->GetParamType(), all[i]->GetFeatureType(),
+                                all[i]->GetFactoryResetType(), all[i]->GetPersistenceType(),
+                                all[i]->GetRegisterType(), all[i]->GetAccessType()}),
+              std::vector<int>({0, 3, 1, 0, 0, 0}))
+        << "paramType, featureType, factoryResetType, persistenceType, registerType, accessType";
   }
 
   IntegerDescriptor n;
@@ -43,8 +42,6 @@ TEST(ParamDescriptorTest, NewDescriptorsStartWithTheirDefaults) {
                 {s.GetMinLength(), s.GetMaxLength(), s.GetMinIndex(), s.GetMaxIndex()}),
             std::vector<unsigned int>({0, 20, 0, 19}))
       << "minLength, maxLength, minIndex, maxIndex";
-  s.SetParamType(eCParam_StringValue);
-  EXPECT_EQ(s.GetParamType(), eCParam_StringValue);
 
   s.SetShortName("FP Lock");
   EXPECT_EQ(s.GetShortName(5), "FP Lock") << "the index is ignored";

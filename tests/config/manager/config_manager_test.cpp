@@ -17,13 +17,16 @@ using namespace test_catalogue;
 
 namespace {
 
-// A store of the test catalogue, initialised like the factory does it.
+// A store of the test catalogue, initialised like the factory does it, with
+// a listener that outlives it.
 class ConfigManagerTest : public testing::Test {
  protected:
   void SetUp() override {
     Register();
     Stderr([this] { manager.Init(); });
+    manager.AddConfigEventListener(&listener);
   }
+  RecordingListener listener;
   ConfigManager manager{eConfigID_Default};
 };
 
@@ -122,8 +125,6 @@ TEST_F(ConfigManagerTest, UnknownParameters) {
 }
 
 TEST_F(ConfigManagerTest, StringsAndData) {
-  RecordingListener listener;
-  manager.AddConfigEventListener(&listener);
   EXPECT_TRUE(manager.Set(kName, std::string("Rack 7")));
   std::string data = "blob";
   EXPECT_TRUE(manager.SetData(kName, data));
@@ -131,7 +132,6 @@ TEST_F(ConfigManagerTest, StringsAndData) {
   EXPECT_TRUE(manager.GetData(kName, read));
   EXPECT_EQ("blob", read);
   EXPECT_EQ("FEEDC004='Rack 7' FEEDC004='data:blob'", listener.Rendered());
-  manager.RemoveConfigEventListener(&listener);
 }
 
 TEST_F(ConfigManagerTest, PreconditionThatEmptiesTheQueue) {
@@ -139,12 +139,9 @@ TEST_F(ConfigManagerTest, PreconditionThatEmptiesTheQueue) {
     u.clear();
     return true;
   }));
-  RecordingListener listener;
-  manager.AddConfigEventListener(&listener);
   EXPECT_FALSE(manager.Set(kPercent, 20));
   EXPECT_EQ(50u, manager.Get(kPercent));
   EXPECT_EQ("", listener.Rendered());
-  manager.RemoveConfigEventListener(&listener);
 }
 
 TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
@@ -158,8 +155,6 @@ TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
     }
     return !(u.front().first == kSource && u.front().second == 4);
   }));
-  RecordingListener listener;
-  manager.AddConfigEventListener(&listener);
   EXPECT_TRUE(manager.Set(kSource, 3));
   EXPECT_EQ(70u, manager.Get(kTenToHundred));
   EXPECT_EQ(3u, manager.Get(kSource));
@@ -171,19 +166,18 @@ TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
   EXPECT_EQ("ConfigManager::Set(uint32_t) - update precondition failed, returning false\n", err);
   EXPECT_EQ(70u, manager.Get(kTenToHundred)) << "the earlier round stays applied";
   EXPECT_EQ(3u, manager.Get(kSource));
-  manager.RemoveConfigEventListener(&listener);
 }
 
 TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
-  RecordingListener listener, twice;
-  manager.AddConfigEventListener(kPercent, &listener);  // the ID is not a filter
+  RecordingListener filtered, twice;
+  manager.AddConfigEventListener(kPercent, &filtered);  // the ID is not a filter
   manager.AddConfigEventListener(&twice);
   manager.AddConfigEventListener(&twice);
   std::thread writer([&] { manager.Set(kTenToHundred, 20); });
   std::thread::id writerID = writer.get_id();
   writer.join();
   manager.Set(kTenToHundred, 20);  // an unchanged value is still notified
-  std::vector<RecordingListener::Event> events = listener.Events();
+  std::vector<RecordingListener::Event> events = filtered.Events();
   ASSERT_EQ(2u, events.size());
   EXPECT_EQ(kTenToHundred, events[0].id);
   EXPECT_EQ(writerID, events[0].thread);
@@ -194,15 +188,13 @@ TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
   EXPECT_TRUE(manager.RemoveConfigEventListener(&twice));
   EXPECT_TRUE(manager.RemoveConfigEventListener(&twice));
   EXPECT_FALSE(manager.RemoveConfigEventListener(&twice));
-  EXPECT_TRUE(manager.RemoveConfigEventListener(&listener));
+  EXPECT_TRUE(manager.RemoveConfigEventListener(&filtered));
   manager.Set(kTenToHundred, 30);
-  EXPECT_EQ(2u, listener.Events().size());
+  EXPECT_EQ(2u, filtered.Events().size());
   EXPECT_EQ(0, manager.GetLastConfigUpdate().tv_sec);
 }
 
 TEST_F(ConfigManagerTest, ConcurrentWritersAndReaders) {
-  RecordingListener listener;
-  manager.AddConfigEventListener(&listener);
   std::atomic<bool> stop{false};
   std::atomic<int> badReads{0};
   auto reader = [&] {
@@ -229,7 +221,6 @@ TEST_F(ConfigManagerTest, ConcurrentWritersAndReaders) {
   EXPECT_EQ(0, badReads.load());
   EXPECT_EQ(2000u, listener.Events().size());
   EXPECT_LE(manager.Get(kPercent), 100u);
-  manager.RemoveConfigEventListener(&listener);
 }
 
 TEST_F(ConfigManagerTest, PreconditionsAreOwned) {

@@ -41,13 +41,10 @@ class RecordingListener : public ConfigEventListener {
   // "id=value" per event, hexadecimal IDs, for compact comparisons.
   std::string Rendered() {
     std::string text;
-    char line[64];
     for (const Event& e : Events()) {
-      if (e.isString)
-        snprintf(line, sizeof line, "%s%X='%s'", text.empty() ? "" : " ", e.id, e.text.c_str());
-      else
-        snprintf(line, sizeof line, "%s%X=%u", text.empty() ? "" : " ", e.id, e.value);
-      text += line;
+      char id[16];
+      snprintf(id, sizeof id, "%s%X=", text.empty() ? "" : " ", e.id);
+      text += id + (e.isString ? "'" + e.text + "'" : std::to_string(e.value));
     }
     return text;
   }

@@ -9,9 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "config/config.h"
 #include "config/descriptors/param_descriptors.h"
 #include "test_catalogue.h"
+#include "test_config.h"
 #include "test_stderr.h"
 
 using tundra::mapper::TundraParamMapper;
@@ -48,21 +48,6 @@ std::string Hex(unsigned int id) {
   return text;
 }
 
-// Integer values only; a parameter never set reads 0.
-struct SelectorConfig : Config {
-  bool Set(eParam_t id, unsigned int value) override { return values[id] = value, true; }
-  unsigned int Get(eParam_t id) override { return values[id]; }
-  eConfigID_t GetConfigID() override { return eConfigID_Default; }
-  timeval GetLastConfigUpdate() override { return timeval{}; }
-  ParamDescriptor* GetParamDescriptor(eParam_t id) override { return GetDescriptor(id); }
-  ParamDescriptor* GetParamDescriptor(std::string name) override { return GetDescriptor(name); }
-  std::vector<unsigned int> GetParamIDs() override { return ::GetParamIDs(); }
-  bool Get(eParam_t id, unsigned int& value) override { return value = Get(id), true; }
-  bool Set(eParam_t, std::string) override { return false; }
-  bool Get(eParam_t, std::string&) override { return false; }
-  std::map<unsigned int, unsigned int> values;
-};
-
 class MapperTest : public testing::Test {
  protected:
   void SetUp() override { mapper.SetConfig(&selectors); }
@@ -71,7 +56,7 @@ class MapperTest : public testing::Test {
   struct BuiltFirst {
     BuiltFirst() { FirstBuild(); }
   } built;  // before `mapper`, so the first build is the one captured
-  SelectorConfig selectors;
+  IntegerConfig selectors;
   TundraParamMapper mapper;
 };
 

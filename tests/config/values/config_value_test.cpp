@@ -2,11 +2,9 @@
 // classes.
 #include <gtest/gtest.h>
 
-#include "config/descriptors/integer_descriptor.h"
-#include "config/descriptors/param_descriptors.h"
-#include "config/descriptors/string_descriptor.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "test_catalogue.h"
 
 TEST(ConfigValueTest, SetMarksDirtyOnlyOnChange) {
   IntegerValue number(eConfigID_Default, 1, eCParam_IntegerValue, 5);
@@ -55,17 +53,14 @@ TEST(ConfigValueTest, CopyTakesStoreAndValueOnly) {
   IntegerValue target(eConfigID_Default, 1, eCParam_IntegerValue, 10);
   IntegerValue source(static_cast<eConfigID_t>(4), 2, eCParam_EventValue, 20);
   target.Copy(source);
-  unsigned int v;
-  target.Get(v);
-  EXPECT_EQ(20u, v);
-  EXPECT_EQ(4, target.GetConfigID());
-  EXPECT_EQ(1u, target.GetParamID());
-  EXPECT_EQ(eCParam_IntegerValue, target.GetParamType());
+  EXPECT_EQ("configID = 4, paramID = 0x1, paramType = 3, value = 20 = 0X14", target.ToString())
+      << "the store and the value are copied, the parameter and type kept";
   EXPECT_TRUE(target.IsDirty());
 
   // A value of the other class leaves the value alone.
   StringValue text(eConfigID_Default, 3, eCParam_StringValue, "x");
   target.CopyValue(text);
+  unsigned int v;
   target.Get(v);
   EXPECT_EQ(20u, v);
 }
@@ -92,11 +87,7 @@ TEST(ConfigValueTest, CloneIsCleanAndIndependent) {
 }
 
 TEST(ConfigValueTest, ResetToFactoryUsesDescriptor) {
-  IntegerDescriptor* number = new IntegerDescriptor();
-  number->SetParamID(0xFEEDA001);
-  number->SetParamIDName("eParamID_ValueTestNumber");
-  number->SetFactoryDefault(77);
-  AddDescriptor(number);
+  test_catalogue::Integer(0xFEEDA001, "eParamID_ValueTestNumber", 0, 100, 77);
   StringDescriptor* text = new StringDescriptor();
   text->SetParamID(0xFEEDA002);
   text->SetParamIDName("eParamID_ValueTestText");

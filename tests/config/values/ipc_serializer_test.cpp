@@ -28,13 +28,10 @@ TEST(IPCSerializerTest, SendsHeaderThenObject) {
 
   Message first{};
   ASSERT_EQ(24, msgrcv(queue, &first, sizeof first.text, 40, IPC_NOWAIT));
-  uint32_t words[6];
-  memcpy(words, first.text, sizeof words);
-  EXPECT_EQ(0xAABBCCDDu, words[0]);
-  EXPECT_EQ(5u, words[1]);
-  EXPECT_EQ(20u + 8u, words[2]) << "the object's size plus 8";
-  EXPECT_EQ(1024u, words[3]);
-  EXPECT_EQ(6u, words[4]);
+  std::vector<uint32_t> words(5);
+  memcpy(words.data(), first.text, 5 * sizeof(uint32_t));
+  EXPECT_EQ(words, (std::vector<uint32_t>{0xAABBCCDD, 5, 20 + 8, 1024, 6}))
+      << "the third word is the object's size plus 8";
 
   Message second{};
   ASSERT_EQ(24, msgrcv(queue, &second, sizeof second.text, 41, IPC_NOWAIT));
