@@ -159,10 +159,8 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
 
   daemon.process = std::make_unique<tools_test::ChildProcess>();
-  std::vector<std::string> args = {CONFIGD_PATH, "--port", std::to_string(daemon.port),
-                                   "--state-dir", daemon.state.path};
-  for (const std::string& arg : tools_test::NetworkArgs(daemon.multicastPort)) args.push_back(arg);
-  ASSERT_TRUE(daemon.process->Start(args));
+  ASSERT_TRUE(daemon.process->Start(tools_test::ConfigdArgs(
+      std::to_string(daemon.port), daemon.state.path, daemon.multicastPort)));
   std::string ready;
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
