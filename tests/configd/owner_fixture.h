@@ -15,6 +15,9 @@
 
 namespace owner_test {
 
+constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
+constexpr unsigned int kSystemName = 0x663F2B65;
+
 class OwnerTest : public testing::Test {
  protected:
   void SetUp() override {

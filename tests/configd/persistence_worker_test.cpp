@@ -20,8 +20,6 @@ using zyn::config::values::Vector;
 
 namespace {
 
-constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
-constexpr unsigned int kSystemName = 0x663F2B65;
 constexpr unsigned int kRegisterRecall = 0x05CDE9A4;
 
 class PersistenceWorkerTest : public OwnerTest {

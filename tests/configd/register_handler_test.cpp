@@ -20,8 +20,6 @@ using namespace zyn::config::values;
 
 namespace {
 
-constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
-constexpr unsigned int kSystemName = 0x663F2B65;
 constexpr unsigned int kRecallResult = RegisterHandler::kRegisterRecallResult;
 constexpr unsigned int kSaveResult = RegisterHandler::kRegisterSaveResult;
 

@@ -59,12 +59,10 @@ TEST_F(WebTest, GroupsListTheMenusInMenuOrderWithoutHiddenParameters) {
 }
 
 TEST_F(WebTest, GetAndSetGoThroughTheStoreAndSayWhatItKept) {
-  for (const char* form : {"FrontPanelLock", "eParamID_FrontPanelLock", "0x4D575A8E",
-                           "frontpanellock", "eParamID%5FFrontPanelLock"}) {
-    HttpReply got = Get(std::string("/api/params/") + form);
-    EXPECT_EQ(200, got.status) << form;
-    EXPECT_EQ("Unlocked", got.json.get<std::string>("value_name", "")) << form << got.body;
-  }
+  // A name in any form configctl takes; here one %-escaped.
+  HttpReply got = Get("/api/params/eParamID%5FFrontPanelLock");
+  EXPECT_EQ(200, got.status) << got.body;
+  EXPECT_EQ("Unlocked", got.json.get<std::string>("value_name", "")) << got.body;
 
   HttpReply locked = Put("/api/params/FrontPanelLock", "{\"value\":\"Locked\"}");
   EXPECT_EQ(200, locked.status) << locked.body;
@@ -105,8 +103,6 @@ TEST_F(WebTest, BadRequestsGetClearErrorsAndTheServerKeepsServing) {
       {"PUT", "/api/params/SystemName", "{\"value\":", 400, "not JSON"},
       {"PUT", "/api/params/SystemName", "{\"other\":1}", 400, "\"value\" member"},
       {"PUT", "/api/params/SystemName", "{\"value\":{\"a\":1}}", 400, "\"value\" member"},
-      {"PUT", "/api/params/FrontPanelLock", "{\"value\":\"Ajar\"}", 400, "not a value of"},
-      {"PUT", "/api/params/DisplayIntensity", "{\"value\":\"-3\"}", 400, "not a number"},
       {"GET", "/api/params/%zz", "", 400, "%-escape"},
       {"GET", "/api/nothing", "", 404, "no such API path"},
       {"DELETE", "/api/params/SystemName", "", 405, "GET, PUT or POST"},
@@ -159,10 +155,8 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
 
   daemon.process = std::make_unique<tools_test::ChildProcess>();
-  std::vector<std::string> args = {CONFIGD_PATH, "--port", std::to_string(daemon.port),
-                                   "--state-dir", daemon.state.path};
-  for (const std::string& arg : tools_test::NetworkArgs(daemon.multicastPort)) args.push_back(arg);
-  ASSERT_TRUE(daemon.process->Start(args));
+  ASSERT_TRUE(daemon.process->Start(tools_test::ConfigdArgs(
+      std::to_string(daemon.port), daemon.state.path, daemon.multicastPort)));
   std::string ready;
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));

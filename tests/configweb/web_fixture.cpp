@@ -1,10 +1,7 @@
 #include "web_fixture.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <boost/property_tree/json_parser.hpp>
 #include <chrono>
@@ -19,26 +16,11 @@ namespace {
 constexpr int kRequestMs = 20000;
 constexpr long kCheckMs = 50;  // quick reconnection for the tests
 
-int Connect(int port) {
-  int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-    close(fd);
-    return -1;
-  }
-  return fd;
-}
-
-bool SendAll(int fd, const std::string& bytes) {
-  for (size_t sent = 0; sent < bytes.size();) {
-    ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (n <= 0) return false;
-    sent += static_cast<size_t>(n);
-  }
-  return true;
+// Connects `socket` to 127.0.0.1:`port` and sends `bytes` whole.
+bool ConnectAndSend(Socket& socket, int port, const std::string& bytes) {
+  int length = static_cast<int>(bytes.size());
+  return socket.create() && socket.connect("127.0.0.1", port) &&
+         socket.sendall(bytes.data(), &length);
 }
 
 // Appends what arrives within `timeoutMs`; false on time-out or end.
@@ -57,8 +39,6 @@ bool ReadSome(int fd, std::string& buffer, int timeoutMs) {
 HttpReply Request(int port, const std::string& method, const std::string& target,
                   const std::string& body, const std::string& raw) {
   HttpReply reply;
-  int fd = Connect(port);
-  if (fd < 0) return reply;
   std::string request = raw;
   if (request.empty()) {
     request = method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n";
@@ -66,11 +46,11 @@ HttpReply Request(int port, const std::string& method, const std::string& target
     request += "\r\n" + body;
   }
   std::string in;
-  if (SendAll(fd, request)) {
-    while (ReadSome(fd, in, kRequestMs)) {
+  Socket socket(Socket::kInternetDomain, Socket::kStream);
+  if (ConnectAndSend(socket, port, request)) {
+    while (ReadSome(socket.get_fd(), in, kRequestMs)) {
     }
   }
-  close(fd);
   if (in.compare(0, 9, "HTTP/1.1 ") != 0) return reply;
   reply.status = std::stoi(in.substr(9, 3));
   size_t head = in.find("\r\n\r\n");
@@ -84,13 +64,8 @@ HttpReply Request(int port, const std::string& method, const std::string& target
   return reply;
 }
 
-EventStream::~EventStream() {
-  if (_fd >= 0) close(_fd);
-}
-
 bool EventStream::Open(int port) {
-  _fd = Connect(port);
-  return _fd >= 0 && SendAll(_fd, "GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+  return ConnectAndSend(_socket, port, "GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
 }
 
 bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* data) {
@@ -107,14 +82,15 @@ bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* d
     }
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
         deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0 || !ReadSome(_fd, _buffer, static_cast<int>(left.count()))) return false;
+    if (left.count() <= 0 || !ReadSome(_socket.get_fd(), _buffer, static_cast<int>(left.count())))
+      return false;
   }
 }
 
 void WebTest::SetUp() {
-  CreateDescriptors();
+  ConfigctlDaemonTest::SetUp();
+  if (HasFatalFailure()) return;
   tundra::mapper::TundraParamMapper::Initialize();
-  ASSERT_TRUE(daemon.Start());
   session = std::make_unique<configweb::DaemonSession>(daemon.Uri(), hub, kCheckMs);
   api = std::make_unique<configweb::WebApi>(*session);
   server =

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "config/access/socket.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -32,18 +33,18 @@ HttpReply Request(int port, const std::string& method, const std::string& target
 // A Server-Sent Events stream of configweb, read with deadlines.
 class EventStream {
  public:
-  ~EventStream();
   bool Open(int port);
   // Reads frames until one whose data contains `text` arrives (true) or
   // `timeoutMs` pass; the frame's data line goes to `data`.
   bool WaitFor(const std::string& text, int timeoutMs, std::string* data = nullptr);
 
  private:
-  int _fd = -1;
+  Socket _socket{Socket::kInternetDomain, Socket::kStream};
   std::string _buffer;
 };
 
-class WebTest : public testing::Test {
+// configweb over ConfigctlDaemonTest's running configd.
+class WebTest : public tools_test::ConfigctlDaemonTest {
  protected:
   void SetUp() override;
   void TearDown() override;
@@ -51,11 +52,7 @@ class WebTest : public testing::Test {
   HttpReply Put(const std::string& target, const std::string& body) {
     return Request(server->GetPort(), "PUT", target, body);
   }
-  tools_test::Outcome Ctl(std::vector<std::string> args) {
-    return tools_test::RunToEnd(tools_test::CtlArgs(daemon.Uri(), args));
-  }
 
-  tools_test::Daemon daemon;
   configweb::EventHub hub;
   std::unique_ptr<configweb::DaemonSession> session;
   std::unique_ptr<configweb::WebApi> api;

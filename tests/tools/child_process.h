@@ -37,7 +37,6 @@ class ChildProcess {
   // Waits up to `timeoutMs` for the child to end, killing it after that,
   // and returns its status and all its output.
   Outcome Wait(int timeoutMs);
-  bool Running() const { return _pid > 0; }
 
  private:
   // Appends what standard output delivers within `timeoutMs`; false when

@@ -1,4 +1,6 @@
-// configctl's map, with the selectors configd holds, and export-mapping.
+// configctl's map and --mapped get, set and watch (a generic parameter
+// through the unit's mapper over configd's connection), with the selectors
+// configd holds, and export-mapping.
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -9,7 +11,7 @@
 
 using namespace tools_test;
 
-TEST_F(ConfigctlDaemonTest, MapFollowsTheSelectorsConfigdHolds) {
+TEST_F(ConfigctlDaemonTest, MapAndMappedCommandsFollowTheSelectorsConfigdHolds) {
   Outcome before = Ctl({"map", "Vid1YUVProcAmpGain", "IPAddress", "FrontPanelLock"});
   EXPECT_EQ(0, before.exitCode);
   EXPECT_EQ("", before.err);  // nor the mapper's build lines
@@ -26,6 +28,23 @@ TEST_F(ConfigctlDaemonTest, MapFollowsTheSelectorsConfigdHolds) {
       "{\"param\":\"eParamID_SubnetMask\",\"id\":4087209610,\"maps_to\":"
       "\"eParamID_SubnetMask_Static\",\"maps_to_id\":1115367906}\n",
       Ctl({"--json", "map", "SubnetMask"}).out);
+
+  const std::string gain = "eParamID_Vid1YUVProcAmpGain", hdmi = gain + "_HDMI";
+  ASSERT_EQ(0, Ctl({"set", hdmi, "321"}).exitCode);
+  Outcome got = Ctl({"--mapped", "get", "Vid1YUVProcAmpGain"});
+  EXPECT_EQ(gain + " = 321\n", got.out);
+  EXPECT_EQ("", got.err) << "the mapper's build lines stay off the output";
+  std::string sdi1 = Ctl({"get", gain + "_SDI1"}).out;
+  EXPECT_EQ(0, Ctl({"--mapped", "set", "Vid1YUVProcAmpGain", "400"}).exitCode);
+  EXPECT_EQ(hdmi + " = 400\n", Ctl({"get", hdmi}).out);
+  EXPECT_EQ(sdi1, Ctl({"get", gain + "_SDI1"}).out) << "only the selected specific changes";
+
+  auto change = [&] { Ctl({"set", hdmi, "500"}); };
+  std::string line;
+  std::vector<std::string> watch = {"--mapped", "watch", gain, "--count", "1"};
+  ASSERT_TRUE(WatchOnce(CtlArgs(daemon.Uri(), watch), line, change)) << line;
+  EXPECT_EQ(" " + gain + " = 500", line.substr(23)) << "the specific's change, as the generic's";
+  EXPECT_EQ(2, Ctl({"--mapped", "describe", gain}).exitCode) << "--mapped is for get, set, watch";
 }
 
 TEST(ConfigctlTest, ExportMappingWritesTheTablesWithoutADaemon) {

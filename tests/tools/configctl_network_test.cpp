@@ -4,14 +4,6 @@
 
 using namespace tools_test;
 
-namespace {
-
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
-}  // namespace
-
 TEST_F(ConfigctlDaemonTest, GetSetAndWatchOverTcpUdpAndMulticast) {
   int round = 0;
   for (const char* scheme : {"tcp", "udp"}) {
@@ -30,29 +22,18 @@ TEST_F(ConfigctlDaemonTest, GetSetAndWatchOverTcpUdpAndMulticast) {
               RunToEnd(CtlArgs(uri + "/caching=true", {"get", "FrontPanelLock"})).out);
 
     // A change made over the local socket reaches a watch over the network.
-    ChildProcess watch;
-    ASSERT_TRUE(watch.Start(CtlArgs(uri, {"watch", "SystemName", "--count", "1"})));
     std::string line;
-    ASSERT_TRUE(NextWatchLine(
-        watch,
-        [&] {
-          Ctl({"set", "SystemName", "net-" + std::to_string(++round)});
-        },
-        line));
+    ASSERT_TRUE(WatchOnce(CtlArgs(uri, {"watch", "SystemName", "--count", "1"}), line, [&] {
+      Ctl({"set", "SystemName", "net-" + std::to_string(++round)});
+    })) << line;
     EXPECT_TRUE(Has(line, "eParamID_SystemName = net-")) << line;
-    EXPECT_EQ(0, watch.Wait(kStopMs).exitCode);
     Ctl({"set", "FrontPanelLock", "Unlocked"});
   }
   // The multicast URI alone is an events-only client on the event port.
-  ChildProcess watch;
-  ASSERT_TRUE(watch.Start(CtlArgs(daemon.NetworkUri("multicast"), {"watch", "--count", "1"})));
+  auto lock = [&] { Ctl({"set", "FrontPanelLock", "Locked"}); };
   std::string line;
-  ASSERT_TRUE(NextWatchLine(
-      watch,
-      [&] {
-        Ctl({"set", "FrontPanelLock", "Locked"});
-      },
-      line));
+  ASSERT_TRUE(
+      WatchOnce(CtlArgs(daemon.NetworkUri("multicast"), {"watch", "--count", "1"}), line, lock))
+      << line;
   EXPECT_TRUE(Has(line, "eParamID_FrontPanelLock = 1 (Locked)")) << line;
-  EXPECT_EQ(0, watch.Wait(kStopMs).exitCode);
 }

@@ -19,6 +19,14 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
+// The words of a command line: "set a b" as {"set", "a", "b"}.
+std::vector<std::string> Words(const std::string& text) {
+  std::vector<std::string> words;
+  std::istringstream in(text);
+  for (std::string word; in >> word;) words.push_back(word);
+  return words;
+}
+
 // The local time as watch prints it, "2024-05-01T12:00:00.123".
 bool IsTimestamp(const std::string& text) {
   const std::string pattern = "dddd-dd-ddTdd:dd:dd.ddd";
@@ -113,30 +121,16 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
 }
 
 TEST(ConfigctlTest, UsageErrorsExitTwo) {
-  for (const std::vector<std::string>& args :
-       std::vector<std::vector<std::string>>{{},
-                                             {"frobnicate"},
-                                             {"get"},
-                                             {"set", "FrontPanelLock"},
-                                             {"set", "a", "b", "c"},
-                                             {"describe"},
-                                             {"describe", "a", "b"},
-                                             {"list", "extra"},
-                                             {"watch", "--count", "0"},
-                                             {"watch", "--count"},
-                                             {"list", "--group", "x"},
-                                             {"get", "a", "--count", "2"},
-                                             {"watch", "--group", "1"},
-                                             {"--json=yes", "list"},
-                                             {"--bogus", "list"},
-                                             {"--uri", "http://127.0.0.1:43110", "list"}}) {
-    std::vector<std::string> argv = args;
+  for (const char* line :
+       {"", "frobnicate", "get", "set FrontPanelLock", "set a b c", "describe", "describe a b",
+        "list extra", "watch --count 0", "watch --count", "list --group x", "get a --count 2",
+        "watch --group 1", "--json=yes list", "--bogus list",
+        "--uri http://127.0.0.1:43110 list"}) {
+    std::vector<std::string> argv = Words(line);
     argv.insert(argv.begin(), CONFIGCTL_PATH);
     Outcome outcome = RunToEnd(argv);
-    std::string shown;
-    for (const std::string& arg : args) shown += " " + arg;
-    EXPECT_EQ(2, outcome.exitCode) << shown;
-    EXPECT_EQ("", outcome.out) << shown;
+    EXPECT_EQ(2, outcome.exitCode) << line;
+    EXPECT_EQ("", outcome.out) << line;
     EXPECT_EQ(0u, outcome.err.find("configctl: ")) << outcome.err;
   }
   Outcome help = RunToEnd({CONFIGCTL_PATH, "--help"});

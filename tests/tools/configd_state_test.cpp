@@ -18,10 +18,6 @@ namespace {
 
 constexpr unsigned int kPresetName40 = 0xAB8994F6;  // a kept text, 1 to 20 characters
 
-bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
-
 }  // namespace
 
 TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
@@ -31,9 +27,7 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   Daemon daemon;
   ASSERT_TRUE(daemon.Start({"--state-dir", folder}));
   RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
-  std::vector<std::string> again = {CONFIGD_PATH, "--port", "0", "--state-dir", folder};
-  for (const std::string& arg : NetworkArgs()) again.push_back(arg);
-  Outcome second = RunToEnd(again);
+  Outcome second = RunToEnd(ConfigdArgs("0", folder));
   EXPECT_EQ(1, second.exitCode);
   EXPECT_TRUE(Has(second.err, "configd: the state folder " + folder + " is in use by another"));
   EXPECT_TRUE(Has(daemon.Stop(SIGTERM).err, "no saved settings, starting at factory values"));
@@ -44,20 +38,16 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   RunToEnd({"rm", "-r", parent.path + "/new"});
 }
 
-TEST(ConfigdStateTest, PresetCommandsOfConfigctl) {
-  CreateDescriptors();
-  Daemon daemon;
-  ASSERT_TRUE(daemon.Start());
-  auto ctl = [&](std::vector<std::string> args) { return RunToEnd(CtlArgs(daemon.Uri(), args)); };
+TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {
   std::string image = daemon.state.path + "/p21.bin";
-  EXPECT_EQ("preset 21 saved\n", ctl({"preset", "save", "21", "--name", "studio A"}).out);
-  std::string list = ctl({"preset", "list"}).out;
+  EXPECT_EQ("preset 21 saved\n", Ctl({"preset", "save", "21", "--name", "studio A"}).out);
+  std::string list = Ctl({"preset", "list"}).out;
   EXPECT_TRUE(Has(list, " 0  Factory values        factory\n")) << list;
   EXPECT_TRUE(Has(list, "21  studio A              saved\n22  Preset 22             empty\n"));
   // export and import go through PresetsParamVector::Load and ::Store.
-  EXPECT_EQ(0, ctl({"preset", "export", "21", image}).exitCode);
-  EXPECT_EQ(image + " imported as preset 22\n", ctl({"preset", "import", "22", image}).out);
-  EXPECT_EQ("preset 22 recalled\n", ctl({"preset", "recall", "22"}).out);
+  EXPECT_EQ(0, Ctl({"preset", "export", "21", image}).exitCode);
+  EXPECT_EQ(image + " imported as preset 22\n", Ctl({"preset", "import", "22", image}).out);
+  EXPECT_EQ("preset 22 recalled\n", Ctl({"preset", "recall", "22"}).out);
 
   std::ofstream(image) << "not an image";
   for (auto [args, message] : std::vector<std::pair<std::vector<std::string>, std::string>>{
@@ -65,13 +55,13 @@ TEST(ConfigdStateTest, PresetCommandsOfConfigctl) {
            {{"preset", "save", "0"}, "preset 0 holds the factory values and cannot be overwritten"},
            {{"preset", "import", "23", image},
             image + " not imported as preset 23: Store Rejected"}}) {
-    Outcome failed = ctl(args);
+    Outcome failed = Ctl(args);
     EXPECT_EQ(1, failed.exitCode) << message;
     EXPECT_EQ("configctl: " + message + "\n", failed.err);
   }
 
-  EXPECT_EQ("HARD FACTORY done\n", ctl({"factory-reset", "--hard"}).out);
-  EXPECT_TRUE(Has(ctl({"preset", "list"}).out, "21  Preset 21             empty"));
+  EXPECT_EQ("HARD FACTORY done\n", Ctl({"factory-reset", "--hard"}).out);
+  EXPECT_TRUE(Has(Ctl({"preset", "list"}).out, "21  Preset 21             empty"));
 }
 
 // SIGKILL at random moments while a writer sets a kept text ("c<n>") at full
@@ -95,14 +85,8 @@ TEST(ConfigdCrashTest, SigkillAtRandomMomentsLosesNothingFlushed) {
   for (int round = 0; round <= kills; ++round) {
     ChildProcess configd;
     std::string ready, text;
-    std::vector<std::string> args = {CONFIGD_PATH,
-                                     "--port",
-                                     "0",
-                                     "--state-dir",
-                                     state.path,
-                                     "--flush-ms",
-                                     std::to_string(kFlushMs)};
-    for (const std::string& arg : NetworkArgs()) args.push_back(arg);
+    std::vector<std::string> args = ConfigdArgs("0", state.path);
+    args.insert(args.end(), {"--flush-ms", std::to_string(kFlushMs)});
     ASSERT_TRUE(configd.Start(args));
     ASSERT_TRUE(configd.ReadLine(ready, kStartMs)) << "round " << round;
     zyn::config::access::SocketFactory factory;

@@ -25,11 +25,19 @@ constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
 constexpr unsigned int kSystemName = 0x663F2B65;
 constexpr const char* kClampedParam = "eParamID_DisplayIntensity";
 
-// configd's network servers on ports of the system's choice, and its events
-// on a port of their own, so that daemons of tests running side by side
-// never meet.
-inline std::vector<std::string> NetworkArgs(int multicastPort = FreePort()) {
-  return {"--tcp-port", "0", "--udp-port", "0", "--multicast-port", std::to_string(multicastPort)};
+// configd's command line: its local port and state folder, its network
+// servers on ports of the system's choice and its events on a port of their
+// own, so that daemons of tests running side by side never meet.
+inline std::vector<std::string> ConfigdArgs(const std::string& port, const std::string& stateDir,
+                                            int multicastPort = FreePort()) {
+  std::vector<std::string> args = {CONFIGD_PATH, "--port", port, "--state-dir", stateDir};
+  args.insert(args.end(), {"--tcp-port", "0", "--udp-port", "0", "--multicast-port"});
+  args.push_back(std::to_string(multicastPort));
+  return args;
+}
+
+inline bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
 }
 
 // A configd child on a free port, its state in a folder of its own.
@@ -42,9 +50,7 @@ class Daemon {
       port = FreePort();
       multicastPort = FreePort();
       process = std::make_unique<ChildProcess>();
-      std::vector<std::string> args = {CONFIGD_PATH, "--port", std::to_string(port), "--state-dir",
-                                       state.path};
-      for (const std::string& arg : NetworkArgs(multicastPort)) args.push_back(arg);
+      std::vector<std::string> args = ConfigdArgs(std::to_string(port), state.path, multicastPort);
       args.insert(args.end(), extra.begin(), extra.end());
       if (!process->Start(args)) return false;
       std::string tcpLine, udpLine;
@@ -97,6 +103,15 @@ inline bool NextWatchLine(ChildProcess& watch, const std::function<void()>& poke
     if (watch.ReadLine(line, 200)) return true;
   }
   return false;
+}
+
+// Runs a watch that ends after one line (--count 1), poking until it prints;
+// true when it printed `line` and then exited with status 0.
+inline bool WatchOnce(const std::vector<std::string>& argv, std::string& line,
+                      const std::function<void()>& poke) {
+  ChildProcess watch;
+  if (!watch.Start(argv) || !NextWatchLine(watch, poke, line)) return false;
+  return watch.Wait(kStopMs).exitCode == 0;
 }
 
 // Tests that talk to a running configd.

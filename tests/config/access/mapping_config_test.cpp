@@ -1,16 +1,17 @@
-// MappingConfig with the unit's mapper over stores of the unit's catalogue
-// and over socket clients: translated access, changes fanned out to the
-// generic parameters with the values they stand for, Create's failures.
+// MappingConfig with the unit's mapper over stores of the unit's catalogue:
+// translated access, changes fanned out to the generic parameters with the
+// values they stand for, Create's failures.
 #include "config/access/mapping_config.h"
 
 #include <gtest/gtest.h>
 
-#include "config/access/socket_factory.h"
+#include "config/config_factory_impl.h"
 #include "config/descriptors/unit_catalogue.h"
 #include "config/manager/config_manager.h"
 #include "config/manager/recording_listener.h"
 #include "config/mapper/tundra_param_mapper.h"
-#include "loopback_server.h"
+#include "test_catalogue.h"
+#include "test_stderr.h"
 
 using zyn::boxline::config::access::MappingConfig;
 
@@ -20,12 +21,6 @@ namespace {
 constexpr unsigned int kGain = 0x883AD0D9, kInput = 0xD22FD6CA;
 constexpr unsigned int kGainSDI1 = 0xB87ACB03, kGainHDMI = 0x13DDCCAB;
 constexpr unsigned int kIPConfig = 0xAFA99192;  // a volatile selector
-
-// What `listener` heard, after waiting up to 5 s for `count` events.
-std::string Heard(RecordingListener& listener, size_t count = 0) {
-  for (int i = 0; i < 500 && listener.Events().size() < count; ++i) usleep(10000);
-  return listener.Rendered();
-}
 
 tundra::mapper::TundraParamMapper* NewMapper() {
   unit_catalogue::CatalogueIDs();
@@ -62,16 +57,16 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
 
     EXPECT_TRUE(mapping->Set(kGain, 900));
     EXPECT_EQ(900u, store->Get(kGainSDI1)) << "input SDI1 selects the SDI1 gain";
-    EXPECT_EQ("B87ACB03=900 883AD0D9=900", Heard(all)) << "the specific, then the generic";
+    EXPECT_EQ("B87ACB03=900 883AD0D9=900", all.Rendered()) << "the specific, then the generic";
     store->Set(kInput, 6);
     EXPECT_EQ(300u, mapping->Get(kGain)) << "input HDMI selects the HDMI gain";
     store->Set(kGainHDMI, 301);
     EXPECT_EQ(301u, mapping->Get(kGain)) << "reads stay current";
-    EXPECT_EQ("883AD0D9=900 883AD0D9=300 883AD0D9=301", Heard(gainOnly))
+    EXPECT_EQ("883AD0D9=900 883AD0D9=300 883AD0D9=301", gainOnly.Rendered())
         << "a selector change carries the value of the newly selected gain";
 
     store->Set(kIPConfig, 1 - store->Get(kIPConfig));
-    std::string heard = Heard(all);
+    std::string heard = all.Rendered();
     EXPECT_EQ("AFA99192=" + std::to_string(store->Get(kIPConfig)),
               heard.substr(heard.rfind(' ') + 1))
         << "a volatile selector is reported as itself, without the fan-out";
@@ -102,35 +97,4 @@ TEST(MappingConfigTest, CreateFailuresAndNoMapper) {
   plain->RemoveConfigEventListener(&events);
   delete plain;
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
-}
-
-TEST(MappingConfigTest, EventsOverSocketClients) {
-  std::unique_ptr<tundra::mapper::TundraParamMapper> mapper(NewMapper());
-  LoopbackServer server;
-  zyn::config::access::SocketFactory factory;
-  std::string uri = "socket://127.0.0.1:" + std::to_string(server.port) + "/configid=0";
-  Config* requests = factory.Connect(uri);
-  Config* events = factory.Connect(uri);
-  auto* mapping = new MappingConfig(requests, mapper.get(), events);
-  mapper->SetConfig(mapping);
-  RecordingListener gainOnly, sync;
-  mapping->AddConfigEventListener(std::list<eParam_t>{kGain}, &gainOnly);
-  mapping->AddConfigEventListener(test_catalogue::kPercent, &sync);
-  // The server registers the events connection while the client goes on.
-  for (unsigned int i = 0; i < 500 && sync.Events().empty(); ++i) {
-    server.store->Set(test_catalogue::kPercent, i % 100);
-    usleep(10000);
-  }
-  // Each event is awaited: the generic's value is read when it is handled.
-  server.store->Set(kInput, 6);
-  Heard(gainOnly, 1);
-  server.store->Set(kGainHDMI, 410);
-  Heard(gainOnly, 2);
-  EXPECT_TRUE(mapping->Set(kGain, 420));
-  std::string heard = Heard(gainOnly, 3);
-  EXPECT_EQ(420u, server.store->Get(kGainHDMI));
-  EXPECT_EQ("883AD0D9=410 883AD0D9=420", heard.substr(heard.find(' ') + 1));
-  delete mapping;
-  factory.Disconnect(events);
-  factory.Disconnect(requests);
 }

@@ -4,15 +4,14 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "config/access/network_factory.h"
 #include "config/access/network_tcp_client.h"
 #include "config/access/network_udp_client.h"
 #include "config/manager/config_cache.h"
+#include "config/manager/recording_listener.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
 #include "test_stderr.h"
@@ -23,45 +22,15 @@ using zyn::config::access::MakeHeader;
 
 namespace {
 
-// Records delivered events as "<param>=<value>" and lets a test wait for
-// them.
-class Recorder : public ConfigEventListener {
- public:
-  bool ParamChanged(eParam_t id, unsigned int value, timeval) override {
-    return Add(Name(id) + "=" + std::to_string(value));
+// True when "<hex ID>=<value>", as the listener renders events, has arrived
+// within the deadline.
+bool Heard(RecordingListener& listener, const std::string& entry, int timeoutMs = 5000) {
+  for (int waited = 0; waited <= timeoutMs; waited += 2) {
+    if ((" " + listener.Rendered() + " ").find(" " + entry + " ") != std::string::npos) return true;
+    usleep(2000);
   }
-  bool ParamChanged(eParam_t id, std::string value, timeval) override {
-    return Add(Name(id) + "='" + value + "'");
-  }
-  bool DataChanged(eParam_t id, std::string& data, timeval) override {
-    return Add(Name(id) + " data '" + data + "'");
-  }
-  // True when `entry` has arrived `times` times within the deadline.
-  bool WaitFor(const std::string& entry, int timeoutMs = 5000, size_t times = 1) {
-    std::unique_lock<std::mutex> hold(lock);
-    return arrived.wait_for(hold, std::chrono::milliseconds(timeoutMs), [&] {
-      return static_cast<size_t>(std::count(seen.begin(), seen.end(), entry)) >= times;
-    });
-  }
-  std::vector<std::string> Seen() {
-    std::lock_guard<std::mutex> hold(lock);
-    return seen;
-  }
-
- private:
-  static std::string Name(eParam_t id) {
-    return id == kSystemStateParamID ? "state" : std::to_string(id - 0xFEEDC000);
-  }
-  bool Add(const std::string& entry) {
-    std::lock_guard<std::mutex> hold(lock);
-    seen.push_back(entry);
-    arrived.notify_all();
-    return true;
-  }
-  std::mutex lock;
-  std::condition_variable arrived;
-  std::vector<std::string> seen;
-};
+  return false;
+}
 
 template <typename F>
 auto Quietly(F body) {
@@ -90,7 +59,8 @@ class NetworkClientTest : public testing::Test {
   }
   // A client bound to the events port, listening; null where the loopback
   // interface cannot join the group.
-  std::unique_ptr<NetworkUDPClient> Listening(Recorder& recorder, const std::string& tail = "") {
+  std::unique_ptr<NetworkUDPClient> Listening(RecordingListener& recorder,
+                                              const std::string& tail = "") {
     auto client = Open<NetworkUDPClient>("multicast", events.port, tail);
     if (!multicast || client == nullptr) return nullptr;
     Quietly([&] { return client->AddConfigEventListener(&recorder); });
@@ -162,8 +132,9 @@ TEST_F(NetworkClientTest, EveryExchangeOverBothTransports) {
   EXPECT_TRUE(udpClient->GetData(kName, back));
   EXPECT_EQ("blob", back);
 
-  EXPECT_TRUE(Quietly([&] { return factory.Disconnect(tcpClient.release()); }));
-  EXPECT_TRUE(Quietly([&] { return factory.Disconnect(udpClient.release()); }));
+  // The process's factory takes network clients back too.
+  for (Config* client : std::vector<Config*>{tcpClient.release(), udpClient.release()})
+    EXPECT_TRUE(Quietly([&] { return ConfigFactoryImpl::GetInstance()->Disconnect(client); }));
 }
 
 TEST_F(NetworkClientTest, FactoryRefusals) {
@@ -209,7 +180,7 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   getsockname(listening.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
   Socket* socket = new Socket(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(socket->create() && socket->connect("127.0.0.1", ntohs(bound.sin_port)));
-  Recorder first, second;
+  RecordingListener first, second;
   NetworkTCPClient client(0x10001, socket, eConfigID_Default);
   Socket server(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(listening.accept(&server));
@@ -222,8 +193,8 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   char bytes[sizeof event];
   zyn::config::access::Pack(event, bytes);
   ASSERT_TRUE(server.send(bytes, sizeof bytes));
-  ASSERT_TRUE(second.WaitFor("1=7"));
-  EXPECT_EQ(std::vector<std::string>{"1=7"}, first.Seen()) << "a listener added twice runs once";
+  ASSERT_TRUE(Heard(second, "FEEDC001=7"));
+  EXPECT_EQ("FEEDC001=7", first.Rendered()) << "a listener added twice runs once";
 
   // Exactly one Add Listener Request (for every parameter) reached the server.
   char received[64];
@@ -247,7 +218,7 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   ASSERT_TRUE(server.send(both, sizeof both));
   requester.join();
   EXPECT_EQ(42u, got);
-  EXPECT_TRUE(second.WaitFor("1=8"));
+  EXPECT_TRUE(Heard(second, "FEEDC001=8"));
   EXPECT_TRUE(client.RemoveConfigEventListener(&first));
   EXPECT_FALSE(client.RemoveConfigEventListener(&first)) << "a listener is removed once";
 }
@@ -256,18 +227,18 @@ TEST_F(NetworkClientTest, TcpClientAnswersRequestsWhileListening) {
   auto client = Open<NetworkTCPClient>("tcp", tcp.port);
   auto writer = Open<NetworkTCPClient>("tcp", tcp.port);
   ASSERT_TRUE(client && writer);
-  Recorder recorder;
+  RecordingListener recorder;
   ASSERT_TRUE(client->AddConfigEventListener(&recorder));
   // Answered after the Add Listener Request on the same connection: the
   // server has registered the client.
   EXPECT_EQ(50u, client->Get(kPercent));
   for (unsigned int value : {61u, 62u, 63u}) {
     EXPECT_TRUE(writer->Set(kPercent, value));
-    ASSERT_TRUE(recorder.WaitFor("1=" + std::to_string(value)));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=" + std::to_string(value)));
     EXPECT_EQ(value, client->Get(kPercent)) << "a Get on the event connection";
   }
   EXPECT_TRUE(client->Set(kName, std::string("reel")));
-  ASSERT_TRUE(recorder.WaitFor("4='reel'"));
+  ASSERT_TRUE(Heard(recorder, "FEEDC004='reel'"));
   std::string text;
   EXPECT_TRUE(client->Get(kName, text));
   EXPECT_EQ("reel", text);
@@ -281,33 +252,32 @@ TEST_F(NetworkClientTest, TcpClientAnswersRequestsWhileListening) {
 }
 
 TEST_F(NetworkClientTest, UdpEventsReachListeners) {
-  Recorder recorder, other;
+  RecordingListener recorder, other;
   auto listener = Listening(recorder);
   if (listener == nullptr) GTEST_SKIP() << "no multicast on the loopback interface here";
   auto elsewhere = Listening(other, "/configid=2");
   auto client = Open<NetworkUDPClient>("udp", udp.port);
   ASSERT_TRUE(client && elsewhere);
-  Recorder own;
+  RecordingListener own;
   // The requester's own socket is read by its events thread once it
   // listens: responses are handed over.
   ASSERT_TRUE(Quietly([&] { return client->AddConfigEventListener(&own); }));
 
   std::string err = Stderr([&] {
     EXPECT_TRUE(client->Set(kPercent, 71));
-    ASSERT_TRUE(recorder.WaitFor("1=71"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=71"));
     EXPECT_EQ(71u, client->Get(kPercent));
     EXPECT_TRUE(client->Set(kName, std::string("film")));
-    ASSERT_TRUE(recorder.WaitFor("4='film'"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC004='film'"));
     EXPECT_FALSE(client->Set(kMode, 7));
-    EXPECT_TRUE(recorder.WaitFor("3=1")) << "a refused Set re-announces the value";
+    EXPECT_TRUE(Heard(recorder, "FEEDC003=1")) << "a refused Set re-announces the value";
     EXPECT_EQ(0u, listener->LostEvents());
     // Store 2's listener saw the server's events go by, for store 0: once
     // it has one for its own store, it has dropped them all.
     Multicast(1000, 2, kPercent, 99);
-    ASSERT_TRUE(other.WaitFor("1=99"));
+    ASSERT_TRUE(Heard(other, "FEEDC001=99"));
   });
-  EXPECT_EQ(std::vector<std::string>{"1=99"}, other.Seen())
-      << "an event for another store reached a listener";
+  EXPECT_EQ("FEEDC001=99", other.Rendered()) << "an event for another store reached a listener";
   EXPECT_NE(std::string::npos,
             err.find("NetworkUDPClient::ProcessEvents - ConfigID:2  Inbound ConfigID:0\n"));
   EXPECT_TRUE(Quietly([&] { return client->RemoveConfigEventListener(&own); }));
@@ -315,81 +285,54 @@ TEST_F(NetworkClientTest, UdpEventsReachListeners) {
 }
 
 TEST_F(NetworkClientTest, UdpEventSequenceGapsCounted) {
-  Recorder recorder;
+  RecordingListener recorder;
   auto listener = Listening(recorder);
   if (listener == nullptr) GTEST_SKIP() << "no multicast on the loopback interface here";
   std::string err = Stderr([&] {
     Multicast(5, 0, kPercent, 1);
-    ASSERT_TRUE(recorder.WaitFor("1=1"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=1"));
     EXPECT_EQ(0u, listener->LostEvents()) << "the first event seen sets the count's start";
     Multicast(6, 0, kPercent, 2);
     Multicast(9, 0, kPercent, 3);
-    ASSERT_TRUE(recorder.WaitFor("1=3"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=3"));
     EXPECT_EQ(2u, listener->LostEvents());
     // Another store's events count too, before they are dropped.
     Multicast(10, 7, kPercent, 4);
     Multicast(12, 0, kPercent, 5);
-    ASSERT_TRUE(recorder.WaitFor("1=5"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=5"));
     EXPECT_EQ(3u, listener->LostEvents());
     // A restarted server counts from 0 again: its events before this one
     // were missed.
     Multicast(2, 0, kPercent, 6);
-    ASSERT_TRUE(recorder.WaitFor("1=6"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=6"));
     EXPECT_EQ(5u, listener->LostEvents());
     Multicast(2, 0, kPercent, 7);
     Multicast(3, 0, kPercent, 8);
-    ASSERT_TRUE(recorder.WaitFor("1=8"));
+    ASSERT_TRUE(Heard(recorder, "FEEDC001=8"));
     EXPECT_EQ(5u, listener->LostEvents()) << "a repeated number loses nothing";
   });
   EXPECT_NE(std::string::npos,
             err.find("NetworkUDPClient::ProcessEvents - lost 2 events (sequence 9 after 6)\n"))
       << err;
-  EXPECT_EQ(std::vector<std::string>({"1=1", "1=2", "1=3", "1=5", "1=6", "1=7", "1=8"}),
-            recorder.Seen());
+  EXPECT_EQ("FEEDC001=1 FEEDC001=2 FEEDC001=3 FEEDC001=5 FEEDC001=6 FEEDC001=7 FEEDC001=8",
+            recorder.Rendered());
 }
 
 TEST_F(NetworkClientTest, SystemShutdownEndsUdpEvents) {
-  Recorder recorder;
+  RecordingListener recorder;
   auto listener = Listening(recorder);
   if (listener == nullptr) GTEST_SKIP() << "no multicast on the loopback interface here";
   std::string err = Stderr([&] {
     Multicast(1, 0, kSystemStateParamID, 3);
     Multicast(2, 0, kSystemStateParamID, kSystemStateShutdown);
-    ASSERT_TRUE(recorder.WaitFor("state=9")) << "the shut-down event itself is delivered";
+    ASSERT_TRUE(Heard(recorder, "7D02010A=9")) << "the shut-down event itself is delivered";
     Multicast(3, 0, kPercent, 1);
-    EXPECT_FALSE(recorder.WaitFor("1=1", 300)) << "an event after the shut-down was handled";
+    EXPECT_FALSE(Heard(recorder, "FEEDC001=1", 300)) << "an event after the shut-down was handled";
   });
   EXPECT_NE(std::string::npos,
             err.find("NetworkUDPClient::ProcessEvents exiting due to system state going into "
                      "shutdown state\n"));
-  EXPECT_EQ(std::vector<std::string>({"state=3", "state=9"}), recorder.Seen());
-}
-
-TEST_F(NetworkClientTest, ConfigFactoryRoutesNetworkUris) {
-  ConfigFactoryImpl* factoryImpl = ConfigFactoryImpl::GetInstance();
-  const std::string tail = "127.0.0.1:";
-  Config* overTcp =
-      Quietly([&] { return factoryImpl->Connect("tcp://" + tail + std::to_string(tcp.port)); });
-  Config* overUdp =
-      Quietly([&] { return factoryImpl->Connect("udp://" + tail + std::to_string(udp.port)); });
-  Config* eventsOnly = Quietly([&] {
-    return factoryImpl->Connect("multicast://" + tail + std::to_string(this->events.port));
-  });
-  EXPECT_NE(nullptr, dynamic_cast<NetworkTCPClient*>(overTcp));
-  EXPECT_NE(nullptr, dynamic_cast<NetworkUDPClient*>(overUdp));
-  EXPECT_NE(nullptr, dynamic_cast<NetworkUDPClient*>(eventsOnly));
-  ASSERT_TRUE(overTcp && overUdp && eventsOnly);
-  EXPECT_EQ(50u, overTcp->Get(kPercent));
-  EXPECT_EQ(50u, overUdp->Get(kPercent));
-  for (Config* config : {overTcp, overUdp, eventsOnly})
-    EXPECT_TRUE(Quietly([&] { return factoryImpl->Disconnect(config); }));
-
-  std::string err = Stderr([&] {
-    EXPECT_EQ(nullptr, factoryImpl->Connect("local:configid=0 tcp://" + tail +
-                                            std::to_string(this->events.port)));
-  });
-  EXPECT_NE(std::string::npos,
-            err.find("ConfigFactoryImpl::Connect - _network_factory->Connect() failed\n"));
+  EXPECT_EQ("7D02010A=3 7D02010A=9", recorder.Rendered());
 }
 
 // "caching=true" over either transport: another client's write reaches the

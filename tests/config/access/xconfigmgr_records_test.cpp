@@ -1,11 +1,9 @@
-// The record codec: layouts word by word, the message table, payloads and
-// response matching.
+// The record codec: the message table, payloads and response matching.
 #include "config/access/xconfigmgr_records.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <map>
 
 #include "config/values/integer_value.h"
@@ -13,43 +11,6 @@
 #include "test_bytes.h"
 
 using namespace zyn::config::access;
-
-namespace {
-
-template <typename Record>
-std::vector<uint32_t> Words(const Record& record) {
-  std::vector<char> bytes(sizeof(Record));
-  Pack(record, bytes.data());
-  std::vector<uint32_t> words(sizeof(Record) / 4);
-  memcpy(words.data(), bytes.data(), bytes.size());
-  return words;
-}
-
-}  // namespace
-
-TEST(XConfigRecordsTest, LayoutsInHostWords) {
-  XCONFIGMGR_REQUEST_T request{MakeHeader(XCFG_SET_PARAM_REQUEST, 0x10002A, 7, 3), 0x4D575A8E, 1, 0,
-                               0};
-  EXPECT_EQ((std::vector<uint32_t>{81, 0x10002A, 7, 3, 0, 4096, 0x4D575A8E, 1, 0, 0}),
-            Words(request));
-  XCONFIGMGR_RESPONSE_T event{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 5, kXConfigEventRequestID, 0),
-                              9,
-                              0,
-                              42,
-                              0,
-                              kXConfigStreamBufferSize};
-  EXPECT_EQ((std::vector<uint32_t>{144, 5, 0xFFFFFFFF, 0, 0, 4096, 9, 0, 42, 0, 3072}),
-            Words(event));
-  XCONFIGMGR_CONNECTION_RESPONSE_T connected{MakeHeader(XCFG_CONNECT_RESPONSE, 1, 2, 3), 0};
-  EXPECT_EQ(7u, Words(connected).size());
-
-  XCONFIGMGR_RESPONSE_T back;
-  std::vector<char> bytes(44);
-  Pack(event, bytes.data());
-  Unpack(bytes.data(), back);
-  EXPECT_EQ(0, memcmp(&event, &back, sizeof back));
-  EXPECT_EQ(144u, PeekMessageType(bytes.data()));
-}
 
 TEST(XConfigRecordsTest, MessageTable) {
   EXPECT_STREQ("Connect Request", MessageName(16));
