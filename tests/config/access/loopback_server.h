@@ -29,16 +29,15 @@
 #include "test_catalogue.h"
 #include "test_stderr.h"
 
-// Starts a server on a free port for the test and stops it, and every
-// connection it served, afterwards.
-class LoopbackServer {
+// A stream or datagram server on a free loopback port over store 0 of the
+// test catalogue, started for the test; Stop (or the destructor) stops it
+// and waits for it and every connection it served.
+template <typename Server, typename Connection>
+class ServerOnLoopback {
  public:
-  LoopbackServer() {
+  explicit ServerOnLoopback(Server* server) {
     test_catalogue::Register();
-    testing::internal::CaptureStderr();
-    store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
-    testing::internal::GetCapturedStderr();
-    auto* server = new zyn::config::access::SocketServer(0);
+    Stderr([&] { store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0"); });
     if (!server->Init() || !server->Start()) {
       ADD_FAILURE() << "server did not start";
       delete server;
@@ -48,22 +47,45 @@ class LoopbackServer {
     thread = server->GetThread();
     running = server;
   }
-  ~LoopbackServer() {
+  ~ServerOnLoopback() { Stop(); }
+  void Stop() {
     if (running != nullptr) {
       running->Stop();
       pthread_join(thread, nullptr);  // the server deleted itself
+      running = nullptr;
     }
-    zyn::config::access::SocketConnection::StopAll();
-    EXPECT_TRUE(zyn::config::access::SocketConnection::WaitForAll(10000));
-    ConfigFactoryImpl::GetInstance()->Disconnect(store);
+    Connection::StopAll();
+    EXPECT_TRUE(Connection::WaitForAll(10000));
+    if (store != nullptr) ConfigFactoryImpl::GetInstance()->Disconnect(store);
+    store = nullptr;
   }
 
   Config* store = nullptr;
   int port = 0;
 
  private:
-  zyn::config::access::SocketServer* running = nullptr;
+  Server* running = nullptr;
   pthread_t thread{};
+};
+
+// The local protocol's socket server.
+struct LoopbackServer
+    : ServerOnLoopback<zyn::config::access::SocketServer, zyn::config::access::SocketConnection> {
+  LoopbackServer() : ServerOnLoopback(new zyn::config::access::SocketServer(0)) {}
+};
+
+// A network server (TCP or UDP), its events sent to the test's own
+// multicast port.
+struct NetworkLoopbackServer
+    : ServerOnLoopback<zyn::boxline::config::access::NetworkServer,
+                       zyn::boxline::config::access::NetworkTCPConnection> {
+  NetworkLoopbackServer(int type, int multicastPort)
+      : ServerOnLoopback(Make(type, multicastPort)) {}
+  static zyn::boxline::config::access::NetworkServer* Make(int type, int multicastPort) {
+    auto* server = new zyn::boxline::config::access::NetworkServer(AF_INET, type, 0);
+    server->SetMulticastPort(multicastPort);
+    return server;
+  }
 };
 
 // A protocol peer on a plain TCP socket.
@@ -129,50 +151,18 @@ class RawPeer {
     return response.error;
   }
 
+  // Makes sure the server has handled everything the peer sent so far: a
+  // Get answered.
+  void Sync() {
+    Send(XCONFIGMGR_REQUEST_T{zyn::config::access::MakeHeader(XCFG_GET_PARAM_REQUEST, 0, 1000, 0),
+                              test_catalogue::kRaw, 0, 0, 0});
+    XCONFIGMGR_RESPONSE_T response{};
+    ASSERT_TRUE(ReadRecord(response));
+    ASSERT_EQ(96u, response.header.msgtype);
+  }
+
   int fd = -1;
   bool connected = false;
-};
-
-// A network server (TCP or UDP) on a free port, its events sent to the
-// test's own multicast port; stopped with its connections afterwards.
-class NetworkLoopbackServer {
- public:
-  NetworkLoopbackServer(int type, int multicastPort) {
-    test_catalogue::Register();
-    testing::internal::CaptureStderr();
-    store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
-    testing::internal::GetCapturedStderr();
-    auto* server = new zyn::boxline::config::access::NetworkServer(AF_INET, type, 0);
-    server->SetMulticastPort(multicastPort);
-    if (!server->Init() || !server->Start()) {
-      ADD_FAILURE() << "network server did not start";
-      delete server;
-      return;
-    }
-    port = server->GetPort();
-    thread = server->GetThread();
-    running = server;
-  }
-  ~NetworkLoopbackServer() { Stop(); }
-  // Stops the server and waits for its thread and every TCP connection.
-  void Stop() {
-    if (running != nullptr) {
-      running->Stop();
-      pthread_join(thread, nullptr);  // the server deleted itself
-      running = nullptr;
-    }
-    zyn::boxline::config::access::NetworkTCPConnection::StopAll();
-    EXPECT_TRUE(zyn::boxline::config::access::NetworkTCPConnection::WaitForAll(10000));
-    if (store != nullptr) ConfigFactoryImpl::GetInstance()->Disconnect(store);
-    store = nullptr;
-  }
-
-  Config* store = nullptr;
-  int port = 0;
-
- private:
-  zyn::boxline::config::access::NetworkServer* running = nullptr;
-  pthread_t thread{};
 };
 
 // A datagram socket on 127.0.0.1: sends to a loopback port, or, joined to
@@ -290,10 +280,7 @@ inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount
   });
   EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
   EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
-  size_t lines = 0;
-  for (size_t at = err.find(cutOffLine); at != std::string::npos; at = err.find(cutOffLine, at + 1))
-    ++lines;
-  EXPECT_EQ(static_cast<size_t>(kStalled), lines) << err;
+  EXPECT_EQ(static_cast<size_t>(kStalled), Count(err, cutOffLine)) << err;
 }
 
 #endif  // TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H

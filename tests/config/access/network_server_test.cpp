@@ -38,14 +38,6 @@ std::vector<char> StringPayload(unsigned int paramID, const std::string& text) {
   return EncodePayload(&value);
 }
 
-// A TCP Get answered: everything the peer sent before has been handled.
-void SyncTcp(RawPeer& peer) {
-  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 1000, kRaw));
-  XCONFIGMGR_RESPONSE_T response{};
-  ASSERT_TRUE(peer.ReadRecord(response));
-  ASSERT_EQ(96u, response.header.msgtype);
-}
-
 // True once a thread of this process sits in system call `number` (a wait
 // with a deadline, not a fixed sleep).
 bool SomeThreadBlockedIn(long number, int timeoutMs = 5000) {
@@ -123,7 +115,7 @@ TEST_F(NetworkTCPServerTest, RequestsAnsweredByteForByte) {
     ASSERT_TRUE(peer.ReadRecord(got));
     EXPECT_EQ((Words{129, kClient, 12, 0, 0, 4096, kUnknown, 15, 0, 0, 0}), WordsOf(got));
     peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 13, kName));
-    SyncTcp(peer);
+    peer.Sync();
   });
   EXPECT_NE(std::string::npos,
             err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
@@ -144,7 +136,7 @@ TEST_F(NetworkTCPServerTest, RegisteredClientHearsEveryParameter) {
   for (uint32_t id : {kPercent, kPercent, 0u})
     listener.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
         MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kClient, 2, 0), id});
-  SyncTcp(listener);
+  listener.Sync();
   RawPeer writer(server.port);
   ASSERT_EQ(0u, writer.Connect(kClient + 1));
   writer.Send(Request(XCFG_SET_PARAM_REQUEST, 3, kMode, 2));
@@ -176,7 +168,7 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
             err.find("NetworkTCPConnection::ProcessMessages - Unknown message type 256\n"));
   EXPECT_NE(std::string::npos,
             err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
-  SyncTcp(other);
+  other.Sync();
 }
 
 TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {

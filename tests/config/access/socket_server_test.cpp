@@ -36,14 +36,6 @@ XCONFIGMGR_EVENT_HANDLER_REQUEST_T Listener(uint32_t msgtype, uint32_t paramID) 
   return XCONFIGMGR_EVENT_HANDLER_REQUEST_T{MakeHeader(msgtype, kConnection, 9, 0), paramID};
 }
 
-// Makes sure the server has handled everything the peer sent so far.
-void Sync(RawPeer& peer) {
-  peer.Send(Request(XCFG_GET_PARAM_REQUEST, 1000, kRaw));
-  XCONFIGMGR_RESPONSE_T response{};
-  ASSERT_TRUE(peer.ReadRecord(response));
-  ASSERT_EQ(96u, response.header.msgtype);
-}
-
 // How long a refused client may wait to be closed: long enough for a loaded
 // machine, and a closed client ends the wait at once.
 constexpr int kRefusalMs = 10000;
@@ -167,7 +159,7 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
   ASSERT_EQ(0u, events.Connect(kConnection));
   events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
   events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));  // stored once
-  Sync(events);  // Add Listener is not answered: only the Get's response arrives
+  events.Sync();  // Add Listener is not answered: only the Get's response arrives
   server.store->Set(kTenToHundred, 20);  // filtered out
   server.store->Set(kPercent, 60);
   XCONFIGMGR_RESPONSE_T event{};
@@ -179,7 +171,7 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
 
   // String events carry the store's value at the time of sending.
   events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));  // every parameter
-  Sync(events);
+  events.Sync();
   server.store->Set(kName, std::string("Studio"));
   ASSERT_TRUE(events.ReadRecord(event));
   EXPECT_EQ(145u, event.header.msgtype);
@@ -200,7 +192,7 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
   // Re-adding for every parameter resumes events, once per change: the
   // connection is not added to the store a second time.
   events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));
-  Sync(events);
+  events.Sync();
   server.store->Set(kPercent, 62);
   ASSERT_TRUE(events.ReadRecord(event));
   EXPECT_EQ(62u, event.value);
@@ -292,7 +284,7 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
 
   RawPeer first(port);
   EXPECT_EQ(0u, first.Connect(kConnection));
-  Sync(first);
+  first.Sync();
   const time_t refusalsBegin = time(nullptr);
   RawPeer second(port);
   EXPECT_TRUE(second.ClosedByPeer(kRefusalMs)) << "a client past the limit is closed at once";
@@ -301,7 +293,7 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
     EXPECT_TRUE(more.ClosedByPeer(kRefusalMs));
   }
   const time_t refusalsEnd = time(nullptr);
-  Sync(first);  // the client within the limit is still served
+  first.Sync();  // the client within the limit is still served
 
   server->Stop();
   pthread_join(thread, nullptr);
@@ -315,11 +307,7 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
             err.find("SocketServer::WaitForConnection - connection limit of 1 reached, 1 clients "
                      "refused so far\n"))
       << err;
-  size_t lines = 0;
-  for (size_t at = err.find("connection limit"); at != std::string::npos;
-       at = err.find("connection limit", at + 1))
-    ++lines;
-  EXPECT_LE(lines, static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
+  EXPECT_LE(Count(err, "connection limit"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
       << "ten refusals are one line a second at most";
 }
 
@@ -340,7 +328,7 @@ TEST_F(SocketServerTest, ClientsPastTheDescriptorLimitAreClosedAtOnce) {
     refused.emplace_back(new RawPeer(server.port));
     EXPECT_TRUE(refused.back()->ClosedByPeer(kRefusalMs)) << "client " << i << " left waiting";
   }
-  Sync(first);  // the client already served goes on
+  first.Sync();  // the client already served goes on
   for (size_t i = 3; i < fillers.size(); ++i) close(fillers[i]);
   ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &saved));
   RawPeer later(server.port);
@@ -373,7 +361,7 @@ TEST_F(SocketServerTest, TracesFollowTheWatchList) {
       peer.SendBytes(payload.data(), payload.size());
       peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
       peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
-      Sync(peer);
+      peer.Sync();
     });
     EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
     EXPECT_NE(std::string::npos, err.find(" [2] {0x")) << "traced with its payload";
