@@ -75,6 +75,14 @@ class SocketClientTest : public testing::Test {
     EXPECT_NE(nullptr, client);
     return client;
   }
+  // A client listening for every change, its registration seen through
+  // writes by `writer`.
+  SocketClient* OpenListening(WaitingListener& listener, Config* writer) {
+    SocketClient* client = Open();
+    client->AddConfigEventListener(&listener);
+    listener.AwaitRegistration(writer);
+    return client;
+  }
   LoopbackServer server;
   SocketFactory factory;
   std::string uri;
@@ -195,11 +203,9 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
 // An event connection that the owner closes counts as losing events, so a
 // client that keeps copies knows to read again and reconnect.
 TEST_F(SocketClientTest, AnEventConnectionClosedByTheOwnerCountsAsLost) {
-  SocketClient* events = Open();
   SocketClient* requests = Open();
   WaitingListener listener;
-  events->AddConfigEventListener(&listener);
-  listener.AwaitRegistration(requests);
+  SocketClient* events = OpenListening(listener, requests);
   EXPECT_EQ(0u, events->LostEvents());
   testing::internal::CaptureStderr();
   SocketConnection::StopAll();
@@ -242,15 +248,11 @@ TEST_F(SocketClientTest, WaitForConfigEvent) {
 // may already be another connection's, which its Disconnect must not touch.
 TEST_F(SocketClientTest, DisconnectAfterTheEventsEndedTouchesNoOtherConnection) {
   SocketClient* writer = Open();
-  SocketClient* first = Open();
   WaitingListener gone;
-  first->AddConfigEventListener(&gone);
-  gone.AwaitRegistration(writer);
+  SocketClient* first = OpenListening(gone, writer);
   first->RemoveConfigEventListener(&gone);  // closes first's connection
-  SocketClient* second = Open();            // likely on the number first had
   WaitingListener listening;
-  second->AddConfigEventListener(&listening);
-  listening.AwaitRegistration(writer);
+  SocketClient* second = OpenListening(listening, writer);  // likely on first's number
   Stderr([&] { factory.Disconnect(first); });
   writer->Set(kPercent, 33);
   EXPECT_EQ(std::vector<std::string>{"1=33"}, listening.WaitFor(1))
