@@ -12,6 +12,7 @@
 #include "config/access/socket_connection.h"
 #include "config/access/socket_server.h"
 #include "config/config_factory_impl.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "configd/file_system.h"
 #include "configd/persistence_worker.h"
@@ -55,6 +56,7 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   // The catalogue, the logger's watch list and the product identity are
   // read before any thread starts: all are read without locks afterwards.
   CreateDescriptors();
+  AddOwnerDescriptors();
   zyn::logging::Logger::GetLogger();
   PresetImage::UnitProduct();
   ConfigFactoryImpl::GetInstance()->SetMaxStores(options.maxStores);
