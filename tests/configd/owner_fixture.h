@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/manager/config_manager.h"
 #include "test_stderr.h"
@@ -21,7 +22,7 @@ constexpr unsigned int kSystemName = 0x663F2B65;
 class OwnerTest : public testing::Test {
  protected:
   void SetUp() override {
-    CreateDescriptors();
+    AddOwnerDescriptors();
     Stderr([this] { store.Init(); });
     for (unsigned int id : GetParamIDs()) {
       ParamDescriptor* d = GetDescriptor(id);

@@ -2,9 +2,11 @@
 // check, with the register commands called directly.
 #include "configd/register_handler.h"
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/string_descriptor.h"
 #include "config/values/integer_value.h"
 #include "config/values/presets_param_vector.h"
@@ -77,6 +79,45 @@ TEST_F(RegisterHandlerTest, SaveAndRecallOnlyThePresetSettings) {
   EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range));
   EXPECT_NE(other, store.Get(choice));
   EXPECT_EQ(1u, PresetStore(FileSystem::Default(), folder.path).Load()) << "kept on disk";
+}
+
+// Tokened requests run through the handler's thread and each gets its own
+// answer line; malformed ones are answered as failures when they carry a
+// token and ignored when they do not.
+TEST_F(RegisterHandlerTest, TokenedRequestsAreAnsweredOnePerToken) {
+  std::string token;
+  unsigned int command = 0, number = 0;
+  for (const char* bad :
+       {"", "0000000 save 1", "00000000 save 1", "1234567g save 1", "12345678 save",
+        "12345678 reset 3", "12345678 wipe 1", "12345678 save 1000", "12345678 save -1"})
+    EXPECT_FALSE(RegisterHandler::ParseRequest(bad, token, command, number)) << bad;
+  ASSERT_TRUE(RegisterHandler::ParseRequest("0a0B0c0D recall 12", token, command, number));
+  EXPECT_EQ("0a0B0c0D", token);
+  EXPECT_EQ(RegisterHandler::kRegisterRecall, command);
+  EXPECT_EQ(12u, number);
+
+  store.Set(range, Range()->GetMinValue() + 1);
+  handler.Start();
+  Stderr([&] {
+    for (const char* request :
+         {"00000001 save 6", "00000002 recall 9", "00000003 wipe 1", "00000004 probe 6"})
+      store.Set(kOwnerRegisterRequestParamID, std::string(request));
+    for (int i = 5; i < 45; ++i) {
+      char request[32];
+      snprintf(request, sizeof request, "%08x probe 9", i);
+      store.Set(kOwnerRegisterRequestParamID, std::string(request));
+    }
+    handler.Stop();
+  });
+  std::string answers;
+  ASSERT_TRUE(store.Get(kOwnerRegisterOutcomesParamID, answers));
+  EXPECT_EQ(kOwnerOutcomeLines,
+            static_cast<size_t>(std::count(answers.begin(), answers.end(), '\n')));
+  EXPECT_NE(std::string::npos, answers.find("\n0000002c 4 preset 9 is empty\n")) << answers;
+  EXPECT_EQ(std::string::npos, answers.find("00000001 ")) << "the oldest answers go first";
+  EXPECT_EQ(kRegisterEmpty, store.Get(kRecallResult)) << "plain result still moves";
+  std::string six;
+  EXPECT_TRUE(presets.Get(6, six));
 }
 
 TEST_F(RegisterHandlerTest, RecallIsAllOrNothing) {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <fstream>
 #include <random>
+#include <thread>
 
 #include "config/access/socket_client.h"
 #include "config/access/socket_factory.h"
@@ -51,17 +52,38 @@ TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {
 
   std::ofstream(image) << "not an image";
   for (auto [args, message] : std::vector<std::pair<std::vector<std::string>, std::string>>{
-           {{"preset", "recall", "23"}, "preset 23 not recalled: Preset Empty"},
+           {{"preset", "recall", "23"},
+            "preset 23 not recalled: Preset Empty (preset 23 is empty)"},
            {{"preset", "save", "0"}, "preset 0 holds the factory values and cannot be overwritten"},
            {{"preset", "import", "23", image},
-            image + " not imported as preset 23: Store Rejected"}}) {
+            image + " not imported as preset 23: Store Rejected (/tmp/zyn/preset_23.bin " +
+                "rejected: truncated at 12 bytes)"}}) {
     Outcome failed = Ctl(args);
     EXPECT_EQ(1, failed.exitCode) << message;
     EXPECT_EQ("configctl: " + message + "\n", failed.err);
   }
 
+  // A soft reset keeps the saved presets with their names; a hard one clears both.
+  EXPECT_EQ("FACTORY done\n", Ctl({"factory-reset"}).out);
+  EXPECT_TRUE(Has(Ctl({"preset", "list"}).out, "21  studio A              saved"));
   EXPECT_EQ("HARD FACTORY done\n", Ctl({"factory-reset", "--hard"}).out);
   EXPECT_TRUE(Has(Ctl({"preset", "list"}).out, "21  Preset 21             empty"));
+}
+
+// Two clients at once, one recalling a saved preset and one an empty one:
+// each must be told its own outcome, never the other's.
+TEST_F(ConfigctlDaemonTest, ConcurrentPresetClientsEachGetTheirOwnOutcome) {
+  ASSERT_EQ(0, Ctl({"preset", "save", "7"}).exitCode);
+  int wrong = 0;
+  for (int round = 0; round < 8; ++round) {
+    Outcome saved, empty;
+    std::thread other([&] { empty = Ctl({"preset", "recall", "31"}); });
+    saved = Ctl({"preset", "recall", "7"});
+    other.join();
+    wrong += (saved.exitCode != 0) + (empty.exitCode != 1);
+    EXPECT_TRUE(Has(empty.err, "Preset Empty (preset 31 is empty)")) << empty.err;
+  }
+  EXPECT_EQ(0, wrong);
 }
 
 // SIGKILL at random moments while a writer sets a kept text ("c<n>") at full

@@ -1,6 +1,5 @@
 #include "configctl/presets.h"
 
-#include <time.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -12,6 +11,7 @@
 #include "config/values/presets_param_vector.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
+#include "configctl/owner_request.h"
 #include "configctl/parameters.h"
 
 using namespace zyn::config::values;
@@ -20,11 +20,8 @@ namespace configctl {
 
 namespace {
 
-constexpr unsigned int kRegisterRecall = 0x05CDE9A4;
 constexpr unsigned int kRegisterRecallResult = 0x4000E4C8;
-constexpr unsigned int kRegisterSave = 0xAAB50096;
 constexpr unsigned int kRegisterSaveResult = 0x7A9D2C71;
-constexpr unsigned int kFactorySettings = 0xEA4F2E24;
 constexpr unsigned int kLastPreset = 40;
 constexpr long kAnswerTimeoutMs = 30000;
 constexpr long kPollMs = 5;
@@ -43,32 +40,26 @@ constexpr PresetForm kPresetForms[] = {
     {"import", 2, "preset import N FILE"},
 };
 
-void Sleep(long ms) {
-  timespec pause = {0, ms * 1000000};
-  nanosleep(&pause, nullptr);
+// Runs `operation` on preset `number` as this client's own request and
+// waits for configd's answer to it.
+OwnerRequest Ask(Config* client, const char* operation, unsigned int number) {
+  OwnerRequest request(operation, number);
+  request.Run(client, kAnswerTimeoutMs, kPollMs);
+  return request;
 }
 
-// Starts a command: result "in progress", then the command with `number`,
-// and waits until configd moves the result on. The final state, or 0 when
-// configd did not answer in time.
-unsigned int RunRegister(Config* client, unsigned int command, unsigned int result,
-                         unsigned int number) {
-  client->Set(result, kRegisterInProgress);
-  client->Set(command, number);
-  for (long waited = 0; waited < kAnswerTimeoutMs; waited += kPollMs) {
-    unsigned int state = kRegisterInProgress;
-    if (!client->Get(result, state)) return 0;
-    if (state != kRegisterInProgress) return state;
-    Sleep(kPollMs);
-  }
-  return 0;
-}
+// "Recall Failed (preset 5 refused: ...)", or why there was no answer.
+std::string Outcome(unsigned int result, const OwnerRequest& request);
 
 // The result state's name from the catalogue ("Recall Failed").
 std::string StateName(unsigned int result, unsigned int state) {
-  if (state == 0) return "no answer from configd";
   auto* list = dynamic_cast<EnumDescriptor*>(FindParameter(std::to_string(result)));
   return list != nullptr ? list->GetEnumValue(state) : std::to_string(state);
+}
+
+std::string Outcome(unsigned int result, const OwnerRequest& request) {
+  if (!request.Failure().empty()) return request.Failure();
+  return StateName(result, request.GetState()) + " (" + request.GetMessage() + ")";
 }
 
 bool ParsePreset(const std::string& text, unsigned int first, unsigned int& number) {
@@ -93,24 +84,23 @@ int Save(Config* client, unsigned int number, const Arguments& arguments) {
       return kExitFailure;
     }
   }
-  unsigned int state = RunRegister(client, kRegisterSave, kRegisterSaveResult, number);
-  if (state != kRegisterDone) {
-    Console::Error("preset %u not saved: %s", number,
-                   StateName(kRegisterSaveResult, state).c_str());
+  OwnerRequest saved = Ask(client, "save", number);
+  if (saved.GetState() != kRegisterDone) {
+    Console::Error("preset %u not saved: %s", number, Outcome(kRegisterSaveResult, saved).c_str());
     return kExitFailure;
   }
-  printf("preset %u saved\n", number);
+  printf("%s\n", saved.GetMessage().c_str());
   return kExitOk;
 }
 
 int Recall(Config* client, unsigned int number) {
-  unsigned int state = RunRegister(client, kRegisterRecall, kRegisterRecallResult, number);
-  if (state != kRegisterDone) {
+  OwnerRequest recalled = Ask(client, "recall", number);
+  if (recalled.GetState() != kRegisterDone) {
     Console::Error("preset %u not recalled: %s", number,
-                   StateName(kRegisterRecallResult, state).c_str());
+                   Outcome(kRegisterRecallResult, recalled).c_str());
     return kExitFailure;
   }
-  printf("preset %u recalled\n", number);
+  printf("%s\n", recalled.GetMessage().c_str());
   return kExitOk;
 }
 
@@ -122,12 +112,10 @@ int List(Config* client) {
       Console::Error("configd gave no name for preset %u", number);
       return kExitFailure;
     }
-    // A load of the preset tells whether it holds anything.
-    unsigned int state =
-        RunRegister(client, kRegisterLoadParamID, kRegisterLoadResultParamID, number);
-    if (state == kRegisterDone) unlink(PresetsParamVector::PresetFileName(number).c_str());
+    OwnerRequest probe = Ask(client, "probe", number);
+    unsigned int state = probe.GetState();
     if (state != kRegisterDone && state != kRegisterEmpty) {
-      Console::Error("preset %u: %s", number, StateName(kRegisterLoadResultParamID, state).c_str());
+      Console::Error("preset %u: %s", number, Outcome(kRegisterLoadResultParamID, probe).c_str());
       return kExitFailure;
     }
     const char* status = number == 0 ? "factory" : state == kRegisterDone ? "saved" : "empty";
@@ -137,11 +125,19 @@ int List(Config* client) {
 }
 
 int Export(Config* client, unsigned int number, const std::string& path) {
+  OwnerRequest loaded = Ask(client, "load", number);
+  if (loaded.GetState() != kRegisterDone) {
+    Console::Error("preset %u not exported: %s", number,
+                   Outcome(kRegisterLoadResultParamID, loaded).c_str());
+    return kExitFailure;
+  }
+  // configd has handed the preset over; take it and clear the hand-over.
   PresetsParamVector preset;
-  if (!preset.Load(static_cast<eConfigID_t>(number), client)) {
-    Console::Error(
-        "preset %u not exported: %s", number,
-        StateName(kRegisterLoadResultParamID, client->Get(kRegisterLoadResultParamID)).c_str());
+  std::string handedOver = PresetsParamVector::PresetFileName(number);
+  bool taken = preset.Slurp(handedOver);
+  unlink(handedOver.c_str());
+  if (!taken) {
+    Console::Error("preset %u not exported: %s cannot be read", number, handedOver.c_str());
     return kExitFailure;
   }
   unsigned int size = 0;
@@ -161,10 +157,18 @@ int Import(Config* client, unsigned int number, const std::string& path) {
     Console::Error("cannot read %s", path.c_str());
     return kExitFailure;
   }
-  if (!preset.Store(static_cast<eConfigID_t>(number), client)) {
-    Console::Error(
-        "%s not imported as preset %u: %s", path.c_str(), number,
-        StateName(kRegisterStoreResultParamID, client->Get(kRegisterStoreResultParamID)).c_str());
+  // Hand the image over, then ask configd to take it in as this client's
+  // own request; the hand-over file goes whatever the answer.
+  std::string handOver = PresetsParamVector::PresetFileName(number);
+  if (!File::write_file(handOver, preset.GetData(size), size)) {
+    Console::Error("%s not imported: %s cannot be written", path.c_str(), handOver.c_str());
+    return kExitFailure;
+  }
+  OwnerRequest stored = Ask(client, "store", number);
+  unlink(handOver.c_str());
+  if (stored.GetState() != kRegisterDone) {
+    Console::Error("%s not imported as preset %u: %s", path.c_str(), number,
+                   Outcome(kRegisterStoreResultParamID, stored).c_str());
     return kExitFailure;
   }
   printf("%s imported as preset %u\n", path.c_str(), number);
@@ -206,22 +210,14 @@ int RunFactoryReset(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
-  unsigned int kind = arguments.hard ? 2 : 1;
-  if (!client->Set(kFactorySettings, kind)) {
-    Console::Error("could not send the factory reset to configd");
+  OwnerRequest reset = Ask(client, "reset", arguments.hard ? 2 : 1);
+  if (!reset.Failure().empty() || reset.GetState() != kRegisterDone) {
+    Console::Error("the factory reset failed: %s",
+                   reset.Failure().empty() ? reset.GetMessage().c_str() : reset.Failure().c_str());
     return kExitFailure;
   }
-  for (long waited = 0; waited < kAnswerTimeoutMs; waited += kPollMs) {
-    unsigned int state = kind;
-    if (!client->Get(kFactorySettings, state)) break;
-    if (state == 0) {
-      printf("%s done\n", arguments.hard ? "HARD FACTORY" : "FACTORY");
-      return kExitOk;
-    }
-    Sleep(kPollMs);
-  }
-  Console::Error("configd did not finish the factory reset");
-  return kExitFailure;
+  printf("%s done\n", arguments.hard ? "HARD FACTORY" : "FACTORY");
+  return kExitOk;
 }
 
 }  // namespace configctl

@@ -2,14 +2,22 @@
 
 #include <cstdio>
 
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/values/config_value.h"
 #include "configd/register_handler.h"
 #include "configd/value_image.h"
 
 bool FactoryReset::Resets(const ParamDescriptor* descriptor, bool hard) {
-  if (RegisterHandler::IsCommand(descriptor->GetParamID())) return false;
-  return hard || descriptor->GetFactoryResetType() != eFactoryReset_Exclude;
+  unsigned int id = descriptor->GetParamID();
+  if (RegisterHandler::IsCommand(id) || id == kOwnerRegisterRequestParamID ||
+      id == kOwnerRegisterOutcomesParamID || id == kOwnerHealthParamID)
+    return false;
+  if (hard) return true;
+  // The saved presets stay, and so do their names.
+  unsigned int presetNumber = 0;
+  if (descriptor->GetAttribute("presetNumber", presetNumber)) return false;
+  return descriptor->GetFactoryResetType() != eFactoryReset_Exclude;
 }
 
 unsigned int FactoryReset::Apply(Config* store, bool hard) {

@@ -3,10 +3,11 @@
 // "FACTORY" (eParamID_FactorySettings = 1) resets every parameter whose
 // factory-reset type is not eFactoryReset_Exclude; the excluded ones (the
 // network identity and addresses, the system name, the front-panel lock,
-// the factory preset's name) keep their values, and the saved presets stay.
-// "HARD FACTORY" (2) resets every parameter of the catalogue; the owner also
-// clears the saved presets. Neither touches the preset and factory-reset
-// commands themselves, which the owner is executing.
+// the factory preset's name) keep their values, and the saved presets stay
+// with their names. "HARD FACTORY" (2) resets every parameter of the
+// catalogue, preset names included; the owner also clears the saved
+// presets. Neither touches the preset and factory-reset commands themselves,
+// which the owner is executing, nor the owner's own parameters.
 //
 // Only values that differ from their default are set, so listeners receive
 // one event per value changed. Stateless; called on the owner's register

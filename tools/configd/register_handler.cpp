@@ -1,9 +1,13 @@
 #include "configd/register_handler.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <vector>
 
 #include "config/config.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/values/config_value.h"
 #include "config/values/file.h"
@@ -15,6 +19,27 @@
 #include "configd/value_image.h"
 
 using namespace zyn::config::values;
+
+namespace {
+
+// The commands of kOwnerOperations, in its order; probe has none.
+constexpr unsigned int kProbe = 0xFFFFFFFF;
+constexpr unsigned int kOperationCommands[] = {
+    RegisterHandler::kRegisterSave, RegisterHandler::kRegisterRecall,  kRegisterLoadParamID,
+    kRegisterStoreParamID,          RegisterHandler::kFactorySettings, kProbe};
+static_assert(std::size(kOperationCommands) == std::size(kOwnerOperations),
+              "one command per operation");
+
+// The most the answers parameter holds, within its descriptor's length.
+constexpr size_t kAnswersBytes = 2048;
+
+std::string Said(const char* format, unsigned int number) {
+  char text[96];
+  snprintf(text, sizeof text, format, number);
+  return text;
+}
+
+}  // namespace
 
 RegisterHandler::RegisterHandler(Config* store, PresetStore* presets, std::string folder)
     : StoreWorker(store), _presets(presets), _folder(std::move(folder)) {}
@@ -36,44 +61,129 @@ bool RegisterHandler::ParamChanged(eParam_t id, unsigned int value, timeval) {
   if (id == kFactorySettings && value == FactoryReset::kIdle) return true;
   {
     std::lock_guard<std::mutex> lock(_mutex);
-    _queue.emplace_back(id, value);
+    _queue.push_back(Pending{id, value, std::string()});
   }
   _wake.notify_one();
   return true;
 }
 
-bool RegisterHandler::ParamChanged(eParam_t, std::string, timeval) { return true; }
+bool RegisterHandler::ParamChanged(eParam_t id, std::string value, timeval) {
+  if (id != kOwnerRegisterRequestParamID || value.empty()) return true;
+  Pending pending{0, 0, std::string()};
+  if (!ParseRequest(value, pending.token, pending.command, pending.value)) {
+    pending.command = 0;
+    if (pending.token.empty()) {
+      fprintf(stderr, "RegisterHandler::ParamChanged - malformed owner request ignored\n");
+      return true;
+    }
+  }
+  {
+    std::lock_guard<std::mutex> lock(_mutex);
+    _queue.push_back(std::move(pending));
+  }
+  _wake.notify_one();
+  return true;
+}
+
+bool RegisterHandler::ParseRequest(const std::string& text, std::string& token,
+                                   unsigned int& command, unsigned int& number) {
+  token.clear();
+  if (text.size() < 9 || text[8] != ' ') return false;
+  std::string word = text.substr(0, 8);
+  if (word.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos || word == "00000000")
+    return false;
+  token = word;
+  size_t space = text.find(' ', 9);
+  if (space == std::string::npos) return false;
+  std::string operation = text.substr(9, space - 9);
+  std::string digits = text.substr(space + 1);
+  if (digits.empty() || digits.size() > 3 ||
+      digits.find_first_not_of("0123456789") != std::string::npos)
+    return false;
+  for (size_t i = 0; i < std::size(kOwnerOperations); ++i) {
+    if (operation != kOwnerOperations[i]) continue;
+    command = kOperationCommands[i];
+    number = static_cast<unsigned int>(strtoul(digits.c_str(), nullptr, 10));
+    return command != kFactorySettings || number == FactoryReset::kFactory ||
+           number == FactoryReset::kHardFactory;
+  }
+  return false;
+}
 
 void RegisterHandler::Run() {
   std::unique_lock<std::mutex> lock(_mutex);
   for (;;) {
     _wake.wait(lock, [this] { return _stopping || !_queue.empty(); });
     if (_queue.empty()) return;  // stopping with nothing left
-    auto [id, value] = _queue.front();
+    Pending pending = std::move(_queue.front());
     _queue.pop_front();
     lock.unlock();
-    if (id == kRegisterSave) Save(value);
-    if (id == kRegisterRecall) Recall(value);
-    if (id == kRegisterLoadParamID) Load(value);
-    if (id == kRegisterStoreParamID) Store(value);
-    if (id == kFactorySettings) Reset(value == FactoryReset::kHardFactory);
+    Outcome outcome = Execute(pending);
+    if (!pending.token.empty()) Answer(pending.token, outcome);
     lock.lock();
   }
+}
+
+RegisterHandler::Outcome RegisterHandler::Execute(const Pending& pending) {
+  unsigned int value = pending.value;
+  switch (pending.command) {
+    case kRegisterSave:
+      return Save(value);
+    case kRegisterRecall:
+      return Recall(value);
+    case kRegisterLoadParamID:
+      return Load(value);
+    case kRegisterStoreParamID:
+      return Store(value);
+    case kFactorySettings:
+      return Reset(value == FactoryReset::kHardFactory);
+    case kProbe:
+      return Probe(value);
+    default:
+      return {kRegisterFailed, "not a request configd knows"};
+  }
+}
+
+void RegisterHandler::Answer(const std::string& token, const Outcome& outcome) {
+  std::string line = token + " " + std::to_string(outcome.state) + " " + outcome.message;
+  for (char& c : line)
+    if (c == '\n') c = ' ';
+  _answers.push_back(line.substr(0, 255));
+  size_t bytes = 0;
+  for (const std::string& answer : _answers) bytes += answer.size() + 1;
+  while (_answers.size() > kOwnerOutcomeLines || bytes > kAnswersBytes) {
+    bytes -= _answers.front().size() + 1;
+    _answers.pop_front();
+  }
+  std::string text;
+  for (const std::string& answer : _answers) text += answer + "\n";
+  if (!_store->Set(kOwnerRegisterOutcomesParamID, text))
+    fprintf(stderr, "RegisterHandler::Answer - the store refused the answer to request %s\n",
+            token.c_str());
+}
+
+RegisterHandler::Outcome RegisterHandler::Probe(unsigned int number) {
+  std::string values;
+  if (number == PresetStore::kFactoryPreset) return {kRegisterDone, "the factory preset"};
+  if (_presets->Get(number, values)) return {kRegisterDone, Said("preset %u is saved", number)};
+  return {kRegisterEmpty, Said("preset %u is empty", number)};
 }
 
 std::string RegisterHandler::PresetPath(unsigned int number) const {
   return _folder + "/preset_" + std::to_string(number) + ".bin";
 }
 
-void RegisterHandler::Save(unsigned int number) {
+RegisterHandler::Outcome RegisterHandler::Save(unsigned int number) {
   _store->Set(kRegisterSaveResult, kRegisterInProgress);
-  if (number == PresetStore::kFactoryPreset) {
-    fprintf(stderr, "RegisterHandler::Save - the factory preset cannot be overwritten\n");
-    _store->Set(kRegisterSaveResult, kRegisterFailed);
-    return;
+  Outcome outcome{kRegisterDone, Said("preset %u saved", number)};
+  if (number == PresetStore::kFactoryPreset || number > PresetStore::kLastPreset) {
+    fprintf(stderr, "RegisterHandler::Save - preset %u cannot be overwritten\n", number);
+    outcome = {kRegisterFailed, Said("preset %u cannot be overwritten", number)};
+  } else if (!_presets->Save(number, ValueImage::Capture(_store, &InPresets))) {
+    outcome = {kRegisterFailed, Said("preset %u could not be written to the state folder", number)};
   }
-  bool saved = _presets->Save(number, ValueImage::Capture(_store, &InPresets));
-  _store->Set(kRegisterSaveResult, saved ? kRegisterDone : kRegisterFailed);
+  _store->Set(kRegisterSaveResult, outcome.state);
+  return outcome;
 }
 
 bool RegisterHandler::ApplyWhole(const std::string& values, std::string& problem) {
@@ -125,32 +235,32 @@ bool RegisterHandler::ApplyWhole(const std::string& values, std::string& problem
   return true;
 }
 
-void RegisterHandler::Recall(unsigned int number) {
+RegisterHandler::Outcome RegisterHandler::Recall(unsigned int number) {
   _store->Set(kRegisterRecallResult, kRegisterInProgress);
   std::string values;
+  std::string problem;
+  Outcome outcome{kRegisterDone, Said("preset %u recalled", number)};
   if (number == PresetStore::kFactoryPreset) {
     values = ValueImage::Defaults(&InPresets);
   } else if (!_presets->Get(number, values)) {
-    _store->Set(kRegisterRecallResult, kRegisterEmpty);
-    return;
+    outcome = {kRegisterEmpty, Said("preset %u is empty", number)};
   }
-  std::string problem;
-  if (!ApplyWhole(values, problem)) {
+  if (outcome.state == kRegisterDone && !ApplyWhole(values, problem)) {
     fprintf(stderr, "RegisterHandler::Recall - preset %u refused: %s\n", number, problem.c_str());
-    _store->Set(kRegisterRecallResult, kRegisterFailed);
-    return;
+    outcome = {kRegisterFailed, Said("preset %u refused: ", number) + problem};
   }
-  _store->Set(kRegisterRecallResult, kRegisterDone);
+  _store->Set(kRegisterRecallResult, outcome.state);
+  return outcome;
 }
 
-void RegisterHandler::Load(unsigned int number) {
+RegisterHandler::Outcome RegisterHandler::Load(unsigned int number) {
   _store->Set(kRegisterLoadResultParamID, kRegisterInProgress);
   std::string values;
   if (number == PresetStore::kFactoryPreset) {
     values = ValueImage::Defaults(&InPresets);
   } else if (!_presets->Get(number, values)) {
     _store->Set(kRegisterLoadResultParamID, kRegisterEmpty);
-    return;
+    return {kRegisterEmpty, Said("preset %u is empty", number)};
   }
   std::string image = PresetImage::Encode(PresetImage::UnitProduct(), values);
   bool written =
@@ -158,21 +268,23 @@ void RegisterHandler::Load(unsigned int number) {
       File::write_file(PresetPath(number), image.data(), static_cast<unsigned int>(image.size()));
   if (!written) fprintf(stderr, "RegisterHandler::Load - preset %u not handed over\n", number);
   _store->Set(kRegisterLoadResultParamID, written ? kRegisterDone : kRegisterFailed);
+  if (!written) return {kRegisterFailed, Said("preset %u not handed over", number)};
+  return {kRegisterDone, "handed over in " + PresetPath(number)};
 }
 
-void RegisterHandler::Store(unsigned int number) {
+RegisterHandler::Outcome RegisterHandler::Store(unsigned int number) {
   _store->Set(kRegisterStoreResultParamID, kRegisterInProgress);
   std::string path = PresetPath(number);
   if (number == PresetStore::kFactoryPreset || number > PresetStore::kLastPreset) {
     fprintf(stderr, "RegisterHandler::Store - preset %u cannot be stored\n", number);
     _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
-    return;
+    return {kRegisterFailed, Said("preset %u cannot be overwritten", number)};
   }
   std::string image;
   if (!FileSystem::Default()->ReadFile(path, PresetImage::kMaxImageBytes, image)) {
     fprintf(stderr, "RegisterHandler::Store - %s cannot be read\n", path.c_str());
     _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
-    return;
+    return {kRegisterFailed, path + " cannot be read"};
   }
   std::string values;
   std::string problem;
@@ -192,17 +304,26 @@ void RegisterHandler::Store(unsigned int number) {
   if (!fits) {
     fprintf(stderr, "RegisterHandler::Store - %s rejected: %s\n", path.c_str(), problem.c_str());
     _store->Set(kRegisterStoreResultParamID, kRegisterEmpty);
-    return;
+    return {kRegisterEmpty, path + " rejected: " + problem};
   }
   bool kept = _presets->Save(number, values);
   _store->Set(kRegisterStoreResultParamID, kept ? kRegisterDone : kRegisterFailed);
+  if (!kept)
+    return {kRegisterFailed, Said("preset %u could not be written to the state folder", number)};
+  return {kRegisterDone, Said("preset %u stored", number)};
 }
 
-void RegisterHandler::Reset(bool hard) {
+RegisterHandler::Outcome RegisterHandler::Reset(bool hard) {
   unsigned int changed = FactoryReset::Apply(_store, hard);
-  if (hard && !_presets->Clear())
+  bool cleared = !hard || _presets->Clear();
+  if (!cleared)
     fprintf(stderr, "RegisterHandler::Reset - some saved presets could not be removed\n");
-  fprintf(stderr, "RegisterHandler::Reset - %s: %u values returned to their defaults\n",
-          hard ? "HARD FACTORY" : "FACTORY", changed);
+  const char* kind = hard ? "HARD FACTORY" : "FACTORY";
+  fprintf(stderr, "RegisterHandler::Reset - %s: %u values returned to their defaults\n", kind,
+          changed);
   _store->Set(kFactorySettings, FactoryReset::kIdle);
+  std::string said =
+      std::string(kind) + ": " + std::to_string(changed) + " values returned to their defaults";
+  if (!cleared) return {kRegisterFailed, said + ", but some saved presets could not be removed"};
+  return {kRegisterDone, said};
 }

@@ -10,6 +10,14 @@
 // A recall or an import is all or nothing: every value is checked against
 // its descriptor before any is applied.
 //
+// A client that must know the outcome of its own command (configctl,
+// configweb) sends it instead as a tokened request in
+// eParamID_OwnerRegisterRequest; the handler runs it like the plain command
+// (the result parameter moves as usual) and then appends "TOKEN STATE
+// MESSAGE" to eParamID_OwnerRegisterOutcomes. Commands run one at a time in
+// the order their Sets reached the store, so each answer belongs to exactly
+// one request.
+//
 // DESIGN: ParamChanged runs on the writer's thread with the store's listener
 // lock held, so it only queues the command (under `_mutex`) for the register
 // thread, which alone writes to the store, the presets and the files. A
@@ -25,7 +33,6 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "configd/store_worker.h"
 
@@ -35,6 +42,13 @@ class PresetStore;
 
 class RegisterHandler : public StoreWorker {
  public:
+  // What a command came to: a register result state (done, failed, empty)
+  // and the text its requester is shown.
+  struct Outcome {
+    unsigned int state;
+    std::string message;
+  };
+
   static constexpr unsigned int kRegisterRecall = 0x05CDE9A4;
   static constexpr unsigned int kRegisterRecallResult = 0x4000E4C8;
   static constexpr unsigned int kRegisterSave = 0xAAB50096;
@@ -53,16 +67,35 @@ class RegisterHandler : public StoreWorker {
   bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
   bool ParamChanged(eParam_t id, std::string value, timeval when) override;
 
-  // The commands; each sets its result parameter. Called on the register
-  // thread (or directly by tests, with the thread not started).
-  void Save(unsigned int number);
-  void Recall(unsigned int number);
-  void Load(unsigned int number);
-  void Store(unsigned int number);
-  void Reset(bool hard);
+  // The commands; each sets its result parameter (Probe excepted) and
+  // returns its outcome. Called on the register thread (or directly by
+  // tests, with the thread not started).
+  Outcome Save(unsigned int number);
+  Outcome Recall(unsigned int number);
+  Outcome Load(unsigned int number);
+  Outcome Store(unsigned int number);
+  Outcome Reset(bool hard);
+  // Whether preset `number` holds anything; touches no file and no result.
+  Outcome Probe(unsigned int number);
+
+  // Parses a tokened request ("TOKEN OPERATION NUMBER"). False when it is
+  // not one; `token` is still set when the text began with a valid token.
+  static bool ParseRequest(const std::string& text, std::string& token, unsigned int& command,
+                           unsigned int& number);
 
  private:
+  // A command waiting for the register thread; `token` is empty for a plain
+  // command, `command` 0 for a request that did not parse.
+  struct Pending {
+    unsigned int command;
+    unsigned int value;
+    std::string token;
+  };
+
   void Run() override;
+  Outcome Execute(const Pending& pending);
+  // Appends the answer to a tokened request (register thread).
+  void Answer(const std::string& token, const Outcome& outcome);
   // Checks every value of `values` and applies the ones that differ; on any
   // refusal nothing stays changed. False with the reason in `problem`.
   bool ApplyWhole(const std::string& values, std::string& problem);
@@ -70,7 +103,8 @@ class RegisterHandler : public StoreWorker {
 
   PresetStore* _presets;
   std::string _folder;
-  std::deque<std::pair<unsigned int, unsigned int>> _queue;  // guarded by _mutex
+  std::deque<Pending> _queue;        // guarded by _mutex
+  std::deque<std::string> _answers;  // register thread only: the newest last
 };
 
 #endif  // TOOLS_CONFIGD_REGISTER_HANDLER_H

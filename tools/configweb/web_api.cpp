@@ -14,6 +14,7 @@
 #include "config/descriptors/param_groups.h"
 #include "config/descriptors/param_ids.h"
 #include "config/values/presets_param_vector.h"
+#include "configctl/owner_request.h"
 #include "configctl/formatting.h"
 #include "configctl/json.h"
 #include "configctl/parameters.h"
@@ -37,12 +38,11 @@ constexpr long kPresetPollMs = 10;
 // The register commands the page offers, with their result parameters.
 struct PresetCommand {
   const char* operation;
-  eParam_t command;
-  eParam_t result;
+  eParam_t result;  // whose state names the outcome
 };
 constexpr PresetCommand kPresetCommands[] = {
-    {"save", eParamID_RegisterSave, eParamID_RegisterSaveResult},
-    {"recall", eParamID_RegisterRecall, eParamID_RegisterRecallResult},
+    {"save", eParamID_RegisterSaveResult},
+    {"recall", eParamID_RegisterRecallResult},
 };
 
 WebReply Error(int status, const std::string& message) {
@@ -276,29 +276,29 @@ WebReply WebApi::Preset(const std::string& number, const std::string& operation)
   if (!configctl::ParseNumber(number, preset) || preset > kLastPreset)
     return Error(400, "invalid preset '" + number + "' (0 to " + std::to_string(kLastPreset) + ")");
   using zyn::config::values::kRegisterDone;
-  using zyn::config::values::kRegisterInProgress;
+  // Sent as this page's own request: the answer read back is configd's
+  // answer to it, whatever other clients ask meanwhile.
+  configctl::OwnerRequest request(operation, preset);
   bool sent = false;
-  if (!_session.WithConfig([&](Config* config) {
-        sent = config->Set(command->result, kRegisterInProgress) &&
-               config->Set(command->command, preset);
-      }))
+  if (!_session.WithConfig([&](Config* config) { sent = request.Send(config); }))
     return Unreachable(_session);
-  // configd moves the result on when it has finished; each look takes the
-  // connection only briefly, so the page's other requests go on meanwhile.
-  unsigned int state = kRegisterInProgress;
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPresetTimeoutMs);
-  while (sent && state == kRegisterInProgress && std::chrono::steady_clock::now() < deadline) {
-    if (!_session.WithConfig([&](Config* config) { config->Get(command->result, state); }))
-      return Unreachable(_session);
-    if (state == kRegisterInProgress) Pause(kPresetPollMs);
-  }
   if (!sent) return Error(409, "configd refused preset " + std::to_string(preset));
-  if (state == kRegisterInProgress)
-    return Error(504, "configd did not finish the preset " + operation + " in time");
+  // Each look takes the connection only briefly, so the page's other
+  // requests go on meanwhile.
+  bool answered = false;
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPresetTimeoutMs);
+  while (!answered && std::chrono::steady_clock::now() < deadline) {
+    if (!_session.WithConfig([&](Config* config) { answered = request.Poll(config); }))
+      return Unreachable(_session);
+    if (!answered) Pause(kPresetPollMs);
+  }
+  if (!answered) return Error(504, "configd did not finish the preset " + operation + " in time");
+  unsigned int state = request.GetState();
   auto* results = dynamic_cast<EnumDescriptor*>(GetDescriptor(command->result));
   std::string resultName = results != nullptr ? results->GetEnumValue(state) : "";
   WebReply reply = JsonReply(
-      Json{{"preset", preset}, {"operation", operation}, {"state", state}, {"result", resultName}});
+      Json{{"preset", preset}, {"operation", operation}, {"state", state}, {"result", resultName},
+           {"message", request.GetMessage()}});
   if (state != kRegisterDone) reply.status = 409;
   return reply;
 }

@@ -25,6 +25,7 @@ constexpr CatalogueRow kOwnerRows[] = {
 }  // namespace zyn
 
 void AddOwnerDescriptors() {
+  CreateDescriptors();
   if (IsValidParamID(kOwnerHealthParamID)) return;
   zyn::config::catalogue::AddCatalogueRows(zyn::config::catalogue::kOwnerRows);
   IndexDescriptorNames();

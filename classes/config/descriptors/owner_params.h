@@ -9,7 +9,8 @@
 //       token of its own: "TOKEN OPERATION NUMBER", TOKEN eight hexadecimal
 //       digits the client chose (not 00000000), OPERATION one of
 //       kOwnerOperations, NUMBER the preset (or 1 for "FACTORY", 2 for
-//       "HARD FACTORY" with the operation "reset").
+//       "HARD FACTORY" with the operation "reset"). "probe" asks whether a
+//       preset is saved (done) or empty, without touching any file.
 //   eParamID_OwnerRegisterOutcomes ("readonly") the owner's answers to such
 //       requests, oldest first, one per line: "TOKEN STATE MESSAGE", STATE
 //       the register result state (2 done, 3 failed, 4 empty or rejected)
@@ -23,9 +24,8 @@
 // belongs to the request that carries its token. The catalogue's register
 // parameters keep working as before for clients that use them directly.
 //
-// AddOwnerDescriptors runs once, after CreateDescriptors and before other
-// threads read the registry, in the owner and in every client that uses
-// these parameters.
+// AddOwnerDescriptors runs before other threads read the registry, in the
+// owner and in every client that uses these parameters.
 #ifndef CLASSES_CONFIG_DESCRIPTORS_OWNER_PARAMS_H
 #define CLASSES_CONFIG_DESCRIPTORS_OWNER_PARAMS_H
 
@@ -37,11 +37,12 @@ constexpr unsigned int kOwnerRegisterOutcomesParamID = 0x7AFFE59C;
 constexpr unsigned int kOwnerHealthParamID = 0xE49CE83E;
 
 // The operations of a request, in the order of the register commands.
-constexpr const char* kOwnerOperations[] = {"save", "recall", "load", "store", "reset"};
+constexpr const char* kOwnerOperations[] = {"save", "recall", "load", "store", "reset", "probe"};
 constexpr size_t kOwnerOutcomeLines = 32;
 constexpr const char* kOwnerHealthOk = "ok";
 
-// Registers the three descriptors (and indexes their names). Idempotent.
+// Builds the catalogue if it is not built yet, then registers the three
+// descriptors and indexes their names. Idempotent.
 void AddOwnerDescriptors();
 
 #endif  // CLASSES_CONFIG_DESCRIPTORS_OWNER_PARAMS_H
