@@ -43,6 +43,40 @@ size_t Utf8Length(const std::string& text, size_t i) {
   return length;
 }
 
+// "'TEXT' is not a value of NAME (0 First, 1 Second...)".
+std::string NotAValue(EnumDescriptor* enumeration, const std::string& text) {
+  std::vector<EnumValueDescriptor> values = enumeration->GetOrderedEnumValueDescriptors();
+  std::string error = "'" + text + "' is not a value of " + enumeration->GetParamIDName() + " (";
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) error += ", ";
+    error += std::to_string(values[i].GetValue()) + " " + values[i].GetName();
+  }
+  return error + ")";
+}
+
+// The value an enumeration's name or short name means: exact first, then
+// ignoring case when that matches one value only.
+bool EnumValueNamed(EnumDescriptor* enumeration, const std::string& text, unsigned int& number) {
+  std::vector<EnumValueDescriptor> values = enumeration->GetOrderedEnumValueDescriptors();
+  for (const EnumValueDescriptor& candidate : values) {
+    if (candidate.GetName() == text || candidate.GetShortName() == text) {
+      number = candidate.GetValue();
+      return true;
+    }
+  }
+  const EnumValueDescriptor* found = nullptr;
+  for (const EnumValueDescriptor& candidate : values) {
+    if (SameIgnoringCase(candidate.GetName(), text) ||
+        SameIgnoringCase(candidate.GetShortName(), text)) {
+      if (found != nullptr && found->GetValue() != candidate.GetValue()) return false;
+      found = &candidate;
+    }
+  }
+  if (found == nullptr) return false;
+  number = found->GetValue();
+  return true;
+}
+
 }  // namespace
 
 bool ParseNumber(const std::string& text, unsigned int& value) {
@@ -80,44 +114,6 @@ bool IsStringParam(const ParamDescriptor* descriptor) {
   return dynamic_cast<const StringDescriptor*>(descriptor) != nullptr ||
          descriptor->GetParamType() == eCParam_StringValue;
 }
-
-namespace {
-
-// "'TEXT' is not a value of NAME (0 First, 1 Second...)".
-std::string NotAValue(EnumDescriptor* enumeration, const std::string& text) {
-  std::vector<EnumValueDescriptor> values = enumeration->GetOrderedEnumValueDescriptors();
-  std::string error = "'" + text + "' is not a value of " + enumeration->GetParamIDName() + " (";
-  for (size_t i = 0; i < values.size(); ++i) {
-    if (i > 0) error += ", ";
-    error += std::to_string(values[i].GetValue()) + " " + values[i].GetName();
-  }
-  return error + ")";
-}
-
-// The value an enumeration's name or short name means: exact first, then
-// ignoring case when that matches one value only.
-bool EnumValueNamed(EnumDescriptor* enumeration, const std::string& text, unsigned int& number) {
-  std::vector<EnumValueDescriptor> values = enumeration->GetOrderedEnumValueDescriptors();
-  for (const EnumValueDescriptor& candidate : values) {
-    if (candidate.GetName() == text || candidate.GetShortName() == text) {
-      number = candidate.GetValue();
-      return true;
-    }
-  }
-  const EnumValueDescriptor* found = nullptr;
-  for (const EnumValueDescriptor& candidate : values) {
-    if (SameIgnoringCase(candidate.GetName(), text) ||
-        SameIgnoringCase(candidate.GetShortName(), text)) {
-      if (found != nullptr && found->GetValue() != candidate.GetValue()) return false;
-      found = &candidate;
-    }
-  }
-  if (found == nullptr) return false;
-  number = found->GetValue();
-  return true;
-}
-
-}  // namespace
 
 bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
                 std::string& error) {
