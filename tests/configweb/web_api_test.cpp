@@ -10,6 +10,7 @@
 
 using namespace web_test;
 using boost::property_tree::ptree;
+using tools_test::Has;
 
 namespace {
 
@@ -77,9 +78,9 @@ TEST_F(WebTest, GetAndSetGoThroughTheStoreAndSayWhatItKept) {
   EXPECT_EQ("eParamID_DisplayIntensity = 100\n", Ctl({"get", "DisplayIntensity"}).out);
 
   HttpReply refused = Put("/api/params/FrontPanelLock", "{\"value\":7}");
-  EXPECT_EQ(409, refused.status) << refused.body;
-  EXPECT_EQ("refused", refused.json.get<std::string>("result", ""));
-  EXPECT_EQ("1", Value(refused)) << "the kept value";
+  EXPECT_EQ(400, refused.status) << refused.body;
+  EXPECT_TRUE(Has(refused.json.get<std::string>("error", ""), "'7' is not a value of"));
+  EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"get", "FrontPanelLock"}).out);
 
   HttpReply text = Put("/api/params/SystemName", "{\"value\":\"rack \\\"7\\\" \\u00e9\"}");
   EXPECT_EQ(200, text.status) << text.body;
@@ -161,6 +162,66 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
   EXPECT_EQ(200, Get("/api/groups/2").status);
+}
+
+TEST_F(WebTest, ReadOnlyAndBadValuesAreRefusedBeforeAnythingIsStored) {
+  struct Case {
+    const char* param;
+    const char* body;
+    int status;
+    const char* error;
+  };
+  const Case cases[] = {
+      {"SystemName", "{\"value\":\"ab\\u0000cd\"}", 400, "holds U+0000 (byte 2)"},
+      {"SystemName", "{\"value\":\"\"}", 400, "takes 1 to 20 bytes, not 0"},
+      {"ReferenceAlarm", "{\"value\":1}", 403, "eParamID_ReferenceAlarm is read-only"},
+      {"SoftwareVersion", "{\"value\":\"hacked\"}", 403, "is read-only"},
+      // A generic parameter is as writable as the one it stands for (DHCP here).
+      {"IPAddress", "{\"value\":\"10.0.0.9\"}", 403,
+       "eParamID_IPAddress_DHCP is read-only (eParamID_IPAddress stands for it now)"},
+  };
+  const std::string before = Ctl({"get", "SystemName", "ReferenceAlarm", "IPAddress_DHCP"}).out;
+  for (const Case& c : cases) {
+    HttpReply reply = Put(std::string("/api/params/") + c.param, c.body);
+    EXPECT_EQ(c.status, reply.status) << c.param << " " << c.body;
+    EXPECT_TRUE(Has(reply.json.get<std::string>("error", ""), c.error)) << reply.body;
+  }
+  EXPECT_EQ(before, Ctl({"get", "SystemName", "ReferenceAlarm", "IPAddress_DHCP"}).out);
+
+  // The listings say so, and the page shows such values as text.
+  auto readonly = [this](int group, const std::string& param) {
+    HttpReply listed = Get("/api/groups/" + std::to_string(group));
+    for (const auto& p : listed.json.get_child("params"))
+      if (p.second.get<std::string>("param") == param) return p.second.get<std::string>("readonly");
+    return std::string("not listed");
+  };
+  EXPECT_EQ("true", readonly(kStatusMenuGroup, "eParamID_ReferenceAlarm"));
+  EXPECT_EQ("true", readonly(kConfigMenuGroup, "eParamID_IPAddress"));
+  EXPECT_EQ("false", readonly(kConfigMenuGroup, "eParamID_SuppressReferenceAlarm"));
+  ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
+  EXPECT_EQ("false", readonly(kConfigMenuGroup, "eParamID_IPAddress"));
+}
+
+TEST_F(WebTest, HealthSaysWhetherConfigdKeepsItsSettings) {
+  HttpReply ok = Get("/api/health");
+  EXPECT_EQ(200, ok.status) << ok.body;
+  EXPECT_EQ("{\"ok\":true,\"message\":\"ok\"}", ok.body);
+  const std::string failed = "state folder /var/lib/configd: No space left on device";
+  ASSERT_EQ(0, Ctl({"set", "--force", "OwnerHealth", failed}).exitCode);
+  HttpReply bad = Get("/api/health");
+  EXPECT_EQ(200, bad.status);
+  EXPECT_EQ("false", bad.json.get<std::string>("ok", ""));
+  EXPECT_EQ(failed, bad.json.get<std::string>("message", ""));
+  EXPECT_TRUE(Has(Get("/").body, "/api/health")) << "the page shows it";
+
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  EXPECT_EQ(0, daemon.Stop(SIGTERM).exitCode);
+  ASSERT_TRUE(stream.WaitFor("\"connected\":false", kEventMs));
+  HttpReply lost = Get("/api/health");
+  EXPECT_EQ(503, lost.status);
+  EXPECT_EQ("configd lost", lost.json.get<std::string>("message", ""));
 }
 
 TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsClosedNotGrown) {

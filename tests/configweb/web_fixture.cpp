@@ -7,6 +7,7 @@
 #include <chrono>
 #include <sstream>
 
+#include "config/descriptors/owner_params.h"
 #include "config/mapper/tundra_param_mapper.h"
 
 namespace web_test {
@@ -90,6 +91,7 @@ bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* d
 void WebTest::SetUp() {
   ConfigctlDaemonTest::SetUp();
   if (HasFatalFailure()) return;
+  AddOwnerDescriptors();
   tundra::mapper::TundraParamMapper::Initialize();
   session = std::make_unique<configweb::DaemonSession>(daemon.Uri(), hub, kCheckMs);
   api = std::make_unique<configweb::WebApi>(*session);

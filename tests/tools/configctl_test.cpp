@@ -74,17 +74,7 @@ TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept
       json.out);
 }
 
-TEST_F(ConfigctlDaemonTest, RefusedValueExitsOneAndClampedValueSaysSo) {
-  Outcome refused = Ctl({"set", "FrontPanelLock", "7"});
-  EXPECT_EQ(1, refused.exitCode);
-  EXPECT_EQ("", refused.out);
-  EXPECT_EQ("configctl: configd refused 7 for eParamID_FrontPanelLock, which stays 0 (Unlocked)\n",
-            refused.err);
-  Outcome refusedJson = Ctl({"--json", "set", "FrontPanelLock", "7"});
-  EXPECT_EQ(1, refusedJson.exitCode);
-  EXPECT_NE(std::string::npos, refusedJson.out.find("\"value\":0,\"value_name\":\"Unlocked\","
-                                                    "\"requested\":7,\"result\":\"refused\"}"));
-
+TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {
   Outcome high = Ctl({"set", kClampedParam, "250"});
   EXPECT_EQ(0, high.exitCode);
   EXPECT_EQ("eParamID_DisplayIntensity = 100 (clamped from 250)\n", high.out);
@@ -111,6 +101,15 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
            {{"set", kClampedParam, "ten"}, "'ten' is not a number (decimal or 0x hex)"},
            {{"set", kClampedParam, "4294967296"}, "'4294967296' is not a number"},
            {{"set", kClampedParam, " 5"}, "' 5' is not a number"},
+           // Checked whole before anything is sent, so the store keeps its value.
+           {{"set", "FrontPanelLock", "7"},
+            "'7' is not a value of eParamID_FrontPanelLock (0 Unlocked, 1 Locked)"},
+           {{"set", "SystemName", "ab\xFF"},
+            "the text for eParamID_SystemName is not valid UTF-8 (byte 2)"},
+           {{"set", "SystemName", "\xC0\xAF"},
+            "the text for eParamID_SystemName is not valid UTF-8 (byte 0)"},
+           {{"set", "SystemName", std::string(21, 'x')},
+            "eParamID_SystemName takes 1 to 20 bytes, not 21"},
        }) {
     Outcome outcome = Ctl(c.args);
     EXPECT_EQ(1, outcome.exitCode) << c.err;
@@ -118,14 +117,16 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
     EXPECT_EQ(0u, outcome.err.find("configctl: " + c.err)) << outcome.err;
     EXPECT_EQ(1u, Lines(outcome.err).size()) << outcome.err;
   }
+  EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\neParamID_SystemName = zyn-kr-9\n",
+            Ctl({"get", "FrontPanelLock", "SystemName"}).out);
 }
 
 TEST(ConfigctlTest, UsageErrorsExitTwo) {
   for (const char* line :
        {"", "frobnicate", "get", "set FrontPanelLock", "set a b c", "describe", "describe a b",
         "list extra", "watch --count 0", "watch --count", "list --group x", "get a --count 2",
-        "watch --group 1", "--json=yes list", "--bogus list",
-        "--uri http://127.0.0.1:43110 list"}) {
+        "watch --group 1", "--json=yes list", "--bogus list", "--uri http://127.0.0.1:43110 list",
+        "get SystemName --force", "health extra"}) {
     std::vector<std::string> argv = Words(line);
     argv.insert(argv.begin(), CONFIGCTL_PATH);
     Outcome outcome = RunToEnd(argv);
@@ -141,8 +142,11 @@ TEST(ConfigctlTest, UsageErrorsExitTwo) {
 TEST(ConfigctlTest, UnreachableDaemonIsOneLineAndExitOne) {
   CreateDescriptors();
   std::string uri = "socket://127.0.0.1:" + std::to_string(FreePort());
-  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
-           {"get", "FrontPanelLock"}, {"set", "SystemName", "x"}, {"watch", "--json"}}) {
+  for (const std::vector<std::string>& args :
+       std::vector<std::vector<std::string>>{{"get", "FrontPanelLock"},
+                                             {"set", "SystemName", "x"},
+                                             {"watch", "--json"},
+                                             {"health"}}) {
     Outcome outcome = RunToEnd(CtlArgs(uri, args));
     EXPECT_EQ(1, outcome.exitCode) << args[0];
     EXPECT_EQ("", outcome.out);
@@ -206,8 +210,12 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
   EXPECT_NE(std::string::npos, json.out.find(",\"kind\":\"string\",\"type\":12,"));
   EXPECT_NE(std::string::npos, json.out.find(",\"default\":\"zyn-kr-9\","));
 
-  std::vector<std::string> all = Lines(RunToEnd({CONFIGCTL_PATH, "list"}).out);
+  // The catalogue without configd's own parameters, which configctl knows too.
+  Outcome list = RunToEnd({CONFIGCTL_PATH, "list"});
+  std::vector<std::string> all = Lines(list.out);
   EXPECT_EQ(GetParamIDs().size(), all.size());
+  EXPECT_FALSE(Has(list.out, "eParamID_Owner"));
+  EXPECT_EQ(0, RunToEnd({CONFIGCTL_PATH, "describe", "OwnerHealth"}).exitCode);
   std::vector<std::string> allJson = Lines(RunToEnd({CONFIGCTL_PATH, "list", "--json"}).out);
   EXPECT_EQ(GetParamIDs().size() + 2, allJson.size());  // the brackets on lines of their own
 
@@ -222,4 +230,33 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
     EXPECT_EQ(std::stoul(row.substr(row.find("0x"), 10), nullptr, 16), *id++) << row;
   }
   EXPECT_EQ(1, RunToEnd({CONFIGCTL_PATH, "list", "--group", "99999"}).exitCode);
+}
+
+TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForced) {
+  std::string before = Ctl({"get", "SoftwareVersion", "ReferenceAlarm", "LED_Alarm"}).out;
+  for (const char* name : {"SoftwareVersion", "ReferenceAlarm", "LED_Alarm", "OwnerHealth"}) {
+    Outcome refused = Ctl({"set", name, "1"});
+    EXPECT_EQ(1, refused.exitCode) << name;
+    EXPECT_EQ("", refused.out) << name;
+    EXPECT_EQ("configctl: eParamID_" + std::string(name) + " is read-only\n", refused.err);
+  }
+  EXPECT_EQ(before, Ctl({"get", "SoftwareVersion", "ReferenceAlarm", "LED_Alarm"}).out);
+  // The user's alarm settings stay settable; --force simulates the hardware.
+  EXPECT_EQ(0, Ctl({"set", "SuppressReferenceAlarm", "1"}).exitCode);
+  Outcome forced = Ctl({"set", "--force", "ReferenceAlarm", "Alarm"});
+  EXPECT_EQ(0, forced.exitCode) << forced.err;
+  EXPECT_EQ("eParamID_ReferenceAlarm = 1 (Alarm)\n", Ctl({"get", "ReferenceAlarm"}).out);
+}
+
+TEST_F(ConfigctlDaemonTest, HealthIsOkOrConfigdsErrorLine) {
+  Outcome ok = Ctl({"health"});
+  EXPECT_EQ(0, ok.exitCode) << ok.err;
+  EXPECT_EQ("ok\n", ok.out);
+  EXPECT_EQ("{\"health\":\"ok\"}\n", Ctl({"--json", "health"}).out);
+  // configd publishes a failed write as one line; a forced set stands in for it.
+  const std::string failed = "state folder /var/lib/configd: No space left on device";
+  ASSERT_EQ(0, Ctl({"set", "--force", "OwnerHealth", failed}).exitCode);
+  Outcome bad = Ctl({"health"});
+  EXPECT_EQ(1, bad.exitCode);
+  EXPECT_EQ(failed + "\n", bad.out);
 }

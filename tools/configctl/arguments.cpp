@@ -19,7 +19,7 @@ constexpr size_t kAny = static_cast<size_t>(-1);
 
 constexpr CommandName kCommands[] = {
     {"get", Command::kGet, 1, kAny, "get PARAM..."},
-    {"set", Command::kSet, 2, 2, "set PARAM VALUE"},
+    {"set", Command::kSet, 2, 2, "set [--force] PARAM VALUE"},
     {"watch", Command::kWatch, 0, kAny, "watch [PARAM...] [--count N]"},
     {"describe", Command::kDescribe, 1, 1, "describe PARAM"},
     {"list", Command::kList, 0, 0, "list [--group N]"},
@@ -27,6 +27,7 @@ constexpr CommandName kCommands[] = {
     {"export-mapping", Command::kExportMapping, 1, 1, "export-mapping FILE"},
     {"preset", Command::kPreset, 1, 3, "preset save|recall|list|export|import ..."},
     {"factory-reset", Command::kFactoryReset, 0, 0, "factory-reset [--hard]"},
+    {"health", Command::kHealth, 0, 0, "health"},
     {"help", Command::kHelp, 0, 0, "help"},
 };
 
@@ -47,7 +48,10 @@ const char* UsageText() {
          "\n"
          "Commands:\n"
          "  get PARAM...                  print each parameter's value\n"
-         "  set PARAM VALUE               change a value and print what the store kept\n"
+         "  set [--force] PARAM VALUE     change a value and print what the store kept;\n"
+         "                                values the unit reports (read-only) are\n"
+         "                                refused unless --force (for integrators who\n"
+         "                                simulate the hardware)\n"
          "  watch [PARAM...] [--count N]  print one line per change (all parameters\n"
          "                                without PARAM) until interrupted or N changes\n"
          "  describe PARAM                print the parameter's descriptor\n"
@@ -65,6 +69,8 @@ const char* UsageText() {
          "  factory-reset [--hard]        return the settings to their factory values\n"
          "                                (--hard: also network identity, panel lock,\n"
          "                                system name, and clear every saved preset)\n"
+         "  health                        print \"ok\" when configd has every accepted kept\n"
+         "                                setting on disk, otherwise its error line\n"
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
@@ -82,7 +88,8 @@ const char* UsageText() {
          "  --help      this text\n"
          "\n"
          "Exit status: 0 success, 1 failure (daemon unreachable, unknown parameter or\n"
-         "value, value refused), 2 malformed command line.\n";
+         "value, value refused or read-only, configd not healthy), 2 malformed command\n"
+         "line.\n";
 }
 
 bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::string& error) {
@@ -156,6 +163,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       out.hasName = true;
     } else if (name == "--hard") {
       out.hard = true;
+    } else if (name == "--force") {
+      out.force = true;
     } else {
       error = "unknown option '" + arg + "'";
       return false;
@@ -196,6 +205,10 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (out.hasName && (out.command != Command::kPreset || out.operands[0] != "save")) {
     error = "--name belongs to preset save";
+    return false;
+  }
+  if (out.force && out.command != Command::kSet) {
+    error = "--force belongs to set";
     return false;
   }
   if (out.hard && out.command != Command::kFactoryReset) {

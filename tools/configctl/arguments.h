@@ -14,7 +14,7 @@ namespace configctl {
 
 // The exit statuses of configctl.
 constexpr int kExitOk = 0;
-constexpr int kExitFailure = 1;  // unreachable daemon, unknown name, refused value
+constexpr int kExitFailure = 1;  // unreachable daemon, unknown name, refused value, unhealthy
 constexpr int kExitUsage = 2;    // the command line itself is wrong
 
 constexpr const char* kDefaultUri = "socket://127.0.0.1:43110";
@@ -30,6 +30,7 @@ enum class Command {
   kExportMapping,
   kPreset,
   kFactoryReset,
+  kHealth,
   kVersion
 };
 
@@ -45,7 +46,8 @@ struct Arguments {
   int group = 0;
   bool hasName = false;  // preset save --name
   std::string name;
-  bool hard = false;  // factory-reset --hard
+  bool hard = false;   // factory-reset --hard
+  bool force = false;  // set --force: also a value read-only to users
 };
 
 // Fills `out` from argv. Options may stand anywhere; "--" ends them. False

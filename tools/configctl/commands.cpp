@@ -6,14 +6,17 @@
 
 #include "config/access/socket_client.h"
 #include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_groups.h"
 #include "config/manager/config_cache.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/formatting.h"
+#include "configctl/json.h"
 #include "configctl/mapping_commands.h"
 #include "configctl/presets.h"
+#include "configctl/user_access.h"
 #include "configctl/watch.h"
 
 namespace configctl {
@@ -62,6 +65,8 @@ int RunCommand(const Arguments& arguments) {
       return RunPreset(arguments);
     case Command::kFactoryReset:
       return RunFactoryReset(arguments);
+    case Command::kHealth:
+      return RunHealth(arguments);
     case Command::kHelp:
     case Command::kVersion:
       break;
@@ -106,6 +111,20 @@ int RunSet(const Arguments& arguments) {
   Config* client = link.Open();
   if (client == nullptr) return kExitFailure;
   if (arguments.mapped) client = link.Map(client, nullptr);
+  // A generic parameter follows the rule of the one it stands for now.
+  const ParamDescriptor* target = EffectiveDescriptor(descriptor, client);
+  if (!arguments.force && IsUserReadOnly(target)) {
+    if (target == descriptor || target == nullptr)
+      Console::Error("%s is read-only", name.c_str());
+    else
+      Console::Error("%s is read-only (%s stands for it now)", target->GetParamIDName().c_str(),
+                     name.c_str());
+    return kExitFailure;
+  }
+  if (target != nullptr && target != descriptor && !CheckValue(target, requested, error)) {
+    Console::Error("%s", error.c_str());
+    return kExitFailure;
+  }
   ParamValue before;
   if (!ReadValue(client, descriptor, before)) {
     Console::Error("configd gave no value for %s", name.c_str());
@@ -138,6 +157,19 @@ int RunSet(const Arguments& arguments) {
   return outcome == SetOutcome::kRefused ? kExitFailure : kExitOk;
 }
 
+int RunHealth(const Arguments& arguments) {
+  DaemonLink link(arguments.uri);
+  Config* client = link.Open();
+  if (client == nullptr) return kExitFailure;
+  std::string health;
+  if (!client->Get(kOwnerHealthParamID, health) || health.empty()) {
+    Console::Error("configd at %s does not publish its health", arguments.uri.c_str());
+    return kExitFailure;
+  }
+  PrintLine(arguments.json ? JsonText(Json{{"health", health}}) : health);
+  return health == kOwnerHealthOk ? kExitOk : kExitFailure;
+}
+
 int RunDescribe(const Arguments& arguments) {
   std::vector<ParamDescriptor*> descriptors;
   if (!ResolveParameters(arguments.operands, descriptors)) return kExitFailure;
@@ -158,7 +190,14 @@ int RunList(const Arguments& arguments) {
       return kExitFailure;
     }
   } else {
-    for (unsigned int id : GetParamIDs()) descriptors.push_back(GetDescriptor(id));
+    // The owner's own parameters are a protocol between configd and its
+    // clients, not settings.
+    for (unsigned int id : GetParamIDs()) {
+      if (id == kOwnerRegisterRequestParamID || id == kOwnerRegisterOutcomesParamID ||
+          id == kOwnerHealthParamID)
+        continue;
+      descriptors.push_back(GetDescriptor(id));
+    }
     std::sort(descriptors.begin(), descriptors.end(),
               [](const ParamDescriptor* a, const ParamDescriptor* b) {
                 return a->GetParamIDName() < b->GetParamIDName();

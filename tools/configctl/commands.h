@@ -23,6 +23,9 @@ int RunGet(const Arguments& arguments);
 int RunSet(const Arguments& arguments);
 int RunDescribe(const Arguments& arguments);
 int RunList(const Arguments& arguments);
+// Prints configd's health line; 0 when it is "ok", 1 when it is not, when
+// configd cannot be reached or publishes none.
+int RunHealth(const Arguments& arguments);
 
 // The descriptors of `words`, in order. False after reporting every word
 // that names no parameter.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "configctl/arguments.h"
 #include "configctl/commands.h"
@@ -28,6 +29,7 @@ int main(int argc, char** argv) {
   // The catalogue gives the names and descriptors; like the logger's watch
   // list, it is built before any thread starts.
   CreateDescriptors();
+  AddOwnerDescriptors();
   zyn::logging::Logger::GetLogger();
   int status = configctl::RunCommand(arguments);
   fflush(stdout);

@@ -36,9 +36,17 @@ bool IsStringParam(const ParamDescriptor* descriptor);
 
 // The value `text` means for `descriptor`: its text for a string parameter,
 // a number, or for an enumeration also a value name or short name (exact
-// first, then ignoring case). False with a one-line reason in `error`.
+// first, then ignoring case), checked by CheckValue. False with a one-line
+// reason in `error`: nothing that fails here may be sent to the store.
 bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
                 std::string& error);
+
+// True when `value` is one `descriptor` holds as it is: a string of valid
+// UTF-8 without U+0000 within the length limits (in bytes),
+// an enumeration's listed value. Numbers of other kinds pass (the store
+// clamps them into range and says so). False with a one-line reason.
+[[nodiscard]] bool CheckValue(const ParamDescriptor* descriptor, const ParamValue& value,
+                              std::string& error);
 
 // Reads the parameter's current value from `config`, as a string or a number
 // by its descriptor. False when the store gave no value.

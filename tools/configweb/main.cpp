@@ -13,6 +13,7 @@
 #include <string>
 
 #include "config/access/xconfigmgr_records.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "configctl/parameters.h"
 #include "configweb/daemon_session.h"
@@ -98,6 +99,7 @@ int main(int argc, char** argv) {
   // The catalogue and the mapper's tables are built before any thread
   // starts; every thread only reads them.
   CreateDescriptors();
+  AddOwnerDescriptors();
   configctl::BuildMapperTables();
   configweb::EventHub hub;
   configweb::DaemonSession session(uri, hub);

@@ -34,13 +34,15 @@ td.note.refused { color: #c62828; }
 td.note.clamped { color: #a15c00; }
 input[type=number] { width: 8em; }
 #banner { display: none; padding: .6em 1em; background: #c62828; color: #fff; }
-#banner.shown { display: block; }
+#banner.shown, #health.shown { display: block; }
+#health { display: none; padding: .6em 1em; background: #a15c00; color: #fff; }
 #presets { margin: 1.2em 0 0; padding: .8em; background: #fff; border: 1px solid #e0e4e8; }
 </style>
 </head>
 <body>
 <header><h1>Unit settings</h1><span id="link">connecting</span></header>
 <div id="banner">The connection to configd is lost; reconnecting. Values shown may be out of date.</div>
+<div id="health" role="alert"></div>
 <main>
 <nav id="groups"></nav>
 <section>
@@ -72,6 +74,22 @@ function showLink(connected) {
   link.textContent = connected ? "configd connected" : "configd lost";
   link.className = connected ? "" : "down";
   document.getElementById("banner").className = connected ? "" : "shown";
+}
+
+// configd's health: a banner while it is not "ok" (a setting not on disk)
+// or configd cannot be asked. Checked on a short poll, on every change of
+// the health parameter and whenever the link comes back.
+const kHealthPollMs = 5000;
+function showHealth() {
+  api("GET", "/api/health").then(r => {
+    const banner = document.getElementById("health");
+    banner.textContent = r.data.ok ? "" : "configd health: " + (r.data.message || r.data.error);
+    banner.className = r.data.ok ? "" : "shown";
+  }, () => {
+    const banner = document.getElementById("health");
+    banner.textContent = "configweb does not answer";
+    banner.className = "shown";
+  });
 }
 
 function limits(p) {
@@ -211,10 +229,12 @@ const events = new EventSource("/api/events");
 events.addEventListener("daemon", e => {
   const state = JSON.parse(e.data);
   showLink(state.connected);
+  showHealth();
   if (state.connected && current) showGroup(current);
 });
 events.onmessage = e => {
   const change = JSON.parse(e.data);
+  if (change.param === "eParamID_OwnerHealth") showHealth();
   const entry = rows.get(change.id);
   if (!entry) return;
   setShown(entry, change);
@@ -224,6 +244,8 @@ events.onmessage = e => {
 };
 events.onerror = () => showLink(false);
 loadGroups();
+showHealth();
+setInterval(showHealth, kHealthPollMs);
 </script>
 </body>
 </html>

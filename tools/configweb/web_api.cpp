@@ -10,6 +10,7 @@
 #include "config/access/mapping_config.h"
 #include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_groups.h"
 #include "config/descriptors/param_ids.h"
@@ -18,6 +19,7 @@
 #include "configctl/formatting.h"
 #include "configctl/json.h"
 #include "configctl/parameters.h"
+#include "configctl/user_access.h"
 #include "configweb/daemon_session.h"
 #include "configweb/page.h"
 
@@ -156,6 +158,7 @@ WebReply WebApi::Handle(const std::string& method, const std::string& target,
   const std::string& what = path[1];
   size_t n = path.size();
   if (what == "status" && n == 2 && get) return Status();
+  if (what == "health" && n == 2 && get) return Health();
   if (what == "groups" && n == 2 && get) return Groups();
   if (what == "groups" && n == 3 && get) return Group(path[2]);
   if (what == "params" && n == 3) {
@@ -174,6 +177,27 @@ WebReply WebApi::Status() {
   return JsonReply(Json{{"connected", _session.IsConnected()}, {"uri", _session.GetUri()}});
 }
 
+WebReply WebApi::Health() {
+  std::string health;
+  bool published = false;
+  if (!_session.WithConfig(
+          [&](Config* config) { published = config->Get(kOwnerHealthParamID, health); })) {
+    WebReply reply = Unreachable(_session);
+    reply.body = JsonText(Json{{"ok", false},
+                               {"message", "configd lost"},
+                               {"error", "configd is not reachable at " + _session.GetUri()}});
+    return reply;
+  }
+  if (!published || health.empty()) {
+    WebReply reply = Error(502, "configd does not publish its health");
+    reply.body = JsonText(Json{{"ok", false},
+                               {"message", "configd does not publish its health"},
+                               {"error", "configd does not publish its health"}});
+    return reply;
+  }
+  return JsonReply(Json{{"ok", health == kOwnerHealthOk}, {"message", health}});
+}
+
 WebReply WebApi::Groups() {
   Json groups = Json::array();
   for (int group = kFirstGroup; group <= kLastGroup; ++group) {
@@ -187,10 +211,11 @@ WebReply WebApi::Groups() {
 }
 
 Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
-  Json object{{"param", descriptor->GetParamIDName()},
-              {"id", descriptor->GetParamID()},
-              {"name", descriptor->GetName()},
-              {"readonly", descriptor->HasClassName("readonly")}};
+  Json object{
+      {"param", descriptor->GetParamIDName()},
+      {"id", descriptor->GetParamID()},
+      {"name", descriptor->GetName()},
+      {"readonly", configctl::IsUserReadOnly(configctl::EffectiveDescriptor(descriptor, config))}};
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor))
     object["step"] = integer->GetAdjustBy();
   // A generic parameter says which specific one it stands for now.
@@ -245,12 +270,15 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
   ParamValue requested;
   if (!BodyValue(body, text, error) || !configctl::ParseValue(descriptor, text, requested, error))
     return Error(400, error);
-  if (descriptor->HasClassName("readonly"))
-    return Error(403, descriptor->GetParamIDName() + " is read-only");
   ParamValue before;
   ParamValue after;
   bool done = false;
+  const ParamDescriptor* target = nullptr;
   bool connected = _session.WithConfig([&](Config* config) {
+    // A generic parameter follows the rule of the one it stands for now.
+    target = configctl::EffectiveDescriptor(descriptor, config);
+    if (configctl::IsUserReadOnly(target)) return;
+    if (target != descriptor && !configctl::CheckValue(target, requested, error)) return;
     if (!configctl::ReadValue(config, descriptor, before)) return;
     unsigned int id = descriptor->GetParamID();
     bool sent =
@@ -258,6 +286,14 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
     // A Get after a Set on the same connection sees the Set's outcome.
     done = sent && configctl::ReadValue(config, descriptor, after);
   });
+  if (connected && configctl::IsUserReadOnly(target)) {
+    std::string shown = target != nullptr ? target->GetParamIDName() : "its parameter";
+    return Error(
+        403, shown + " is read-only" +
+                 (target != descriptor ? " (" + descriptor->GetParamIDName() + " stands for it now)"
+                                       : ""));
+  }
+  if (!error.empty()) return Error(400, error);
   if (!connected) return Unreachable(_session);
   if (!done)
     return Error(502, "could not set " + descriptor->GetParamIDName() + " through configd");

@@ -1,10 +1,12 @@
 // WebApi answers configweb's JSON requests: the menu groups, one group's
 // parameters with their descriptors and values, get and set of one
-// parameter, and preset save and recall. Every answer is a complete reply
-// (status, type, body); failures are JSON objects with an "error" text:
-// 404 for an unknown parameter, group or path, 400 for a malformed value or
-// body, 403 for a read-only parameter, 409 for a value the store refused
-// (with the value it kept), 503 while configd is not connected.
+// parameter, configd's health, and preset save and recall. Every answer is
+// a complete reply (status, type, body); failures are JSON objects with an
+// "error" text: 404 for an unknown parameter, group or path, 400 for a
+// malformed value or body (checked whole before anything is set), 403 for a
+// parameter read-only to users (a generic one by the parameter it stands
+// for now), 409 for a value the store refused (with the value it kept), 503
+// while configd is not connected.
 //
 // Holds no state of its own beyond the session it reads through; Handle may
 // be called from any HTTP connection thread at once.
@@ -47,6 +49,9 @@ class WebApi {
   WebReply SetParam(const std::string& name, const std::string& body);
   WebReply Preset(const std::string& number, const std::string& operation);
   WebReply Status();
+  // {"ok":BOOL,"message":TEXT}: configd's health line; 503 with "configd
+  // lost" while it is not connected, 502 when it publishes no health.
+  WebReply Health();
   // The descriptor, current value and editing hints of one parameter.
   configctl::Json ParamJson(ParamDescriptor* descriptor, Config* config);
 

@@ -1,0 +1,31 @@
+// What a user may change through configctl and configweb. Values the unit itself reports (its
+// "readonly" class: network values given by DHCP, serial number, MAC
+// address, software version, detected formats, the owner's answers) and the
+// alarms, LEDs and status values that the hardware publishes are read-only
+// to users; the owner and processes publishing through the library write
+// them as before.
+//
+// Functions over the read-only registry; call them after the catalogue is
+// built.
+#ifndef TOOLS_CONFIGCTL_USER_ACCESS_H
+#define TOOLS_CONFIGCTL_USER_ACCESS_H
+
+class Config;
+class ParamDescriptor;
+
+namespace configctl {
+
+// True when users may not set `descriptor`: its "readonly" class or the
+// table of hardware-published values. Null counts as read-only.
+[[nodiscard]] bool IsUserReadOnly(const ParamDescriptor* descriptor);
+
+// The descriptor whose rule applies to a user's set of `descriptor` through
+// `config`: for a generic parameter seen through a MappingConfig, the
+// specific parameter it maps onto now; otherwise `descriptor` itself.
+// Null when the mapped ID is not in the catalogue.
+[[nodiscard]] const ParamDescriptor* EffectiveDescriptor(const ParamDescriptor* descriptor,
+                                                         Config* config);
+
+}  // namespace configctl
+
+#endif  // TOOLS_CONFIGCTL_USER_ACCESS_H
