@@ -1,12 +1,13 @@
 #include "configd/register_handler.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "config/config.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/values/config_value.h"
-#include "config/values/file.h"
 #include "config/values/presets_param_vector.h"
 #include "configd/factory_reset.h"
 #include "configd/file_system.h"
@@ -153,10 +154,17 @@ void RegisterHandler::Load(unsigned int number) {
     return;
   }
   std::string image = PresetImage::Encode(PresetImage::UnitProduct(), values);
-  bool written =
-      FileSystem::Default()->MakeFolders(_folder) &&
-      File::write_file(PresetPath(number), image.data(), static_cast<unsigned int>(image.size()));
-  if (!written) fprintf(stderr, "RegisterHandler::Load - preset %u not handed over\n", number);
+  std::string why;
+  const char* step = nullptr;
+  bool written = FileSystem::MakePrivateFolder(_folder, kFolderMode, why);
+  if (!written) {
+    fprintf(stderr, "RegisterHandler::Load - the preset folder %s is not usable: %s\n",
+            _folder.c_str(), why.c_str());
+  } else if (!(written = FileSystem::Default()->WriteAtomic(PresetPath(number), image.data(),
+                                                            image.size(), kFileMode, step))) {
+    fprintf(stderr, "RegisterHandler::Load - preset %u not handed over: %s of %s failed: %s\n",
+            number, step, PresetPath(number).c_str(), strerror(errno));
+  }
   _store->Set(kRegisterLoadResultParamID, written ? kRegisterDone : kRegisterFailed);
 }
 
@@ -169,8 +177,16 @@ void RegisterHandler::Store(unsigned int number) {
     return;
   }
   std::string image;
+  std::string unusable;
+  if (!FileSystem::CheckFolder(_folder, unusable)) {
+    fprintf(stderr, "RegisterHandler::Store - the preset folder %s is not usable: %s\n",
+            _folder.c_str(), unusable.c_str());
+    _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
+    return;
+  }
   if (!FileSystem::Default()->ReadFile(path, PresetImage::kMaxImageBytes, image)) {
-    fprintf(stderr, "RegisterHandler::Store - %s cannot be read\n", path.c_str());
+    fprintf(stderr, "RegisterHandler::Store - %s cannot be read: %s\n", path.c_str(),
+            strerror(errno));
     _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
     return;
   }
