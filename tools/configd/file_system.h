@@ -53,11 +53,11 @@ class FileSystem {
   // set (ELOOP for a symlink, EINVAL when not a regular file).
   int OpenRegular(const std::string& path, int flags, mode_t mode);
   // Replaces `path` (missing, or a regular file; anything else is refused)
-  // with `size` bytes of `data`, created with exactly `mode`: writes and fsyncs a temporary file in the same folder, renames
-  // it over `path` and fsyncs the folder. False with errno set and the
-  // failing step ("open", "write", "fsync", "close", "rename", "folder
-  // fsync") in `step`; `path` then still holds what it held (after a
-  // failed folder fsync it holds either).
+  // with `size` bytes of `data`, created with exactly `mode`: writes and
+  // fsyncs a temporary file in the same folder, renames it over `path` and
+  // fsyncs the folder. False with errno set and the failing step ("open",
+  // "write", "fsync", "close", "rename", "folder fsync") in `step`; `path`
+  // then still holds what it held (after a failed folder fsync, either).
   bool WriteAtomic(const std::string& path, const char* data, size_t size, mode_t mode,
                    const char*& step);
 
