@@ -7,10 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <functional>
+#include <utility>
+
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/manager/config_manager.h"
+#include "configd/file_system.h"
 #include "test_stderr.h"
 #include "test_temp_folder.h"
 
@@ -18,6 +23,28 @@ namespace owner_test {
 
 constexpr unsigned int kFrontPanelLock = 0x4D575A8E;
 constexpr unsigned int kSystemName = 0x663F2B65;
+
+// Forwards to the system until told to fail: writes stop after `writeBudget`
+// bytes (a torn write), or every fsync fails; `duringWrite`, when set, runs
+// once inside the next write (a change arriving while a write is under way).
+class FaultyFiles : public FileSystem {
+ public:
+  ssize_t Write(int fd, const char* data, size_t size) override {
+    if (duringWrite) std::exchange(duringWrite, nullptr)();
+    if (writeBudget < 0) return FileSystem::Write(fd, data, size);
+    size_t n = std::min(size, static_cast<size_t>(writeBudget));
+    writeBudget -= static_cast<long>(n);
+    errno = ENOSPC;
+    return n == 0 ? -1 : FileSystem::Write(fd, data, n);
+  }
+  int Fsync(int fd) override {
+    errno = EIO;
+    return failFsync ? -1 : FileSystem::Fsync(fd);
+  }
+  long writeBudget = -1;
+  bool failFsync = false;
+  std::function<void()> duringWrite;
+};
 
 class OwnerTest : public testing::Test {
  protected:

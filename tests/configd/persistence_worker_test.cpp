@@ -1,11 +1,14 @@
-// Restoring saved settings through the store's checks, and the flush thread's
-// coalesced, change-only writes.
+// Restoring saved settings through the store's checks, the flush thread's
+// coalesced, change-only writes, its schedule on a test clock, and failed
+// writes kept, reported once and recovered.
 #include "configd/persistence_worker.h"
 
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <thread>
 
+#include "config/descriptors/owner_params.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "configd/file_system.h"
@@ -114,4 +117,88 @@ TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {
   store.Set(range, low);
   Stderr([&] { restarted.Restore(); });
   EXPECT_EQ(low + 5, store.Get(range));
+}
+
+TEST_F(PersistenceWorkerTest, FailingWritesAreReportedOnceKeptAndRecovered) {
+  FaultyFiles files;
+  SectorFile faulty(&files, folder.path, "settings", SectorCodec::kSettingsVersion);
+  PersistenceWorker worker(&store, &faulty, 20);
+  unsigned int low = Range()->GetMinValue();
+  files.failFsync = true;
+  std::string err = Stderr([&] {
+    for (unsigned int i = 1; i <= 5; ++i) {
+      store.Set(range, low + i);
+      EXPECT_FALSE(worker.Flush());
+    }
+    worker.Start();
+    worker.Stop();
+  });
+  const std::string failing = "persistence failing: " + folder.path + ": Input/output error";
+  std::string health;
+  store.Get(kOwnerHealthParamID, health);
+  EXPECT_EQ(failing, health);
+  EXPECT_EQ(1u, Count(err, "PersistenceWorker - " + failing + "\n")) << err;
+  EXPECT_EQ(1u, Count(err, "SectorFile::Write - ")) << err;
+  EXPECT_FALSE(worker.AllWritten()) << "the last write at Stop failed";
+  EXPECT_NE(0, worker.DueMs()) << "the changes stay pending";
+
+  files.failFsync = false;
+  err = Stderr([&] { EXPECT_TRUE(worker.Flush()); });
+  EXPECT_EQ("PersistenceWorker - persistence recovered: " + folder.path + " written\n", err);
+  store.Get(kOwnerHealthParamID, health);
+  EXPECT_EQ(kOwnerHealthOk, health);
+  EXPECT_EQ(1u, faulty.GetOdometer()) << "written once, with the current values";
+  store.Set(range, low);
+  Stderr([&] { PersistenceWorker(&store, &file, 20).Restore(); });
+  EXPECT_EQ(low + 5, store.Get(range));
+}
+
+namespace {
+
+std::atomic<int64_t> fakeNow{1000};
+
+}  // namespace
+
+TEST_F(PersistenceWorkerTest, TheIntervalStartsAtTheFirstChangeAndRetriesDoNotWaitLong) {
+  FaultyFiles files;
+  SectorFile faulty(&files, folder.path, "settings", SectorCodec::kSettingsVersion);
+  PersistenceWorker worker(&store, &faulty, 100);
+  worker.SetClock([] { return fakeNow.load(); });
+  store.AddConfigEventListener(&worker);  // the flush thread is the test
+  unsigned int low = Range()->GetMinValue();
+  store.Set(range, low + 1);
+  fakeNow = 1050;
+  store.Set(range, low + 2);
+  EXPECT_EQ(1100, worker.DueMs()) << "due one interval after the first change";
+
+  // A change during the write is due one interval after it came, not after
+  // the write ended.
+  files.duringWrite = [&] {
+    fakeNow = 1150;
+    store.Set(range, low + 3);
+    fakeNow = 1190;
+  };
+  fakeNow = 1100;
+  EXPECT_TRUE(worker.Flush());
+  EXPECT_EQ(1250, worker.DueMs());
+
+  // A first failure is retried one interval later (a value accepted after
+  // it waits no longer than its own interval); one that persists, a second.
+  files.failFsync = true;
+  fakeNow = 1250;
+  Stderr([&] { EXPECT_FALSE(worker.Flush()); });
+  EXPECT_EQ(1350, worker.DueMs());
+  fakeNow = 1300;
+  store.Set(range, low + 4);
+  EXPECT_EQ(1350, worker.DueMs());
+  fakeNow = 1350;
+  Stderr([&] { EXPECT_FALSE(worker.Flush()); });
+  EXPECT_EQ(2350, worker.DueMs());
+  files.failFsync = false;
+  fakeNow = 2350;
+  Stderr([&] { EXPECT_TRUE(worker.Flush()); });
+  EXPECT_EQ(0, worker.DueMs());
+  EXPECT_EQ(low + 4, store.Get(range));
+  EXPECT_EQ(2u, faulty.GetOdometer());
+  store.RemoveConfigEventListener(&worker);
 }

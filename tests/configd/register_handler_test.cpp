@@ -2,8 +2,12 @@
 // check, with the register commands called directly.
 #include "configd/register_handler.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <map>
 
 #include "config/descriptors/owner_params.h"
@@ -215,4 +219,73 @@ TEST_F(RegisterHandlerTest, OwnerRefusesTextsOutsideTheirLimits) {
     bool text = dynamic_cast<StringDescriptor*>(GetDescriptor(id)) && store.Get(id, value);
     EXPECT_TRUE(!text || store.Set(id, value)) << GetDescriptor(id)->GetParamIDName() << value;
   }
+}
+
+TEST_F(RegisterHandlerTest, HandOverFolderIsNotATrap) {
+  Stderr([&] { handler.Save(2); });
+  Vector none;
+  std::string image = PresetImage::Encode(PresetImage::UnitProduct(), ValueImage::Encode(none));
+  TempFolder elsewhere;
+  std::string target = elsewhere.path + "/target";
+  std::ofstream(target) << image;
+  auto preset = [&](unsigned int n) {
+    return folder.path + "/preset_" + std::to_string(n) + ".bin";
+  };
+  // A symlink or a FIFO planted as the preset file: not followed, nothing
+  // blocks, the operation fails.
+  ASSERT_EQ(0, symlink(target.c_str(), preset(2).c_str()));
+  ASSERT_EQ(0, symlink(target.c_str(), preset(3).c_str()));
+  ASSERT_EQ(0, mkfifo(preset(4).c_str(), 0600));
+  Stderr([&] { handler.Load(2); });
+  EXPECT_EQ(kRegisterFailed, store.Get(kRegisterLoadResultParamID));
+  for (unsigned int n : {3, 4}) {
+    std::string err = Stderr([&] { handler.Store(n); });
+    EXPECT_EQ(kRegisterFailed, store.Get(kRegisterStoreResultParamID)) << n;
+    EXPECT_NE(std::string::npos, err.find(preset(n) + " cannot be read")) << err;
+  }
+  std::string kept;
+  ASSERT_TRUE(FileSystem::Default()->ReadFile(target, 1 << 20, kept));
+  EXPECT_EQ(image, kept) << "the link's target is untouched";
+
+  // A folder writable by others, owned by another user, or a symlink is
+  // refused by both directions.
+  std::string link = elsewhere.path + "/link";
+  ASSERT_EQ(0, symlink(folder.path.c_str(), link.c_str()));
+  RegisterHandler linked(&store, &presets, link);
+  struct Case {
+    RegisterHandler* handler;
+    std::function<void()> spoil;
+    std::string why;
+  };
+  std::vector<Case> cases = {
+      {&linked, [] {}, "it is a symlink"},
+      {&handler, [&] { chmod(folder.path.c_str(), 0777); }, "it is writable by others"}};
+  if (geteuid() == 0)
+    cases.push_back({&handler,
+                     [&] {
+                       chmod(folder.path.c_str(), 0700);
+                       ASSERT_EQ(0, chown(folder.path.c_str(), 4321, -1));
+                     },
+                     "it is owned by uid 4321"});
+  for (const Case& c : cases) {
+    c.spoil();
+    std::string err = Stderr([&] { c.handler->Load(2), c.handler->Store(5); });
+    EXPECT_EQ(kRegisterFailed, store.Get(kRegisterLoadResultParamID)) << c.why;
+    EXPECT_EQ(kRegisterFailed, store.Get(kRegisterStoreResultParamID)) << c.why;
+    EXPECT_EQ(2u, Count(err, "the preset folder ")) << err;
+    EXPECT_EQ(2u, Count(err, c.why)) << err;
+  }
+  ASSERT_EQ(0, chown(folder.path.c_str(), geteuid(), -1));
+
+  // A missing folder is made private to configd's group.
+  RegisterHandler fresh(&store, &presets, folder.path + "/zyn");
+  Stderr([&] { fresh.Load(2); });
+  EXPECT_EQ(kRegisterDone, store.Get(kRegisterLoadResultParamID));
+  struct stat info;
+  ASSERT_EQ(0, stat((folder.path + "/zyn").c_str(), &info));
+  EXPECT_EQ(0770u, info.st_mode & 07777);
+  ASSERT_EQ(0, stat((folder.path + "/zyn/preset_2.bin").c_str(), &info));
+  EXPECT_EQ(0660u, info.st_mode & 07777);
+  unlink((folder.path + "/zyn/preset_2.bin").c_str());
+  rmdir((folder.path + "/zyn").c_str());
 }

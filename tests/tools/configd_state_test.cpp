@@ -1,7 +1,9 @@
-// configd's kept state as a process: a new state folder, a restart after a
-// clean stop, SIGKILL at random moments under a full-speed writer, and
+// configd's kept state as a process: a new state folder, an unusable one, a
+// restart after a clean stop, SIGKILL at random moments under a full-speed writer, and
 // configctl's preset and factory-reset commands.
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <fstream>
@@ -37,6 +39,28 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
             RunToEnd(CtlArgs(daemon.Uri(), {"get", "FrontPanelLock"})).out);
   daemon.Stop(SIGTERM);
   RunToEnd({"rm", "-r", parent.path + "/new"});
+}
+
+TEST(ConfigdStateTest, AnUnusableStateFolderIsSaidAsSuch) {
+  TempFolder parent;
+  const std::string file = parent.path + "/file", link = parent.path + "/link",
+                    open = parent.path + "/open";
+  std::ofstream(file) << "x";
+  ASSERT_EQ(0, symlink(parent.path.c_str(), link.c_str()));
+  ASSERT_EQ(0, mkdir(open.c_str(), 0700));
+  ASSERT_EQ(0, chmod(open.c_str(), 0777));
+  for (auto [folder, why] :
+       std::vector<std::pair<std::string, std::string>>{{file, "it is not a folder"},
+                                                        {link, "it is a symlink"},
+                                                        {open, "it is writable by others"},
+                                                        {file + "/below", "Not a directory"}}) {
+    Outcome refused = RunToEnd(ConfigdArgs("0", folder));
+    EXPECT_EQ(1, refused.exitCode) << folder;
+    EXPECT_TRUE(Has(refused.err, "configd: the state folder " + folder + " is not usable: " + why))
+        << refused.err;
+    EXPECT_FALSE(Has(refused.err, "in use by another")) << refused.err;
+  }
+  rmdir(open.c_str());
 }
 
 TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {

@@ -5,7 +5,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "config/access/network_server.h"
 #include "config/access/network_tcp_connection.h"
@@ -115,17 +117,33 @@ bool ConfigDaemon::StartServers() {
 
 bool ConfigDaemon::OpenState(const DaemonOptions& options) {
   FileSystem* files = FileSystem::Default();
-  if (!files->MakeFolders(options.stateDir)) {
-    fprintf(stderr, "configd: cannot create the state folder %s\n", options.stateDir.c_str());
+  const char* folder = options.stateDir.c_str();
+  // configd is root: a state folder that others could write to, or that
+  // points elsewhere, would let them choose which files it overwrites.
+  std::string why;
+  if (!files->MakeFolders(options.stateDir) && errno != ENOTDIR && errno != EEXIST) {
+    fprintf(stderr, "configd: the state folder %s is not usable: %s\n", folder, strerror(errno));
+    return false;
+  }
+  if (!FileSystem::CheckFolder(options.stateDir, why)) {
+    fprintf(stderr, "configd: the state folder %s is not usable: %s\n", folder, why.c_str());
     return false;
   }
   // One owner per state folder: two writers would break the alternation of
   // the sector files. The lock goes with the process, also on SIGKILL.
   std::string lockPath = options.stateDir + "/lock";
-  _state_lock = files->Open(lockPath, O_RDWR | O_CREAT, 0644);
-  if (_state_lock < 0 || flock(_state_lock, LOCK_EX | LOCK_NB) != 0) {
-    fprintf(stderr, "configd: the state folder %s is in use by another configd\n",
-            options.stateDir.c_str());
+  _state_lock = files->OpenRegular(lockPath, O_RDWR | O_CREAT, 0644);
+  if (_state_lock < 0) {
+    fprintf(stderr, "configd: the state folder %s is not usable: %s: %s\n", folder,
+            lockPath.c_str(), strerror(errno));
+    return false;
+  }
+  if (flock(_state_lock, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EWOULDBLOCK)
+      fprintf(stderr, "configd: the state folder %s is in use by another configd\n", folder);
+    else
+      fprintf(stderr, "configd: the state folder %s is not usable: cannot lock %s: %s\n", folder,
+              lockPath.c_str(), strerror(errno));
     return false;
   }
   _store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
@@ -163,7 +181,14 @@ bool ConfigDaemon::Stop() {
   }
   // Commands already queued are finished and their changes written.
   if (_registers) _registers->Stop();
-  if (_persistence) _persistence->Stop();
+  if (_persistence) {
+    _persistence->Stop();
+    if (!_persistence->AllWritten()) {
+      fprintf(stderr, "configd: settings were not written to %s; the last changes are lost\n",
+              _settings_file->GetFolder().c_str());
+      clean = false;
+    }
+  }
   _registers.reset();
   _persistence.reset();
   _presets.reset();

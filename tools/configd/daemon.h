@@ -92,11 +92,13 @@ class ConfigDaemon {
   size_t GetParamCount() const;
   // Ends the server and every client connection, finishes the owner's work,
   // writes pending changes, then gives the store back. False when
-  // connections were still alive after kConnectionsTimeoutMs.
+  // connections were still alive after kConnectionsTimeoutMs, or when the
+  // last changes could not be written (said on standard error).
   bool Stop();
 
  private:
-  // Locks the state folder, opens the store, restores the kept state and
+  // Checks and locks the state folder (a folder of configd's own, not a
+  // symlink, not writable by others), opens the store, restores the kept state and
   // starts the owner's threads. False after a message on standard error.
   bool OpenState(const DaemonOptions& options);
   // Binds the network servers (not started yet). False after a message.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 int FileSystem::Open(const std::string& path, int flags, mode_t mode) {
   return open(path.c_str(), flags | O_CLOEXEC, mode);
@@ -18,9 +19,110 @@ int FileSystem::Close(int fd) { return close(fd); }
 
 int FileSystem::Unlink(const std::string& path) { return unlink(path.c_str()); }
 
+int FileSystem::Rename(const std::string& from, const std::string& to) {
+  return rename(from.c_str(), to.c_str());
+}
+
+bool FileSystem::CheckFolder(const std::string& path, std::string& why) {
+  struct stat info;
+  if (lstat(path.c_str(), &info) != 0) {
+    why = strerror(errno);
+    return false;
+  }
+  if (S_ISLNK(info.st_mode)) {
+    why = "it is a symlink";
+  } else if (!S_ISDIR(info.st_mode)) {
+    why = "it is not a folder";
+  } else if (info.st_uid != geteuid()) {
+    why = "it is owned by uid " + std::to_string(info.st_uid) + ", not by configd's uid " +
+          std::to_string(geteuid());
+  } else if ((info.st_mode & S_IWOTH) != 0) {
+    why = "it is writable by others";
+  } else if (access(path.c_str(), R_OK | W_OK | X_OK) != 0) {
+    why = strerror(errno);
+  } else {
+    return true;
+  }
+  return false;
+}
+
+bool FileSystem::MakePrivateFolder(const std::string& path, mode_t mode, std::string& why) {
+  // The mode is set again after mkdir, which the process's umask narrows.
+  if (mkdir(path.c_str(), mode) == 0) {
+    if (chmod(path.c_str(), mode) != 0) {
+      why = strerror(errno);
+      return false;
+    }
+  } else if (errno != EEXIST) {
+    why = strerror(errno);
+    return false;
+  }
+  return CheckFolder(path, why);
+}
+
+int FileSystem::OpenRegular(const std::string& path, int flags, mode_t mode) {
+  int fd = Open(path, flags | O_NOFOLLOW | O_NONBLOCK, mode);
+  if (fd < 0) return -1;
+  struct stat info;
+  int error = fstat(fd, &info) != 0 ? errno : S_ISREG(info.st_mode) ? 0 : EINVAL;
+  if (error == 0) return fd;
+  Close(fd);
+  errno = error;
+  return -1;
+}
+
+bool FileSystem::WriteAtomic(const std::string& path, const char* data, size_t size, mode_t mode,
+                             const char*& step) {
+  std::string temporary = path + ".tmp";
+  step = "open";
+  // Something planted in the file's place (a symlink, a FIFO) is refused,
+  // not replaced: it says that someone else writes in this folder.
+  int existing = OpenRegular(path, O_RDONLY, 0);
+  if (existing < 0 && errno != ENOENT) return false;
+  if (existing >= 0) Close(existing);
+  // O_EXCL never follows a link; a leftover temporary (ours, from a crash,
+  // or planted) is removed once.
+  const int flags = O_WRONLY | O_CREAT | O_EXCL;
+  int fd = OpenRegular(temporary, flags, mode);
+  if (fd < 0 && errno == EEXIST && Unlink(temporary) == 0) fd = OpenRegular(temporary, flags, mode);
+  if (fd < 0) return false;
+  bool written = false;
+  if (fchmod(fd, mode) != 0) {
+    step = "open";
+  } else if (!WriteAll(fd, data, size)) {
+    step = "write";
+  } else if (Fsync(fd) != 0) {
+    step = "fsync";
+  } else {
+    written = true;
+  }
+  int error = errno;
+  if (Close(fd) != 0 && written) {
+    written = false;
+    step = "close";
+    error = errno;
+  }
+  if (written && Rename(temporary, path) != 0) {
+    written = false;
+    step = "rename";
+    error = errno;
+  }
+  if (!written) {
+    Unlink(temporary);
+    errno = error;
+    return false;
+  }
+  size_t slash = path.rfind('/');
+  if (!SyncFolder(slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash))) {
+    step = "folder fsync";
+    return false;
+  }
+  return true;
+}
+
 bool FileSystem::ReadFile(const std::string& path, size_t limit, std::string& bytes) {
   bytes.clear();
-  int fd = Open(path, O_RDONLY, 0);
+  int fd = OpenRegular(path, O_RDONLY, 0);
   if (fd < 0) return false;
   struct stat info;
   if (fstat(fd, &info) != 0) {

@@ -4,6 +4,16 @@
 // and overrides a step to make writes or flushes fail or stop halfway, so
 // that the writers above it can be driven through every fault.
 //
+// It is also the one place where the owner's folders are held safe. configd
+// runs as root, and its folders may sit in shared places (the preset
+// hand-over folder in /tmp), so a folder is used only when CheckFolder
+// passes it (a real folder, not a symlink, owned by configd's effective
+// user, not writable by others); every file in it is opened with
+// O_NOFOLLOW and O_NONBLOCK and used only when fstat says it is a regular
+// file (a planted symlink is never followed, a planted FIFO never blocks);
+// and a file is replaced by writing a temporary file beside it and renaming
+// it over the old one, so a reader never sees half a file.
+//
 // Stateless apart from what a subclass adds; the forwarding calls are safe
 // from any thread.
 #ifndef TOOLS_CONFIGD_FILE_SYSTEM_H
@@ -27,10 +37,34 @@ class FileSystem {
   virtual int Fsync(int fd);
   virtual int Close(int fd);
   virtual int Unlink(const std::string& path);
+  virtual int Rename(const std::string& from, const std::string& to);
 
-  // Reads the whole file into `bytes`, refusing one larger than `limit`.
-  // False when it is missing, unreadable or too large (errno tells which;
-  // EFBIG for too large).
+  // Whether `path` is a folder configd may keep files in: false with the
+  // reason in `why` ("it is a symlink", "it is writable by others", or the
+  // system's error) when it is missing, a symlink, not a folder, owned by
+  // another user, writable by others, or not readable and writable.
+  static bool CheckFolder(const std::string& path, std::string& why);
+  // Creates `path` (its parent must exist) with exactly `mode` when it is
+  // missing, then CheckFolder. False with the reason in `why`.
+  static bool MakePrivateFolder(const std::string& path, mode_t mode, std::string& why);
+
+  // Opens a file without following a symlink and without blocking, and
+  // keeps it only when it is a regular file: a descriptor, or -1 with errno
+  // set (ELOOP for a symlink, EINVAL when not a regular file).
+  int OpenRegular(const std::string& path, int flags, mode_t mode);
+  // Replaces `path` (missing, or a regular file; anything else is refused)
+  // with `size` bytes of `data`, created with exactly `mode`: writes and
+  // fsyncs a temporary file in the same folder, renames it over `path` and
+  // fsyncs the folder. False with errno set and the failing step ("open",
+  // "write", "fsync", "close", "rename", "folder fsync") in `step`; `path`
+  // then still holds what it held (after a failed folder fsync, either).
+  bool WriteAtomic(const std::string& path, const char* data, size_t size, mode_t mode,
+                   const char*& step);
+
+  // Reads the whole regular file into `bytes` (through OpenRegular),
+  // refusing one larger than `limit`. False when it is missing, unreadable,
+  // not a regular file or too large (errno tells which; EFBIG for too
+  // large).
   virtual bool ReadFile(const std::string& path, size_t limit, std::string& bytes);
   // Creates `path` and any missing parents (mode 0755). True when it exists
   // as a folder afterwards.

@@ -1,9 +1,12 @@
 #include "configd/persistence_worker.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 
 #include "config/config.h"
+#include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/values/config_value.h"
 #include "configd/sector_file.h"
@@ -11,19 +14,23 @@
 
 namespace {
 
-// How long a failed write waits before the next attempt, at least.
+// How long a write that keeps failing waits before the next attempt, at
+// least.
 constexpr long kRetryMs = 1000;
+
+int64_t SteadyMs() {
+  auto since = std::chrono::steady_clock::now().time_since_epoch();
+  return 1 + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+}
 
 }  // namespace
 
 PersistenceWorker::PersistenceWorker(Config* store, SectorFile* file, long flushMs)
-    : StoreWorker(store), _file(file), _flush_ms(flushMs) {}
+    : StoreWorker(store), _file(file), _flush_ms(flushMs), _now(&SteadyMs) {}
 
 PersistenceWorker::~PersistenceWorker() { Stop(); }
 
-void PersistenceWorker::Stopped() {
-  if (_dirty.exchange(false)) Flush();
-}
+void PersistenceWorker::Stopped() { _all_written = _dirty_since.load() == 0 || Flush(); }
 
 bool PersistenceWorker::IsPersisted(const ParamDescriptor* descriptor) {
   return descriptor->GetPersistenceType() == ePersist;
@@ -81,43 +88,80 @@ bool PersistenceWorker::Restore() {
           _counts.restored, _file->GetOdometer(), _counts.clamped, _counts.dropped,
           _counts.unknown);
   // What the store holds now differs from the sector: write the cleaned state.
-  if (_counts.clamped + _counts.dropped + _counts.unknown > 0) _dirty = true;
+  if (_counts.clamped + _counts.dropped + _counts.unknown > 0) _dirty_since = _now();
   return true;
 }
 
+int64_t PersistenceWorker::DueMs() const {
+  int64_t since = _dirty_since.load();
+  return since == 0 ? 0 : std::max(since + _flush_ms, _retry_at);
+}
+
 bool PersistenceWorker::Flush() {
+  // Changes from here on start an interval of their own.
+  int64_t since = _dirty_since.exchange(0);
   std::string data = ValueImage::Capture(_store, &PersistenceWorker::IsPersisted);
-  if (data == _last_written) return true;
-  if (!_file->Write(data)) return false;
-  _last_written.swap(data);
-  return true;
+  bool written = data == _last_written || _file->Write(data);
+  if (written) {
+    if (data != _last_written) _last_written.swap(data);
+  } else {
+    // Still pending since the older of the two changes.
+    int64_t newer = 0;
+    if (since == 0) since = _now();
+    if (!_dirty_since.compare_exchange_strong(newer, since)) _dirty_since = since;
+  }
+  NoteResult(written);
+  return written;
+}
+
+void PersistenceWorker::NoteResult(bool written) {
+  if (written) {
+    _failures = 0;
+    _retry_at = 0;
+    if (!_failing) return;
+    _failing = false;
+    fprintf(stderr, "PersistenceWorker - persistence recovered: %s written\n",
+            _file->GetFolder().c_str());
+    _store->Set(kOwnerHealthParamID, std::string(kOwnerHealthOk));
+    return;
+  }
+  // Once more after one interval, then at most once a second.
+  ++_failures;
+  _retry_at = _now() + (_failures == 1 ? _flush_ms : std::max(_flush_ms, kRetryMs));
+  if (_failing) return;
+  _failing = true;
+  std::string health = "persistence failing: " + _file->GetFolder() + ": " +
+                       strerror(_file->GetLastError() != 0 ? _file->GetLastError() : EIO);
+  fprintf(stderr, "PersistenceWorker - %s\n", health.c_str());
+  _store->Set(kOwnerHealthParamID, health);
 }
 
 void PersistenceWorker::Run() {
   std::unique_lock<std::mutex> lock(_mutex);
   while (!_stopping) {
-    _wake.wait(lock, [this] { return _stopping || _dirty.load(); });
-    if (_stopping) break;
-    // Coalesce: everything changed within the interval goes in one write.
-    _wake.wait_for(lock, std::chrono::milliseconds(_flush_ms), [this] { return _stopping; });
-    if (_stopping) break;
-    _dirty = false;
-    lock.unlock();
-    bool written = Flush();
-    lock.lock();
-    if (!written) {
-      _dirty = true;
-      long pause = _flush_ms > kRetryMs ? _flush_ms : kRetryMs;
-      _wake.wait_for(lock, std::chrono::milliseconds(pause), [this] { return _stopping; });
+    int64_t due = DueMs();
+    if (due == 0) {
+      _wake.wait(lock, [this] { return _stopping || _dirty_since.load() != 0; });
+      continue;
     }
+    // Coalesce: everything changed until the interval ends goes in one write.
+    int64_t now = _now();
+    if (now < due) {
+      _wake.wait_for(lock, std::chrono::milliseconds(due - now), [this] { return _stopping; });
+      continue;
+    }
+    lock.unlock();
+    Flush();
+    lock.lock();
   }
 }
 
 void PersistenceWorker::MarkDirty(eParam_t id) {
-  if (_dirty.load(std::memory_order_relaxed)) return;
+  if (_dirty_since.load(std::memory_order_relaxed) != 0) return;
   ParamDescriptor* descriptor = GetDescriptor(id);
   if (descriptor == nullptr || !IsPersisted(descriptor)) return;
-  if (_dirty.exchange(true)) return;
+  int64_t clean = 0;
+  if (!_dirty_since.compare_exchange_strong(clean, _now())) return;
   std::lock_guard<std::mutex> lock(_mutex);
   _wake.notify_one();
 }

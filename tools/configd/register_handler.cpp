@@ -1,5 +1,6 @@
 #include "configd/register_handler.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -10,7 +11,6 @@
 #include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/values/config_value.h"
-#include "config/values/file.h"
 #include "config/values/presets_param_vector.h"
 #include "configd/factory_reset.h"
 #include "configd/file_system.h"
@@ -263,12 +263,21 @@ RegisterHandler::Outcome RegisterHandler::Load(unsigned int number) {
     return {kRegisterEmpty, Said("preset %u is empty", number)};
   }
   std::string image = PresetImage::Encode(PresetImage::UnitProduct(), values);
-  bool written =
-      FileSystem::Default()->MakeFolders(_folder) &&
-      File::write_file(PresetPath(number), image.data(), static_cast<unsigned int>(image.size()));
-  if (!written) fprintf(stderr, "RegisterHandler::Load - preset %u not handed over\n", number);
+  std::string why;
+  const char* step = nullptr;
+  bool written = FileSystem::MakePrivateFolder(_folder, kFolderMode, why);
+  if (!written) {
+    fprintf(stderr, "RegisterHandler::Load - the preset folder %s is not usable: %s\n",
+            _folder.c_str(), why.c_str());
+    why = "the preset folder " + _folder + " is not usable: " + why;
+  } else if (!(written = FileSystem::Default()->WriteAtomic(PresetPath(number), image.data(),
+                                                            image.size(), kFileMode, step))) {
+    why = std::string(step) + " of " + PresetPath(number) + " failed: " + strerror(errno);
+    fprintf(stderr, "RegisterHandler::Load - preset %u not handed over: %s\n", number,
+            why.c_str());
+  }
   _store->Set(kRegisterLoadResultParamID, written ? kRegisterDone : kRegisterFailed);
-  if (!written) return {kRegisterFailed, Said("preset %u not handed over", number)};
+  if (!written) return {kRegisterFailed, Said("preset %u not handed over: ", number) + why};
   return {kRegisterDone, "handed over in " + PresetPath(number)};
 }
 
@@ -281,10 +290,19 @@ RegisterHandler::Outcome RegisterHandler::Store(unsigned int number) {
     return {kRegisterFailed, Said("preset %u cannot be overwritten", number)};
   }
   std::string image;
-  if (!FileSystem::Default()->ReadFile(path, PresetImage::kMaxImageBytes, image)) {
-    fprintf(stderr, "RegisterHandler::Store - %s cannot be read\n", path.c_str());
+  std::string unusable;
+  if (!FileSystem::CheckFolder(_folder, unusable)) {
+    fprintf(stderr, "RegisterHandler::Store - the preset folder %s is not usable: %s\n",
+            _folder.c_str(), unusable.c_str());
     _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
-    return {kRegisterFailed, path + " cannot be read"};
+    return {kRegisterFailed, "the preset folder " + _folder + " is not usable: " + unusable};
+  }
+  if (!FileSystem::Default()->ReadFile(path, PresetImage::kMaxImageBytes, image)) {
+    std::string why = strerror(errno);
+    fprintf(stderr, "RegisterHandler::Store - %s cannot be read: %s\n", path.c_str(),
+            why.c_str());
+    _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
+    return {kRegisterFailed, path + " cannot be read: " + why};
   }
   std::string values;
   std::string problem;

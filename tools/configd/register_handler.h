@@ -55,7 +55,14 @@ class RegisterHandler : public StoreWorker {
   static constexpr unsigned int kRegisterSaveResult = 0x7A9D2C71;
   static constexpr unsigned int kFactorySettings = 0xEA4F2E24;
 
-  // `folder` is where preset files are handed over ("/tmp/zyn").
+  // `folder` is where preset files are handed over ("/tmp/zyn"). Load
+  // creates it when missing with kFolderMode (configd's group, the unit's
+  // processes, exchanges files there) and writes files with kFileMode
+  // through a temporary file and a rename; Load and Store refuse a folder
+  // that is a symlink, owned by another user or writable by others, and
+  // anything in it that is not a regular file (see file_system.h).
+  static constexpr unsigned int kFolderMode = 0770;
+  static constexpr unsigned int kFileMode = 0660;
   RegisterHandler(Config* store, PresetStore* presets, std::string folder);
   ~RegisterHandler() override;
 

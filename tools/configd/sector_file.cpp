@@ -63,31 +63,18 @@ bool SectorFile::Write(const std::string& data) {
   unsigned int odometer = _odometer + 1;
   std::string sector = SectorCodec::Encode(odometer, _config_version, data);
   std::string path = SlotPath(_next_slot);
-  int fd = _files->Open(path, O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  if (fd < 0) {
-    fprintf(stderr, "SectorFile::Write - open %s failed: %s\n", path.c_str(), strerror(errno));
-    return false;
-  }
   const char* failed = nullptr;
-  if (!_files->WriteAll(fd, sector.data(), sector.size())) {
-    failed = "write";
-  } else if (_files->Fsync(fd) != 0) {
-    failed = "fsync";
-  }
-  int error = errno;
-  if (_files->Close(fd) != 0 && failed == nullptr) {
-    failed = "close";
-    error = errno;
-  }
-  if (failed == nullptr && !_exists[_next_slot] && !_files->SyncFolder(_folder)) {
-    failed = "folder fsync";
-    error = errno;
-  }
-  if (failed != nullptr) {
-    fprintf(stderr, "SectorFile::Write - %s of %s failed: %s\n", failed, path.c_str(),
-            strerror(error));
+  if (!_files->WriteAtomic(path, sector.data(), sector.size(), 0644, failed)) {
+    _last_error = errno;
+    std::string line = std::string("SectorFile::Write - ") + failed + " of " + path +
+                       " failed: " + strerror(_last_error) + "\n";
+    // A failure that repeats (a full disk, retried) is reported once.
+    if (line != _last_failure) fprintf(stderr, "%s", line.c_str());
+    _last_failure.swap(line);
     return false;
   }
+  _last_error = 0;
+  _last_failure.clear();
   _exists[_next_slot] = true;
   _odometer = odometer;
   _next_slot = 1 - _next_slot;

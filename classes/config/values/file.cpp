@@ -1,12 +1,35 @@
 #include "config/values/file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 
+namespace {
+
+// Opens `path` for writing without following a symlink or blocking on a
+// FIFO, and truncates it only once it is known to be a regular file: the
+// hand-over folder is shared with the settings owner, which runs as root.
+int OpenRegularForWriting(const std::string& path) {
+  int fd = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0664);
+  if (fd < 0) return -1;
+  struct stat info;
+  int error = fstat(fd, &info) != 0    ? errno
+              : !S_ISREG(info.st_mode) ? EINVAL
+              : ftruncate(fd, 0) != 0  ? errno
+                                       : 0;
+  if (error == 0) return fd;
+  close(fd);
+  errno = error;
+  return -1;
+}
+
+}  // namespace
+
 bool File::write_file(const std::string& path, const char* data, unsigned int size) {
-  int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0664);
+  int fd = OpenRegularForWriting(path);
   if (fd < 0) {
     perror("open failed");
     fprintf(stderr, "File::write_file - open %s failed\n", path.c_str());

@@ -9,7 +9,9 @@
 class File {
  public:
   // Creates or truncates `path` (mode 0664), writes `size` bytes, fsyncs and
-  // closes it. False, with the failing step on standard error, otherwise.
+  // closes it. A symlink is not followed, and anything but a regular file
+  // (a FIFO, a device) is refused as a failed open, untouched. False, with
+  // the failing step on standard error, otherwise.
   static bool write_file(const std::string& path, const char* data, unsigned int size);
 };
 

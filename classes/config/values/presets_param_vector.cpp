@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -56,16 +57,25 @@ void PresetsParamVector::ClearData() {
 }
 
 bool PresetsParamVector::Slurp(const std::string& path) {
-  int fd = open(path.c_str(), O_RDONLY);
-  if (fd < 0) {
-    perror("open failed");
-    fprintf(stderr, "PresetsParamVector::Slurp - open %s failed\n", path.c_str());
-    return false;
-  }
+  // The hand-over folder is shared: a symlink is not followed, and a FIFO
+  // or device there is refused (after a non-blocking open) like a file
+  // that cannot be opened.
+  int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
   struct stat info;
-  if (fstat(fd, &info) != 0) {
+  bool opened = fd >= 0;
+  if (opened && fstat(fd, &info) != 0) {
     close(fd);
     fprintf(stderr, "PresetsParamVector::Slurp - fstat failed\n");
+    return false;
+  }
+  if (opened && !S_ISREG(info.st_mode)) {
+    close(fd);
+    errno = EINVAL;
+    opened = false;
+  }
+  if (!opened) {
+    perror("open failed");
+    fprintf(stderr, "PresetsParamVector::Slurp - open %s failed\n", path.c_str());
     return false;
   }
   if (static_cast<unsigned long long>(info.st_size) > 0xFFFFFFFFull) {

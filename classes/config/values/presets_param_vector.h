@@ -54,8 +54,9 @@ class PresetsParamVector : public Presets {
   // Drops the held image.
   void ClearData();
 
-  // Reads the whole file at `path` into the held image. A failed allocation
-  // still reports success, with no image held.
+  // Reads the whole file at `path` into the held image. A symlink is not
+  // followed and anything but a regular file is refused as a failed open. A
+  // failed allocation still reports success, with no image held.
   bool Slurp(const std::string& path);
 
   // Polls `paramID` every 100 ms until it holds one of `goodStates` (true),

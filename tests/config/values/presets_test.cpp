@@ -1,6 +1,7 @@
 // Vectors, presets with their image, and the preset file reader and writer.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -13,6 +14,7 @@
 #include "config/values/string_value.h"
 #include "config/values/vector.h"
 #include "test_bytes.h"
+#include "test_temp_folder.h"
 
 using zyn::config::values::PresetsParamVector;
 using zyn::config::values::Vector;
@@ -107,6 +109,24 @@ TEST(PresetsTest, FileFailures) {
             err.find("File::write_file - open /nonexistent-dir/preset_1.bin failed\n"))
       << err;
   EXPECT_EQ(0u, err.find("open failed: ")) << err;
+
+  // A symlink or a FIFO planted as the preset file is refused as a failed
+  // open: the link's target stays untouched, and nothing blocks.
+  TempFolder folder;
+  std::string target = folder.path + "/target", link = folder.path + "/preset_2.bin";
+  std::ofstream(target) << "keep";
+  ASSERT_EQ(0, symlink(target.c_str(), link.c_str()));
+  std::string fifo = folder.path + "/preset_3.bin";
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  for (const std::string& path : {link, fifo}) {
+    err = Stderr([&] { EXPECT_FALSE(File::write_file(path, "x", 1)) << path; });
+    EXPECT_NE(std::string::npos, err.find("File::write_file - open " + path + " failed\n")) << err;
+    err = Stderr([&] { EXPECT_FALSE(presets.Slurp(path)) << path; });
+    EXPECT_NE(std::string::npos, err.find("PresetsParamVector::Slurp - open " + path + " failed"));
+  }
+  std::string kept;
+  std::ifstream(target) >> kept;
+  EXPECT_EQ("keep", kept);
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
