@@ -124,6 +124,34 @@ TEST_F(RegisterHandlerTest, TokenedRequestsAreAnsweredOnePerToken) {
   EXPECT_TRUE(presets.Get(6, six));
 }
 
+// A preset whose newer copy is damaged is recalled from the older one, and
+// the requester is told so; a fresh save makes the copy whole again.
+TEST_F(RegisterHandlerTest, RecallFromTheOlderCopySaysSo) {
+  store.Set(range, Range()->GetMinValue() + 1);
+  Stderr([&] { handler.Save(8); });
+  store.Set(range, Range()->GetMinValue() + 2);
+  Stderr([&] { handler.Save(8); });  // the newer copy, in preset_8.b
+  std::string path = folder.path + "/preset_8.b", bytes;
+  ASSERT_TRUE(FileSystem::Default()->ReadFile(path, 1 << 20, bytes));
+  bytes[bytes.size() - 5] ^= 0x40;
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+
+  PresetStore reread(FileSystem::Default(), folder.path);
+  RegisterHandler after(&store, &reread, folder.path);
+  Stderr([&] { reread.Load(); });
+  RegisterHandler::Outcome outcome{0, ""};
+  std::string err = Stderr([&] { outcome = after.Recall(8); });
+  EXPECT_EQ(kRegisterDone, outcome.state);
+  EXPECT_EQ("preset 8 recalled from its older copy: the newer copy is damaged", outcome.message);
+  EXPECT_NE(std::string::npos, err.find("older copy")) << err;
+  EXPECT_EQ(Range()->GetMinValue() + 1, store.Get(range));
+  Stderr([&] {
+    after.Save(8);
+    outcome = after.Recall(8);
+  });
+  EXPECT_EQ("preset 8 recalled", outcome.message);
+}
+
 TEST_F(RegisterHandlerTest, RecallIsAllOrNothing) {
   unsigned int low = Range()->GetMinValue();
   struct Bad {

@@ -37,6 +37,10 @@ bool PresetStore::Get(unsigned int number, std::string& values) const {
   return true;
 }
 
+bool PresetStore::FromOlderCopy(unsigned int number) {
+  return _saved.count(number) != 0 && FileOf(number).FromOlderCopy();
+}
+
 bool PresetStore::Clear() {
   bool removed = true;
   for (unsigned int number = 1; number <= kLastPreset; ++number)

@@ -33,6 +33,9 @@ class PresetStore {
   bool Save(unsigned int number, const std::string& values);
   // The values of preset `number`; false when it was never saved.
   bool Get(unsigned int number, std::string& values) const;
+  // Whether preset `number` was read from its older copy because the newer
+  // one is damaged (until it is saved again).
+  bool FromOlderCopy(unsigned int number);
   // Forgets and removes every saved preset.
   bool Clear();
 

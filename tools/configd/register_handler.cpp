@@ -248,6 +248,10 @@ RegisterHandler::Outcome RegisterHandler::Recall(unsigned int number) {
   if (outcome.state == kRegisterDone && !ApplyWhole(values, problem)) {
     fprintf(stderr, "RegisterHandler::Recall - preset %u refused: %s\n", number, problem.c_str());
     outcome = {kRegisterFailed, Said("preset %u refused: ", number) + problem};
+  } else if (outcome.state == kRegisterDone && _presets->FromOlderCopy(number)) {
+    outcome.message =
+        Said("preset %u recalled from its older copy: the newer copy is damaged", number);
+    fprintf(stderr, "RegisterHandler::Recall - %s\n", outcome.message.c_str());
   }
   _store->Set(kRegisterRecallResult, outcome.state);
   return outcome;
@@ -273,8 +277,7 @@ RegisterHandler::Outcome RegisterHandler::Load(unsigned int number) {
   } else if (!(written = FileSystem::Default()->WriteAtomic(PresetPath(number), image.data(),
                                                             image.size(), kFileMode, step))) {
     why = std::string(step) + " of " + PresetPath(number) + " failed: " + strerror(errno);
-    fprintf(stderr, "RegisterHandler::Load - preset %u not handed over: %s\n", number,
-            why.c_str());
+    fprintf(stderr, "RegisterHandler::Load - preset %u not handed over: %s\n", number, why.c_str());
   }
   _store->Set(kRegisterLoadResultParamID, written ? kRegisterDone : kRegisterFailed);
   if (!written) return {kRegisterFailed, Said("preset %u not handed over: ", number) + why};
@@ -299,8 +302,7 @@ RegisterHandler::Outcome RegisterHandler::Store(unsigned int number) {
   }
   if (!FileSystem::Default()->ReadFile(path, PresetImage::kMaxImageBytes, image)) {
     std::string why = strerror(errno);
-    fprintf(stderr, "RegisterHandler::Store - %s cannot be read: %s\n", path.c_str(),
-            why.c_str());
+    fprintf(stderr, "RegisterHandler::Store - %s cannot be read: %s\n", path.c_str(), why.c_str());
     _store->Set(kRegisterStoreResultParamID, kRegisterFailed);
     return {kRegisterFailed, path + " cannot be read: " + why};
   }

@@ -55,6 +55,7 @@ bool SectorCodec::Decode(const std::string& sector, unsigned int configVersion,
   MemoryDeSerializer reader(kFormat, &head[0], &head[0] + kHeaderSize, false);
   SectorHeader header(0, 0, 0);
   header.Deserialize(&reader);
+  odometer = header.GetOdometer();
   if (header.GetLength() != sector.size() - kOverhead) {
     problem = "length " + std::to_string(header.GetLength()) + " does not match its " +
               std::to_string(sector.size()) + " bytes";
@@ -71,7 +72,6 @@ bool SectorCodec::Decode(const std::string& sector, unsigned int configVersion,
     problem = text;
     return false;
   }
-  odometer = header.GetOdometer();
   data = sector.substr(kHeaderSize, header.GetLength());
   return true;
 }

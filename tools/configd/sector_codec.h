@@ -31,7 +31,8 @@ class SectorCodec {
                             const std::string& data);
   // Checks a whole sector of version `configVersion` and, when it checks
   // out, gives its odometer and data. False with the reason in `problem`
-  // (truncated, length mismatch, checksum mismatch, foreign).
+  // (truncated, length mismatch, checksum mismatch, foreign); `odometer`
+  // then holds what the header says when there is a header to read.
   static bool Decode(const std::string& sector, unsigned int configVersion, unsigned int& odometer,
                      std::string& data, std::string& problem);
 

@@ -22,8 +22,13 @@ std::string SectorFile::SlotPath(int slot) const {
 
 SectorFile::LoadResult SectorFile::Load(std::string& data) {
   data.clear();
+  _from_older_copy = false;
   bool found = false;
   int newest = -1;
+  // A damaged slot that was, or may have been, written after the one loaded.
+  bool damaged = false;
+  bool damagedOdometerKnown = false;
+  unsigned int damagedOdometer = 0;
   for (int slot = 0; slot < 2; ++slot) {
     std::string path = SlotPath(slot);
     std::string bytes;
@@ -33,6 +38,7 @@ SectorFile::LoadResult SectorFile::Load(std::string& data) {
       _exists[slot] = errno == EFBIG;
       fprintf(stderr, "SectorFile::Load - %s unreadable (%s), ignored\n", path.c_str(),
               strerror(errno));
+      damaged = true;
       continue;
     }
     unsigned int odometer = 0;
@@ -41,6 +47,9 @@ SectorFile::LoadResult SectorFile::Load(std::string& data) {
     if (!SectorCodec::Decode(bytes, _config_version, odometer, slotData, problem)) {
       fprintf(stderr, "SectorFile::Load - %s damaged (%s), ignored\n", path.c_str(),
               problem.c_str());
+      damaged = true;
+      damagedOdometerKnown = bytes.size() >= SectorCodec::kHeaderSize;
+      damagedOdometer = odometer;
       continue;
     }
     if (!found || SectorCodec::IsNewer(odometer, _odometer)) {
@@ -56,6 +65,8 @@ SectorFile::LoadResult SectorFile::Load(std::string& data) {
     return _exists[0] || _exists[1] ? LoadResult::kNoneValid : LoadResult::kMissing;
   }
   _next_slot = 1 - newest;
+  _from_older_copy =
+      damaged && (!damagedOdometerKnown || SectorCodec::IsNewer(damagedOdometer, _odometer));
   return LoadResult::kLoaded;
 }
 
@@ -75,6 +86,7 @@ bool SectorFile::Write(const std::string& data) {
   }
   _last_error = 0;
   _last_failure.clear();
+  _from_older_copy = false;
   _exists[_next_slot] = true;
   _odometer = odometer;
   _next_slot = 1 - _next_slot;

@@ -41,6 +41,10 @@ class SectorFile {
   bool Remove();
 
   [[nodiscard]] unsigned int GetOdometer() const { return _odometer; }
+  // True after a Load that took the older copy because the other slot is
+  // damaged and was (by its header), or may have been, written after it;
+  // false again once a write succeeds.
+  [[nodiscard]] bool FromOlderCopy() const { return _from_older_copy; }
   // Sector bytes handed to the file system by successful writes.
   [[nodiscard]] uint64_t GetBytesWritten() const { return _bytes_written; }
   [[nodiscard]] std::string SlotPath(int slot) const;
@@ -56,6 +60,7 @@ class SectorFile {
   unsigned int _odometer = 0;  // of the newest valid sector
   int _next_slot = 0;
   bool _exists[2] = {false, false};
+  bool _from_older_copy = false;
   uint64_t _bytes_written = 0;
   int _last_error = 0;
   std::string _last_failure;  // the line of the last failed write
