@@ -8,11 +8,13 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "config/access/network_tcp_connection.h"
 #include "config/access/network_udp_connection.h"
 #include "config/access/socket.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -110,7 +112,9 @@ void NetworkServer::Run() {
 
 void NetworkServer::RunStream() {
   while (!stop) {
-    if (!WaitForConnection() && !stop) usleep(1000);  // out of descriptors: do not spin
+    // A failed accept is retried after a growing pause, not in a spin.
+    if (!WaitForConnection() && !stop && _gate.AcceptDelayMs() > 0)
+      usleep(_gate.AcceptDelayMs() * 1000);
   }
 }
 
@@ -145,11 +149,11 @@ bool NetworkServer::WaitForConnection() {
     int error = errno;
     delete accepted;
     if (_gate.RefuseOnFailedAccept(_fd)) return true;
-    errno = error;
-    perror("NetworkServer::WaitForConnection");
-    fprintf(stderr, "NetworkServer::WaitForConnection - accept failed\n");
+    static RateLimitedLog failed;
+    failed.Print("NetworkServer::WaitForConnection - accept failed: %s", strerror(error));
     return false;
   }
+  _gate.Accepted();
   if (_gate.RefuseOverLimit(NetworkTCPConnection::LiveCount())) {
     // Closed before a connection thread exists: the clients already served
     // keep all they had.
@@ -157,6 +161,7 @@ bool NetworkServer::WaitForConnection() {
     return true;
   }
   NetworkTCPConnection* connection = new NetworkTCPConnection(accepted);
+  connection->SetReadTimeoutMs(_read_timeout_ms);
   if (!connection->Start()) {
     fprintf(stderr, "NetworkServer::Run - unable to start connection\n");
     delete connection;

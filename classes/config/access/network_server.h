@@ -40,6 +40,7 @@ class NetworkServer {
  public:
   // Receive buffer of the UDP server: the largest datagram it takes.
   static constexpr int kDatagramBufferSize = 24 * 1024;
+  static constexpr long kDefaultReadTimeoutMs = 5000;
 
   // family AF_INET; type SOCK_STREAM (TCP) or SOCK_DGRAM (UDP); port 0 lets
   // the system choose (GetPort tells which after Init).
@@ -60,6 +61,10 @@ class NetworkServer {
   // out of descriptors, is closed at once, and the refusals are reported at
   // most once a second.
   void SetMaxConnections(int count) { _gate.SetMaxConnections(count); }
+  // TCP: the longest a client's record may take to arrive once its first
+  // byte has (default kDefaultReadTimeoutMs, 0: no limit); a client stalled
+  // mid-record is closed, one idle between records never is.
+  void SetReadTimeoutMs(long ms) { _read_timeout_ms = ms; }
 
   // Creates and binds the socket (and listens for TCP), replacing a
   // previous one. False with a message.
@@ -97,6 +102,7 @@ class NetworkServer {
   int _multicast_port;
   std::string _event_interface;
   std::string _listen_address;
+  long _read_timeout_ms = kDefaultReadTimeoutMs;
   sem_t _stop_lock;
   ::zyn::config::access::ConnectionGate _gate{"NetworkServer::WaitForConnection"};  // TCP thread
 };

@@ -15,6 +15,7 @@
 #include "config/access/socket.h"
 #include "config/config_factory_impl.h"
 #include "config/values/config_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -102,32 +103,48 @@ void NetworkTCPConnection::ReleaseConfig() {
 void NetworkTCPConnection::ProcessMessages() {
   char record[sizeof(XCONFIGMGR_REQUEST_T)];
   while (!stopped) {
+    _reader.StartRecord();
     long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
-      fprintf(stderr,
-              "NetworkTCPConnection::ProcessMessages - error calling recv for socket message "
-              "(connection pid = 0x%X)\n",
-              connectionID & 0xFFFF);
+      ReportBrokenRecord("socket message");
       break;
     }
     uint32_t msgtype = PeekMessageType(record);
     size_t size = TCPRequestSize(msgtype);
     if (size == 0) {
-      fprintf(stderr, "NetworkTCPConnection::ProcessMessages - Unknown message type %d\n",
-              static_cast<int>(msgtype));
+      static RateLimitedLog unknown;
+      unknown.Print("NetworkTCPConnection::ProcessMessages - Unknown message type %d",
+                    static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
     if (n != static_cast<long>(size - 4)) {
-      fprintf(stderr,
-              "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
-              "= 0x%X)\n",
-              SymbolicName(msgtype), connectionID & 0xFFFF);
+      ReportBrokenRecord(SymbolicName(msgtype));
       break;
     }
     if (!Dispatch(msgtype, record)) break;
   }
+}
+
+void NetworkTCPConnection::ReportBrokenRecord(const char* what) {
+  unsigned int id;
+  {
+    SemaphoreHelper hold(&_state_lock);
+    id = connectionID & 0xFFFF;
+  }
+  if (_reader.TimedOut()) {
+    static RateLimitedLog timedOut;
+    timedOut.Print(
+        "NetworkTCPConnection::ProcessMessages - %s incomplete after the read time-out of %ld "
+        "ms, connection closed (connection pid = 0x%X)",
+        what, _read_timeout_ms, id);
+    return;
+  }
+  static RateLimitedLog broken;
+  broken.Print(
+      "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)",
+      what, id);
 }
 
 bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
@@ -237,10 +254,7 @@ bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& r
   }
   std::vector<char> payload(request.streamLength);
   if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
-            "= 0x%X)\n",
-            SymbolicName(request.header.msgtype), connectionID & 0xFFFF);
+    ReportBrokenRecord(SymbolicName(request.header.msgtype));
     return false;
   }
   ConnectionUtilities::Dump(request, payload.data(), payload.size());

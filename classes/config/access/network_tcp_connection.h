@@ -64,6 +64,12 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool ParamChanged(unsigned int paramID, unsigned int value, timeval when) override;
   bool ParamChanged(unsigned int paramID, std::string value, timeval when) override;
 
+  // Before Start: the longest a record may take to arrive once its first
+  // byte has (0: no limit). A client stalled mid-record is closed.
+  void SetReadTimeoutMs(long ms) {
+    _read_timeout_ms = ms;
+    _reader.SetReadTimeoutMs(ms);
+  }
   // Starts the detached thread that runs and then deletes the connection.
   // False (with a message) when the thread cannot be created; the caller
   // still owns the connection then.
@@ -84,6 +90,9 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
  private:
   // Each handler answers one request; false ends the connection.
   bool Dispatch(uint32_t msgtype, const char* record);
+  // The line (rate-limited) for a record that did not arrive whole: the
+  // peer stalled past the read time-out, closed or failed mid-record.
+  void ReportBrokenRecord(const char* what);
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request);
@@ -120,6 +129,7 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   Socket* socket;
   int _fd;  // the socket's descriptor, fixed for the connection's life
   ::zyn::config::access::StreamReader _reader;
+  long _read_timeout_ms = 0;  // set before Start
   unsigned int connectionID;  // guarded by _state_lock
   uint32_t _config_id;        // the open store's ID, for events; guarded by _state_lock
   bool registered;            // guarded by _state_lock

@@ -18,6 +18,7 @@
 #include "config/config_factory_impl.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -102,32 +103,43 @@ void SocketConnection::ReleaseStore() {
 void SocketConnection::ProcessMessages() {
   char record[sizeof(XCONFIGMGR_REQUEST_T)];
   while (!_stop) {
+    _reader.StartRecord();
     long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
-      fprintf(stderr,
-              "SocketConnection::ProcessMessages - error calling recv for message type "
-              "(connection pid = 0x%X)\n",
-              _connection_id);
+      ReportBrokenRecord("message type");
       break;
     }
     uint32_t msgtype = PeekMessageType(record);
     size_t size = LocalRequestSize(msgtype);
     if (size == 0) {
-      fprintf(stderr, "SocketConnection::ProcessMessages - Unknown message type %d\n",
-              static_cast<int>(msgtype));
+      static RateLimitedLog unknown;
+      unknown.Print("SocketConnection::ProcessMessages - Unknown message type %d",
+                    static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
     if (n != static_cast<long>(size - 4)) {
-      fprintf(stderr,
-              "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = "
-              "0x%X)\n",
-              SymbolicName(msgtype), _connection_id);
+      ReportBrokenRecord(SymbolicName(msgtype));
       break;
     }
     if (!Dispatch(msgtype, record)) break;
   }
+}
+
+void SocketConnection::ReportBrokenRecord(const char* what) {
+  if (_reader.TimedOut()) {
+    static RateLimitedLog timedOut;
+    timedOut.Print(
+        "SocketConnection::ProcessMessages - %s incomplete after the read time-out of %ld ms, "
+        "connection closed (connection pid = 0x%X)",
+        what, _read_timeout_ms, _connection_id);
+    return;
+  }
+  static RateLimitedLog broken;
+  broken.Print(
+      "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)", what,
+      _connection_id);
 }
 
 bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
@@ -233,7 +245,9 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
   }
   std::vector<char> payload(request.streamLength);
   if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
-    perror("SocketConnection::ProcessSetStreamRequest");
+    // The peer closed, stalled or failed mid-payload: errno tells nothing
+    // in the first two cases.
+    ReportBrokenRecord("the payload of XCFG_SET_STREAM_PARAM_REQUEST");
     return false;
   }
   ConnectionUtilities::Dump(request, payload.data(), payload.size());

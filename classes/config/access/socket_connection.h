@@ -59,6 +59,12 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool ParamChanged(unsigned int paramID, std::string value, timeval when) override;
   void Run() override;
 
+  // Before Start: the longest a record may take to arrive once its first
+  // byte has (0: no limit). A client stalled mid-record is closed.
+  void SetReadTimeoutMs(long ms) {
+    _read_timeout_ms = ms;
+    _reader.SetReadTimeoutMs(ms);
+  }
   // Starts the detached thread that runs and then deletes the connection.
   bool Start();
   // Ends the reading loop and wakes a blocked read.
@@ -83,6 +89,9 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool ProcessAddConfigEventListenerRequest(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request);
   bool ProcessRemoveConfigEventListenerRequest(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request);
   bool Dispatch(uint32_t msgtype, const char* record);
+  // The line (rate-limited) for a record that did not arrive whole: the
+  // peer stalled past the read time-out, closed or failed mid-record.
+  void ReportBrokenRecord(const char* what);
 
   // Applies a received value to the store; the store's result, or 0.
   int DoSetRequest(ConfigValue* value);
@@ -117,6 +126,7 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   Socket* _socket;
   int _fd;                          // the socket's descriptor, fixed for the connection's life
   StreamReader _reader;             // the connection thread's reads
+  long _read_timeout_ms = 0;        // set before Start
   uint32_t _connection_id;          // guarded by _state_lock
   bool _registered;                 // guarded by _state_lock
   bool _listening;                  // added to the store's listeners

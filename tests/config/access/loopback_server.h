@@ -26,6 +26,7 @@
 #include "config/access/socket_server.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config_factory_impl.h"
+#include "support/rate_limited_log.h"
 #include "test_catalogue.h"
 #include "test_stderr.h"
 
@@ -36,6 +37,7 @@ template <typename Server, typename Connection>
 class ServerOnLoopback {
  public:
   explicit ServerOnLoopback(Server* server) {
+    RateLimitedLog::ResetAll();  // each test sees its first line of each kind
     test_catalogue::Register();
     Stderr([&] { store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0"); });
     if (!server->Init() || !server->Start()) {
@@ -281,6 +283,31 @@ inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount
   EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
   EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
   EXPECT_EQ(static_cast<size_t>(kStalled), Count(err, cutOffLine)) << err;
+}
+
+// A stream server on `port` with a limit of `slots` connections and a short
+// read time-out: one client idles between records while the others stall
+// mid-record (in the message type, then in the record's body). The stalled
+// ones are closed, with `line`, which frees their slots for a new client;
+// the idle one is kept and still served.
+inline void CheckStalledRecordsTimedOut(int port, int slots, const std::string& line) {
+  std::string err = Stderr([&] {
+    RawPeer idle(port);
+    ASSERT_EQ(0u, idle.Connect(0x00071000));
+    std::vector<std::unique_ptr<RawPeer>> stalled;
+    const char half[8] = {3, 0, 0, 0, 1, 0, 0, 0};  // a Get Request cut short
+    for (int i = 1; i < slots; ++i) {
+      stalled.emplace_back(new RawPeer(port));
+      ASSERT_EQ(0u, stalled.back()->Connect(0x00071000 + i));
+      stalled.back()->SendBytes(half, i % 2 == 1 ? 2 : sizeof half);
+    }
+    for (auto& peer : stalled) EXPECT_TRUE(peer->ClosedByPeer(10000)) << "a stalled peer kept";
+    RawPeer fresh(port);
+    EXPECT_EQ(0u, fresh.Connect(0x00071100)) << "the freed slots serve a new client";
+    fresh.Sync();
+    idle.Sync();
+  });
+  EXPECT_NE(std::string::npos, err.find(line)) << err;
 }
 
 #endif  // TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H

@@ -15,6 +15,7 @@
 
 using namespace zyn::config::access;
 using namespace test_catalogue;
+using zyn::boxline::config::access::NetworkServer;
 using zyn::boxline::config::access::NetworkTCPConnection;
 
 namespace {
@@ -196,6 +197,16 @@ TEST_F(NetworkTCPServerTest, StalledListenersCutOffWithoutStallingWriters) {
   CheckStalledListenersCutOff(server.store, server.port, &NetworkTCPConnection::LiveCount,
                               "NetworkTCPConnection::ParamChanged - event queue limit of 1024 "
                               "reached, client cut off");
+}
+
+TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) {
+  RawDatagramPeer events;
+  auto* configured = NetworkLoopbackServer::Make(SOCK_STREAM, events.port);
+  configured->SetMaxConnections(4);
+  configured->SetReadTimeoutMs(300);
+  ServerOnLoopback<NetworkServer, NetworkTCPConnection> server(configured);
+  CheckStalledRecordsTimedOut(server.port, 4,
+                              "incomplete after the read time-out of 300 ms, connection closed");
 }
 
 TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
