@@ -12,7 +12,7 @@ std::atomic<uint64_t> s_generation{0};
 int64_t NowMs() {
   return std::chrono::duration_cast<std::chrono::milliseconds>(
              std::chrono::steady_clock::now().time_since_epoch())
-             .count();
+      .count();
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <cstring>
 #include <mutex>
 #include <set>
 
@@ -288,7 +289,8 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
   // that notifies holds the store's listener lock and then takes it.
   if (!_listening) {
     _events = EventSender::StartFor(
-        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
+        [this](const char* why) { CutOff(why); });
     if (_events == nullptr) return false;
     _listening = true;
     config->AddConfigEventListener(this);
@@ -328,31 +330,45 @@ bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned i
   return _events->Post(QueuedEvent{text, paramID, value, connectionID, _config_id});
 }
 
-void NetworkTCPConnection::CutOff() {
+void NetworkTCPConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  fprintf(stderr,
-          "NetworkTCPConnection::ParamChanged - event queue limit of %zu reached, client cut off "
-          "(connection pid = 0x%X)\n",
-          EventSender::kMaxQueuedEvents, connectionID & 0xFFFF);
+  static RateLimitedLog cutOff;
+  cutOff.Print(
+      "NetworkTCPConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
+      why, connectionID & 0xFFFF);
   _broken = true;
   ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
 }
 
-bool NetworkTCPConnection::SendEvent(const QueuedEvent& event) {
+bool NetworkTCPConnection::SendEvents(const std::vector<QueuedEvent>& events) {
+  // Every record of the batch goes out in one send.
   std::vector<char> bytes;
-  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
-  if (sent) {
-    SemaphoreHelper hold(&lock);
-    {
-      // Removed meanwhile: nothing follows the Remove Listener Response.
-      SemaphoreHelper state(&_state_lock);
-      if (!registered || _broken) return true;
+  for (const QueuedEvent& event : events) {
+    if (event.text) {
+      std::vector<char> record;
+      if (BuildStreamResponse(StreamChangedEvent(event), record))
+        bytes.insert(bytes.end(), record.begin(), record.end());
+      continue;
     }
-    sent = event.text ? SendLocked(bytes.data(), bytes.size())
-                      : SendRecordLocked(ParamChangedEvent(event));
+    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
+    char record[sizeof changed];
+    Pack(changed, record);
+    ConnectionUtilities::Dump(changed);
+    bytes.insert(bytes.end(), record, record + sizeof record);
   }
-  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
-  perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
+  if (bytes.empty()) return false;
+  SemaphoreHelper hold(&lock);
+  {
+    // Removed meanwhile: nothing follows the Remove Listener Response.
+    SemaphoreHelper state(&_state_lock);
+    if (!registered || _broken) return true;
+  }
+  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
+  // A send time-out (the client stopped reading) or a vanished client.
+  int error = errno;
+  static RateLimitedLog failed;
+  failed.Print("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
+               error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 

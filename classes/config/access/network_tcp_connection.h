@@ -19,7 +19,7 @@
 // sends the events on its own thread. `lock` guards the sending side of the
 // socket, so events and responses never interleave; _state_lock guards
 // `registered`, `paramIDs`, the connection ID and the store's ID. A client
-// that stops reading is cut off (its queue full, or a send timed out: socket
+// that stops reading is cut off (its queue not drained in time, or a send timed out: socket
 // shut, its thread ends) and never makes a writer wait.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
@@ -118,10 +118,11 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool SendLocked(const char* bytes, size_t length);
   // Queues the change for the sender thread (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends one queued event (the sender thread).
-  bool SendEvent(const ::zyn::config::access::QueuedEvent& event);
-  // Ends a client whose event queue overflowed, without waiting on it.
-  void CutOff();
+  // Sends a batch of queued events in one send (the sender thread).
+  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
+  // Ends a client whose event queue was not drained in time, without
+  // waiting on it; `why` says which limit it passed.
+  void CutOff(const char* why);
   void ReleaseConfig();
 
   std::list<unsigned int> paramIDs;  // guarded by _state_lock

@@ -312,7 +312,8 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
   // notifying holds the store's listener lock and then takes _state_lock.
   if (!_listening) {
     _events = EventSender::StartFor(
-        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
+        [this](const char* why) { CutOff(why); });
     if (_events == nullptr) return false;
     _listening = true;
     _store->AddConfigEventListener(this);
@@ -357,38 +358,45 @@ bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int v
                                    static_cast<uint32_t>(_store->GetConfigID())});
 }
 
-void SocketConnection::CutOff() {
+void SocketConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  fprintf(stderr,
-          "SocketConnection::ParamChanged - event queue limit of %zu reached, client cut off "
-          "(connection pid = 0x%X)\n",
-          EventSender::kMaxQueuedEvents, _connection_id);
+  static RateLimitedLog cutOff;
+  cutOff.Print(
+      "SocketConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
+      why, _connection_id);
   _broken = true;
   ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
 }
 
-bool SocketConnection::SendEvent(const QueuedEvent& event) {
+bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
+  // Every record of the batch goes out in one send.
   std::vector<char> bytes;
-  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
-  if (sent) {
-    SemaphoreHelper lock(&_send_lock);
-    {
-      // Removed meanwhile: nothing follows the Remove Listener Response.
-      SemaphoreHelper state(&_state_lock);
-      if (!_registered || _broken) return true;
+  for (const QueuedEvent& event : events) {
+    if (event.text) {
+      std::vector<char> record;
+      if (BuildStreamResponse(StreamChangedEvent(event), record))
+        bytes.insert(bytes.end(), record.begin(), record.end());
+      continue;
     }
-    sent = event.text ? SendLocked(bytes.data(), bytes.size())
-                      : SendRecordLocked(ParamChangedEvent(event));
+    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
+    char record[sizeof changed];
+    Pack(changed, record);
+    ConnectionUtilities::Dump(changed);
+    bytes.insert(bytes.end(), record, record + sizeof record);
   }
-  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
-  if (event.text) {
-    fprintf(stderr,
-            "SocketConnection::ParamChanged - call to SendStreamResponse failed, unable to send "
-            "event to %d\n",
-            static_cast<int>(event.connectionID));
-  } else {
-    perror("SocketConnection::ParamChanged - unable to send event to socket");
+  if (bytes.empty()) return false;
+  SemaphoreHelper hold(&_send_lock);
+  {
+    // Removed meanwhile: nothing follows the Remove Listener Response.
+    SemaphoreHelper state(&_state_lock);
+    if (!_registered || _broken) return true;
   }
+  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
+  // A send time-out (the client stopped reading) or a vanished client.
+  int error = errno;
+  static RateLimitedLog failed;
+  failed.Print("SocketConnection::ParamChanged - unable to send event to socket: %s",
+               error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 

@@ -16,7 +16,7 @@
 // sends the events on its own thread. _state_lock guards the registration
 // flag, the filter and the connection ID; _send_lock guards the sending side
 // of the socket, so events and responses never interleave. A client that
-// stops reading is cut off (its queue full, or a send timed out) and never
+// stops reading is cut off (its queue not drained in time, or a send timed out) and never
 // makes a writer wait.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
@@ -116,10 +116,11 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool WantsEvent(unsigned int paramID);
   // Queues the change for the sender thread (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends one queued event (the sender thread).
-  bool SendEvent(const QueuedEvent& event);
-  // Ends a client whose event queue overflowed, without waiting on it.
-  void CutOff();
+  // Sends a batch of queued events in one send (the sender thread).
+  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
+  // Ends a client whose event queue was not drained in time, without
+  // waiting on it; `why` says which limit it passed.
+  void CutOff(const char* why);
   void ReleaseStore();
 
   Config* _store;

@@ -194,9 +194,13 @@ TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
 }
 
 TEST_F(NetworkTCPServerTest, StalledListenersCutOffWithoutStallingWriters) {
-  CheckStalledListenersCutOff(server.store, server.port, &NetworkTCPConnection::LiveCount,
-                              "NetworkTCPConnection::ParamChanged - event queue limit of 1024 "
-                              "reached, client cut off");
+  CheckStalledListenersCutOff(
+      server.store, server.port, &NetworkTCPConnection::LiveCount,
+      "NetworkTCPConnection::ParamChanged - event queue not drained for 500 ms, client cut off");
+}
+
+TEST_F(NetworkTCPServerTest, ReadingListenerKeepsUpWithAPipeliningWriter) {
+  CheckReaderKeepsUpWithPipelinedSets(server.port, &NetworkTCPConnection::LiveCount);
 }
 
 TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) {

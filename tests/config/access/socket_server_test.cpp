@@ -261,9 +261,13 @@ TEST_F(SocketServerTest, ManyConnectionsAndCycles) {
 }
 
 TEST_F(SocketServerTest, StalledListenersCutOffWithoutStallingWriters) {
-  CheckStalledListenersCutOff(server.store, server.port, &SocketConnection::LiveCount,
-                              "SocketConnection::ParamChanged - event queue limit of 1024 "
-                              "reached, client cut off");
+  CheckStalledListenersCutOff(
+      server.store, server.port, &SocketConnection::LiveCount,
+      "SocketConnection::ParamChanged - event queue not drained for 500 ms, client cut off");
+}
+
+TEST_F(SocketServerTest, ReadingListenerKeepsUpWithAPipeliningWriter) {
+  CheckReaderKeepsUpWithPipelinedSets(server.port, &SocketConnection::LiveCount);
 }
 
 TEST(SocketServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) {
