@@ -80,6 +80,18 @@ bool LocalConfigFactory::Disconnect(Config* config) {
   return true;
 }
 
+bool LocalConfigFactory::DisconnectIfUnshared(Config* config) {
+  SemaphoreHelper lock(&_lock);
+  ConfigManager* manager = dynamic_cast<ConfigManager*>(config);
+  if (manager == nullptr) return false;
+  auto it = _configs.find(manager->GetConfigID());
+  if (it == _configs.end() || it->second != config || manager->GetUseCount() != 1) return false;
+  manager->DecrementUseCount();
+  _configs.erase(it);
+  delete manager;
+  return true;
+}
+
 }  // namespace access
 }  // namespace config
 }  // namespace zyn

@@ -6,7 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -32,7 +34,8 @@ NetworkServer::NetworkServer(int f, int t, int p)
       udpConnection(nullptr),
       _fd(-1),
       _multicast_port(NetworkUDPConnection::kDefaultEventPort),
-      _event_interface(NetworkUDPConnection::kDefaultEventInterface) {
+      _event_interface(NetworkUDPConnection::kDefaultEventInterface),
+      _udp_store_idle_ms(NetworkUDPConnection::kDefaultStoreIdleMs) {
   SemaphoreHelper::InitSemaphore(&_stop_lock);
 }
 
@@ -129,9 +132,24 @@ void NetworkServer::RunDatagram() {
   }
   udpConnection->SetMulticastPort(_multicast_port);
   udpConnection->SetEventInterface(_event_interface);
+  udpConnection->SetStoreIdleMs(_udp_store_idle_ms);
+  // Idle stores are looked for a few times per expiry, at least once a
+  // second; the receive wakes up for it even when no datagram comes.
+  long sweepMs = 1000;
+  if (_udp_store_idle_ms > 0) sweepMs = std::max(10L, std::min(sweepMs, _udp_store_idle_ms / 4));
+  timeval wake{sweepMs / 1000, (sweepMs % 1000) * 1000};
+  if (setsockopt(_fd, SOL_SOCKET, SO_RCVTIMEO, &wake, sizeof wake) != 0)
+    perror("NetworkServer::Run - unable to set the receive time-out");
+  auto nextSweep = std::chrono::steady_clock::now() + std::chrono::milliseconds(sweepMs);
   // Touched only as far as each datagram reaches.
   std::vector<char> buffer(kDatagramBufferSize);
-  while (!stop) WaitForDatagram(buffer.data());
+  while (!stop) {
+    WaitForDatagram(buffer.data());
+    auto now = std::chrono::steady_clock::now();
+    if (now < nextSweep) continue;
+    udpConnection->ExpireIdleStores();
+    nextSweep = now + std::chrono::milliseconds(sweepMs);
+  }
   delete udpConnection;
   udpConnection = nullptr;
 }
@@ -174,14 +192,14 @@ bool NetworkServer::WaitForDatagram(char* buffer) {
   socklen_t length = sizeof from;
   ssize_t n =
       ::recvfrom(_fd, buffer, kDatagramBufferSize, 0, reinterpret_cast<sockaddr*>(&from), &length);
-  if (n < 0 && errno == EINTR) return true;
+  if (n < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK)) return true;
   if (n == 0 && stop) {
     fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n");
     return false;
   }
   if (n < 0) {
-    perror("NetworkServer::WaitForDatagram");
-    fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom error condition\n");
+    static RateLimitedLog failed;
+    failed.Print("NetworkServer::WaitForDatagram - recvfrom error condition: %s", strerror(errno));
     return false;
   }
   udpConnection->ProcessMessages(buffer, static_cast<int>(n), from);

@@ -65,6 +65,11 @@ class NetworkServer {
   // byte has (default kDefaultReadTimeoutMs, 0: no limit); a client stalled
   // mid-record is closed, one idle between records never is.
   void SetReadTimeoutMs(long ms) { _read_timeout_ms = ms; }
+  // UDP: how long a store opened by a Connect Request may go without a
+  // request before it is given back (default
+  // NetworkUDPConnection::kDefaultStoreIdleMs, 0: never). Store 0 and
+  // stores other clients hold are kept.
+  void SetUdpStoreIdleMs(long ms) { _udp_store_idle_ms = ms; }
 
   // Creates and binds the socket (and listens for TCP), replacing a
   // previous one. False with a message.
@@ -79,7 +84,8 @@ class NetworkServer {
   // The next accepted client, started; false when none was accepted.
   bool WaitForConnection();
   // Receives one datagram and hands it to the UDP connection; false when
-  // the receive failed or the socket was shut.
+  // the receive failed or the socket was shut. Also true when none came
+  // within the receive time-out, which lets Run look for idle stores.
   bool WaitForDatagram(char* buffer);
 
   // The port actually bound after Init.
@@ -103,6 +109,7 @@ class NetworkServer {
   std::string _event_interface;
   std::string _listen_address;
   long _read_timeout_ms = kDefaultReadTimeoutMs;
+  long _udp_store_idle_ms;
   sem_t _stop_lock;
   ::zyn::config::access::ConnectionGate _gate{"NetworkServer::WaitForConnection"};  // TCP thread
 };

@@ -12,6 +12,7 @@
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_types.h"
 #include "config/values/string_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -182,11 +183,41 @@ void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_
 Config* NetworkUDPConnection::GetConfig(unsigned int configID) {
   auto it = configs.find(configID);
   if (it == configs.end()) {
-    fprintf(stderr, "NetworkUDPConnection::GetConfig - ConfigID %d instance not present\n",
-            static_cast<int>(configID));
+    static RateLimitedLog absent;
+    absent.Print("NetworkUDPConnection::GetConfig - ConfigID %d instance not present",
+                 static_cast<int>(configID));
     return nullptr;
   }
+  _last_used[configID] = std::chrono::steady_clock::now();
   return it->second;
+}
+
+int NetworkUDPConnection::ExpireIdleStores() {
+  if (_store_idle.count() <= 0) return 0;
+  auto now = std::chrono::steady_clock::now();
+  int released = 0;
+  for (auto it = configs.begin(); it != configs.end();) {
+    unsigned int configID = it->first;
+    if (configID == 0 || now - _last_used[configID] < _store_idle) {
+      ++it;
+      continue;
+    }
+    // The relay leaves first: a released store must not call it. A store
+    // someone else still holds keeps its relay and stays open for UDP.
+    Unrelay(configID);
+    if (!ConfigFactoryImpl::GetInstance()->DisconnectStoreIfUnshared(it->second)) {
+      Relay(configID, it->second);
+      _last_used[configID] = now;
+      ++it;
+      continue;
+    }
+    _last_used.erase(configID);
+    it = configs.erase(it);
+    ++released;
+  }
+  if (released > 0)
+    fprintf(stderr, "NetworkUDPConnection::ExpireIdleStores - %d idle stores released\n", released);
+  return released;
 }
 
 void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
@@ -217,6 +248,7 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
     ConfigFactoryImpl::GetInstance()->Disconnect(it->second);
   }
   configs[configID] = config;
+  _last_used[configID] = std::chrono::steady_clock::now();
   Relay(configID, config);
   // The UDP form of the answer is a whole 44-byte response record.
   XCONFIGMGR_RESPONSE_T response = Response(request.header, XCFG_CONNECT_RESPONSE, 0, 0, 0);

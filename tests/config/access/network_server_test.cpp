@@ -30,8 +30,9 @@ XCONFIGMGR_REQUEST_T Request(uint32_t msgtype, uint32_t requestID, uint32_t para
                               streamLength, 0};
 }
 
-XCONFIGMGR_CONNECTION_REQUEST_T Connection(uint32_t msgtype, uint32_t requestID) {
-  return XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(msgtype, kClient, requestID, 0)};
+XCONFIGMGR_CONNECTION_REQUEST_T Connection(uint32_t msgtype, uint32_t requestID,
+                                           uint32_t configID = 0) {
+  return XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(msgtype, kClient, requestID, configID)};
 }
 
 std::vector<char> StringPayload(unsigned int paramID, const std::string& text) {
@@ -313,6 +314,44 @@ TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
         "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength\n"})
     EXPECT_NE(std::string::npos, err.find(line)) << "missing: " << line << "in:\n" << err;
   EXPECT_TRUE(events.Receive(200).empty()) << "a dropped Set String was multicast";
+}
+
+TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
+  RawDatagramPeer events, peer;
+  auto* configured = NetworkLoopbackServer::Make(SOCK_DGRAM, events.port);
+  configured->SetUdpStoreIdleMs(300);
+  ServerOnLoopback<NetworkServer, NetworkTCPConnection> udp(configured);
+  LoopbackServer local;
+  // The Connect Response's error, or kRefused when none came.
+  auto connect = [&](uint32_t configID) {
+    peer.Send(udp.port, Connection(XCFG_CONNECT_REQUEST, 1, configID));
+    Words words = peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>();
+    return words.size() > 7 ? words[7] : kRefused;
+  };
+  auto answered = [&](uint32_t configID) {
+    peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, 2, kPercent, 0, 0, configID));
+    return peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(nullptr, 1000).size() > 1;
+  };
+  std::string err = Stderr([&] {
+    ConfigFactoryImpl::GetInstance()->SetMaxStores(3);  // store 0 and two more
+    RawPeer stream(local.port);
+    ASSERT_EQ(0u, stream.Connect(kClient, 7));
+    EXPECT_EQ(0u, connect(0));
+    EXPECT_EQ(0u, connect(7));
+    EXPECT_EQ(0u, connect(5));
+    EXPECT_EQ(2u, connect(6)) << "the store limit is reached";
+    uint32_t error = 2;
+    for (int tries = 0; error != 0 && tries < 200; ++tries) {
+      usleep(50000);
+      error = connect(6);
+    }
+    EXPECT_EQ(0u, error) << "the idle store 5 was never given back";
+    EXPECT_TRUE(answered(0)) << "store 0 is never given back";
+    EXPECT_TRUE(answered(7)) << "a store a stream client holds is kept for UDP too";
+    EXPECT_FALSE(answered(5));
+    ConfigFactoryImpl::GetInstance()->SetMaxStores(0);
+  });
+  EXPECT_NE(std::string::npos, err.find("idle stores released")) << err;
 }
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
