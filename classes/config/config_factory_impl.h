@@ -55,6 +55,8 @@ class ConfigFactoryImpl : public ConfigFactory {
   bool DisconnectStoreIfUnshared(Config* config) {
     return _local_factory->DisconnectIfUnshared(config);
   }
+  // The number of in-process stores open now.
+  [[nodiscard]] size_t OpenStoreCount() { return _local_factory->OpenCount(); }
   // At most `count` in-process stores open at once (0, the default: no
   // limit); see LocalConfigFactory::SetMaxStores.
   void SetMaxStores(int count) { _local_factory->SetMaxStores(count); }

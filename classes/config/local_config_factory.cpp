@@ -80,6 +80,11 @@ bool LocalConfigFactory::Disconnect(Config* config) {
   return true;
 }
 
+size_t LocalConfigFactory::OpenCount() {
+  SemaphoreHelper lock(&_lock);
+  return _configs.size();
+}
+
 bool LocalConfigFactory::DisconnectIfUnshared(Config* config) {
   SemaphoreHelper lock(&_lock);
   ConfigManager* manager = dynamic_cast<ConfigManager*>(config);

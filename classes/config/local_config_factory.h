@@ -48,6 +48,8 @@ class LocalConfigFactory {
   // as it was, while another user still holds it or when it is not this
   // factory's.
   bool DisconnectIfUnshared(Config* config);
+  // The number of stores open now.
+  [[nodiscard]] size_t OpenCount();
   // The number after "configid=" in the URI, or 0.
   static eConfigID_t GetConfigID(std::string uri);
 

@@ -4,6 +4,9 @@
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
+#include <map>
+
+#include "support/semaphore_helper.h"
 
 namespace {
 
@@ -20,6 +23,35 @@ int64_t NowMs() {
 void RateLimitedLog::ResetAll() { ++s_generation; }
 
 bool RateLimitedLog::Print(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  bool printed = PrintV(format, arguments);
+  va_end(arguments);
+  return printed;
+}
+
+bool RateLimitedLog::Report(const char* format, ...) {
+  static sem_t* lock = [] {
+    auto* made = new sem_t;
+    SemaphoreHelper::InitSemaphore(made);
+    return made;
+  }();
+  static auto* kinds = new std::map<const char*, RateLimitedLog*>();
+  RateLimitedLog* kind;
+  {
+    SemaphoreHelper hold(lock);
+    RateLimitedLog*& found = (*kinds)[format];
+    if (found == nullptr) found = new RateLimitedLog();
+    kind = found;
+  }
+  va_list arguments;
+  va_start(arguments, format);
+  bool printed = kind->PrintV(format, arguments);
+  va_end(arguments);
+  return printed;
+}
+
+bool RateLimitedLog::PrintV(const char* format, va_list arguments) {
   int saved = errno;
   uint64_t generation = s_generation;
   if (_generation.exchange(generation) != generation) {
@@ -35,10 +67,7 @@ bool RateLimitedLog::Print(const char* format, ...) {
     return false;
   }
   char line[512];
-  va_list arguments;
-  va_start(arguments, format);
   vsnprintf(line, sizeof line, format, arguments);
-  va_end(arguments);
   unsigned long held = _suppressed.exchange(0);
   if (held > 0) {
     fprintf(stderr, "%s (%lu more since the last report)\n", line, held);

@@ -158,10 +158,10 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   // Every other request needs the store a Connect Request opens first.
   if (config == nullptr) {
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
-            "(connection pid = 0x%X)\n",
-            SymbolicName(msgtype), connectionID & 0xFFFF);
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+        "(connection pid = 0x%X)",
+        SymbolicName(msgtype), connectionID & 0xFFFF);
     return false;
   }
   if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
@@ -200,15 +200,15 @@ bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
   config = ConfigFactoryImpl::GetInstance()->ConnectStore(request.header.configID, &refused);
   if (config == nullptr && !refused) {
     // No answer: the client's own wait for the response ends its attempt.
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config");
     return true;
   }
   // A store limit refusal is answered, so the client fails at once.
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
                                             refused ? kXConfigStoreLimitReached : 0u};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessConnectRequest - unable to send response\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessConnectRequest - unable to send response");
   return true;
 }
 
@@ -217,7 +217,8 @@ bool NetworkTCPConnection::ProcessDisconnectRequest(
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
                                             0};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessDisconnectRequest: unable to send response\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessDisconnectRequest: unable to send response");
   return true;
 }
 
@@ -226,7 +227,7 @@ bool NetworkTCPConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request
   XCONFIGMGR_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessGetRequest - _socket->send failed\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessGetRequest - _socket->send failed");
   return true;
 }
 
@@ -244,13 +245,13 @@ bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& r
   if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
     ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
-    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength");
     return true;
   }
   // A payload longer than any value cannot be skipped safely: the stream
   // cannot be resynchronised, so the connection ends.
   if (request.streamLength > kXConfigStreamBufferSize) {
-    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength");
     return false;
   }
   std::vector<char> payload(request.streamLength);
@@ -310,9 +311,9 @@ bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
     registered = false;
   }
   if (!SendRecord(response))
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
-            "response!\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+        "response!");
   return true;
 }
 
@@ -381,7 +382,7 @@ bool NetworkTCPConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& reque
   std::vector<char> payload;
   if (value != nullptr) payload = EncodePayload(value);
   if (payload.empty()) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   XCONFIGMGR_RESPONSE_T response{
@@ -396,7 +397,7 @@ bool NetworkTCPConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& reques
   std::vector<char> bytes;
   if (!BuildStreamResponse(request, bytes)) return false;
   if (!Send(bytes.data(), bytes.size())) {
-    perror("SendStreamResponse: socket send failed");
+    RateLimitedLog::Report("SendStreamResponse: socket send failed: %s", FailureCause(errno));
     return false;
   }
   return true;
@@ -404,11 +405,11 @@ bool NetworkTCPConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& reques
 
 bool NetworkTCPConnection::SendErrorResponse(XCONFIGMGR_RESPONSE_T& response) {
   if (response.error == 0)
-    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+    RateLimitedLog::Report("WARNING: response.error was not supplied by caller!!!");
   response.streamLength = 0;
   response.streamBufferSize = 0;
   if (!SendRecord(response)) {
-    perror("SendErrorResponse: send failed");
+    RateLimitedLog::Report("SendErrorResponse: send failed: %s", FailureCause(errno));
     return false;
   }
   return true;

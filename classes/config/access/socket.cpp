@@ -250,7 +250,7 @@ int Socket::peek(void* buffer, int length) {
 bool Socket::sendto(const void* buffer, int length, const sockaddr_in& address) {
   if (::sendto(_socket, buffer, Bytes(length), 0, reinterpret_cast<const sockaddr*>(&address),
                sizeof address) == -1) {
-    perror("Socket::sendto - failed");
+    RateLimitedLog::Report("Socket::sendto - failed: %s", strerror(errno));
     return false;
   }
   return true;

@@ -153,10 +153,10 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   // Every other request needs the store a Connect Request opens first.
   if (_store == nullptr) {
-    fprintf(stderr,
-            "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
-            "(connection pid = 0x%X)\n",
-            SymbolicName(msgtype), _connection_id);
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+        "(connection pid = 0x%X)",
+        SymbolicName(msgtype), _connection_id);
     return false;
   }
   if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
@@ -197,7 +197,7 @@ bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
                                             error};
   if (!SendRecord(response))
-    fprintf(stderr, "SocketConnection::ProcessConnectRequest - unable to send response\n");
+    RateLimitedLog::Report("SocketConnection::ProcessConnectRequest - unable to send response");
   return true;
 }
 
@@ -205,8 +205,10 @@ bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQU
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
                                             0};
   if (!SendRecord(response)) {
-    perror("SocketConnection::ProcessDisconnectRequest - unable to send response");
-    fprintf(stderr, "SocketConnection::ProcessDisconnectRequest: unable to send response\n");
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessDisconnectRequest - unable to send response: %s",
+        FailureCause(errno));
+    RateLimitedLog::Report("SocketConnection::ProcessDisconnectRequest: unable to send response");
   }
   return true;
 }
@@ -216,7 +218,7 @@ bool SocketConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
   XCONFIGMGR_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
-    fprintf(stderr, "SocketConnection::ProcessGetRequest - _socket->send failed\n");
+    RateLimitedLog::Report("SocketConnection::ProcessGetRequest - _socket->send failed");
   return true;
 }
 
@@ -234,13 +236,13 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
   if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
     ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
-    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("SocketConnection::ProcessSetStreamMessage - invalid streamLength");
     return true;
   }
   // A payload longer than any value cannot be skipped safely: the stream
   // cannot be resynchronised, so the connection ends.
   if (request.streamLength > kXConfigStreamBufferSize) {
-    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("SocketConnection::ProcessSetStreamMessage - invalid streamLength");
     return false;
   }
   std::vector<char> payload(request.streamLength);
@@ -271,9 +273,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
     case eClassID_IntegerValue: {
       IntegerValue* integer = dynamic_cast<IntegerValue*>(value);
       if (integer == nullptr) {
-        fprintf(
-            stderr,
-            "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
+        RateLimitedLog::Report(
+            "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue");
         return 0;
       }
       unsigned int v;
@@ -283,8 +284,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
     case eClassID_StringValue: {
       StringValue* text = dynamic_cast<StringValue*>(value);
       if (text == nullptr) {
-        fprintf(stderr,
-                "SocketConnection::DoSetRequest - type error, configValue is not a StringValue\n");
+        RateLimitedLog::Report(
+            "SocketConnection::DoSetRequest - type error, configValue is not a StringValue");
         return 0;
       }
       std::string v;
@@ -292,7 +293,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
       return _store->Set(text->GetParamID(), v);
     }
     default:
-      fprintf(stderr, "SocketConnection::DoSetRequest - returning error (unsupported classID)\n");
+      RateLimitedLog::Report(
+          "SocketConnection::DoSetRequest - returning error (unsupported classID)");
       return 0;
   }
 }
@@ -331,9 +333,9 @@ bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
   }
   // Queued events still unsent are dropped: none follows the response.
   if (!SendRecord(response))
-    fprintf(stderr,
-            "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
-            "response!\n");
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+        "response!");
   return true;
 }
 
@@ -414,17 +416,17 @@ bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
       msgtype = XCFG_PARAM_STREAM_CHANGED_EVENT;
       break;
     default:
-      fprintf(stderr, "SocketConnection::SendStreamResponse - Invalid msgtype\n");
+      RateLimitedLog::Report("SocketConnection::SendStreamResponse - Invalid msgtype");
       return false;
   }
   ConfigValue* value = dynamic_cast<ConfigValue*>(_store->GetSerializable(request.paramID));
   if (value == nullptr) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   std::vector<char> payload = EncodePayload(value);
   if (payload.empty()) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   XCONFIGMGR_RESPONSE_T response{
@@ -441,7 +443,7 @@ bool SocketConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& request) {
   std::vector<char> bytes;
   if (!BuildStreamResponse(request, bytes)) return false;
   if (!Send(bytes.data(), bytes.size())) {
-    perror("SendStreamResponse: socket send failed");
+    RateLimitedLog::Report("SendStreamResponse: socket send failed: %s", FailureCause(errno));
     return false;
   }
   return true;
@@ -460,9 +462,9 @@ bool SocketConnection::SendErrorResponse(XCONFIGMGR_CONNECTION_RESPONSE_T& respo
 template <typename Response>
 bool SocketConnection::SendError(const Response& response) {
   if (response.error == 0)
-    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+    RateLimitedLog::Report("WARNING: response.error was not supplied by caller!!!");
   if (!SendRecord(response)) {
-    perror("SendErrorResponse: mq_send failed");
+    RateLimitedLog::Report("SendErrorResponse: mq_send failed: %s", FailureCause(errno));
     return false;
   }
   return true;

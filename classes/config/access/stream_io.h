@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 namespace zyn {
@@ -70,6 +71,13 @@ class StreamReader {
   std::chrono::steady_clock::time_point _deadline = std::chrono::steady_clock::time_point::max();
 };
 
+// The cause of a failed transfer for a message: the system's text for
+// `error`, or, for 0 (no system call failed: the peer closed, the record
+// was short or the connection had already been cut off), saying so rather
+// than "Success".
+inline const char* FailureCause(int error) {
+  return error != 0 ? strerror(error) : "connection closed or record incomplete";
+}
 // Writes all `length` bytes (without SIGPIPE); false on an error or a send
 // time-out.
 bool SendAll(int fd, const char* buffer, size_t length);
