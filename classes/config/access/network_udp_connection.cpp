@@ -185,6 +185,17 @@ void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_
 
 Config* NetworkUDPConnection::GetConfig(unsigned int configID) {
   auto it = configs.find(configID);
+  if (it == configs.end() && _expired.count(configID) > 0) {
+    // Its clients still think it open: it is opened again for them, as a
+    // Connect Request would, when the store limit allows.
+    bool refused = false;
+    Config* config = ConfigFactoryImpl::GetInstance()->ConnectStore(configID, &refused);
+    if (config != nullptr) {
+      _expired.erase(configID);
+      it = configs.emplace(configID, config).first;
+      Relay(configID, config);
+    }
+  }
   if (it == configs.end()) {
     RateLimitedLog::Report("NetworkUDPConnection::GetConfig - ConfigID %d instance not present",
                            static_cast<int>(configID));
@@ -214,6 +225,7 @@ int NetworkUDPConnection::ExpireIdleStores() {
       continue;
     }
     _last_used.erase(configID);
+    _expired.insert(configID);
     it = configs.erase(it);
     ++released;
   }
@@ -250,6 +262,7 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
     ConfigFactoryImpl::GetInstance()->Disconnect(it->second);
   }
   configs[configID] = config;
+  _expired.erase(configID);
   _last_used[configID] = std::chrono::steady_clock::now();
   Relay(configID, config);
   // The UDP form of the answer is a whole 44-byte response record.
@@ -260,7 +273,9 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
 
 void NetworkUDPConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
                                                     const sockaddr_in& from) {
-  if (GetConfig(request.header.configID) == nullptr) {
+  // A given-back store is not opened again just to say goodbye.
+  if (_expired.erase(request.header.configID) == 0 &&
+      GetConfig(request.header.configID) == nullptr) {
     RateLimitedLog::Report(
         "NetworkUDPConnection::ProcessDisconnectRequest - Unable to get ConfigManger for "
         "ConfigID %d",

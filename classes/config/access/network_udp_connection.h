@@ -13,8 +13,10 @@
 // expiry (kDefaultStoreIdleMs unless set otherwise) is given back by
 // ExpireIdleStores, so a few datagrams naming config IDs cannot hold the
 // process's store limit for ever; store 0 and a store that another client
-// (a stream connection, the owner) still holds are kept. Whatever is left
-// is released when the connection is deleted.
+// (a stream connection, the owner) still holds are kept. A request that
+// names a given-back store opens it again (store limit permitting), so its
+// clients, which cannot tell, carry on. Whatever is left is released when
+// the connection is deleted.
 // A Connect that the process's store limit refuses is answered with the
 // refusal; one for a store that cannot be made is not answered.
 // The server's socket, used to answer, stays the server's.
@@ -30,6 +32,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -85,7 +88,8 @@ class NetworkUDPConnection : public NetworkConnection {
 
  private:
   // The store opened for `configID` by an earlier Connect Request, or null
-  // (with a message). A store found is marked as used now.
+  // (with a message). A given-back store is opened again; a store found is
+  // marked as used now.
   Config* GetConfig(unsigned int configID);
 
   void ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
@@ -147,6 +151,8 @@ class NetworkUDPConnection : public NetworkConnection {
   // When each open store was last named by a request; server thread only.
   std::map<unsigned int, std::chrono::steady_clock::time_point> _last_used;
   std::chrono::milliseconds _store_idle{kDefaultStoreIdleMs};
+  // Config IDs whose stores were given back for idleness; server thread only.
+  std::set<unsigned int> _expired;
   Socket* serverSocket;
   unsigned int eventSequence;  // guarded by _event_lock
   // Guards the event socket and the sequence counter: relays multicast from

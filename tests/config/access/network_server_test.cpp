@@ -372,7 +372,7 @@ TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
     EXPECT_EQ(0u, error) << "the idle store 5 was never given back";
     EXPECT_TRUE(answered(0)) << "store 0 is never given back";
     EXPECT_TRUE(answered(7)) << "a store a stream client holds is kept for UDP too";
-    EXPECT_FALSE(answered(5));
+    EXPECT_FALSE(answered(5)) << "store 5, given back, cannot open again while 6 holds its place";
     factory->SetMaxStores(0);
   });
   EXPECT_NE(std::string::npos, err.find("store limit of")) << "the limit never bound:\n" << err;
