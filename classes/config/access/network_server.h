@@ -13,6 +13,9 @@
 // once; TCP connections already accepted are not affected
 // (NetworkTCPConnection::StopAll ends them).
 //
+// The UDP server's receive wakes up at least once a second without a
+// datagram, so that stores its clients left idle are given back in time.
+//
 // Locks: `_stop_lock` makes Stop and the thread's deletion of the server
 // exclusive, so Stop never touches a deleted server.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_SERVER_H

@@ -19,8 +19,9 @@
 // sends the events on its own thread. `lock` guards the sending side of the
 // socket, so events and responses never interleave; _state_lock guards
 // `registered`, `paramIDs`, the connection ID and the store's ID. A client
-// that stops reading is cut off (its queue not drained in time, or a send timed out: socket
-// shut, its thread ends) and never makes a writer wait.
+// that stops reading is cut off (its queue not drained in time, or a send
+// timed out: socket shut, its thread ends) and never makes a writer wait.
+// A client stalled mid-record is closed after the read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 

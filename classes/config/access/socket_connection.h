@@ -16,8 +16,9 @@
 // sends the events on its own thread. _state_lock guards the registration
 // flag, the filter and the connection ID; _send_lock guards the sending side
 // of the socket, so events and responses never interleave. A client that
-// stops reading is cut off (its queue not drained in time, or a send timed out) and never
-// makes a writer wait.
+// stops reading is cut off (its queue not drained in time, or a send timed
+// out) and never makes a writer wait. A client stalled mid-record is closed
+// after the read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 
