@@ -167,8 +167,7 @@ bool NetworkServer::WaitForConnection() {
     int error = errno;
     delete accepted;
     if (_gate.RefuseOnFailedAccept(_fd)) return true;
-    static RateLimitedLog failed;
-    failed.Print("NetworkServer::WaitForConnection - accept failed: %s", strerror(error));
+    RateLimitedLog::Report("NetworkServer::WaitForConnection - accept failed: %s", strerror(error));
     return false;
   }
   _gate.Accepted();
@@ -198,8 +197,8 @@ bool NetworkServer::WaitForDatagram(char* buffer) {
     return false;
   }
   if (n < 0) {
-    static RateLimitedLog failed;
-    failed.Print("NetworkServer::WaitForDatagram - recvfrom error condition: %s", strerror(errno));
+    RateLimitedLog::Report("NetworkServer::WaitForDatagram - recvfrom error condition: %s",
+                           strerror(errno));
     return false;
   }
   udpConnection->ProcessMessages(buffer, static_cast<int>(n), from);

@@ -114,9 +114,8 @@ void NetworkTCPConnection::ProcessMessages() {
     uint32_t msgtype = PeekMessageType(record);
     size_t size = TCPRequestSize(msgtype);
     if (size == 0) {
-      static RateLimitedLog unknown;
-      unknown.Print("NetworkTCPConnection::ProcessMessages - Unknown message type %d",
-                    static_cast<int>(msgtype));
+      RateLimitedLog::Report("NetworkTCPConnection::ProcessMessages - Unknown message type %d",
+                             static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
@@ -135,15 +134,13 @@ void NetworkTCPConnection::ReportBrokenRecord(const char* what) {
     id = connectionID & 0xFFFF;
   }
   if (_reader.TimedOut()) {
-    static RateLimitedLog timedOut;
-    timedOut.Print(
+    RateLimitedLog::Report(
         "NetworkTCPConnection::ProcessMessages - %s incomplete after the read time-out of %ld "
         "ms, connection closed (connection pid = 0x%X)",
         what, _read_timeout_ms, id);
     return;
   }
-  static RateLimitedLog broken;
-  broken.Print(
+  RateLimitedLog::Report(
       "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)",
       what, id);
 }
@@ -333,8 +330,7 @@ bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned i
 
 void NetworkTCPConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  static RateLimitedLog cutOff;
-  cutOff.Print(
+  RateLimitedLog::Report(
       "NetworkTCPConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
       why, connectionID & 0xFFFF);
   _broken = true;
@@ -367,9 +363,8 @@ bool NetworkTCPConnection::SendEvents(const std::vector<QueuedEvent>& events) {
   if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
   // A send time-out (the client stopped reading) or a vanished client.
   int error = errno;
-  static RateLimitedLog failed;
-  failed.Print("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
-               error != 0 ? strerror(error) : "connection closed");
+  RateLimitedLog::Report("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
+                         error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 

@@ -128,8 +128,7 @@ bool Socket::accept(Socket* into) {
   }
   if (accepted <= 0) {
     // A descriptor shortage or a failing system repeats per waiting client.
-    static RateLimitedLog failed;
-    failed.Print("Socket::accept - socket <= 0: %s", strerror(error));
+    RateLimitedLog::Report("Socket::accept - socket <= 0: %s", strerror(error));
     errno = error;
     return false;
   }

@@ -113,9 +113,8 @@ void SocketConnection::ProcessMessages() {
     uint32_t msgtype = PeekMessageType(record);
     size_t size = LocalRequestSize(msgtype);
     if (size == 0) {
-      static RateLimitedLog unknown;
-      unknown.Print("SocketConnection::ProcessMessages - Unknown message type %d",
-                    static_cast<int>(msgtype));
+      RateLimitedLog::Report("SocketConnection::ProcessMessages - Unknown message type %d",
+                             static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
@@ -129,15 +128,13 @@ void SocketConnection::ProcessMessages() {
 
 void SocketConnection::ReportBrokenRecord(const char* what) {
   if (_reader.TimedOut()) {
-    static RateLimitedLog timedOut;
-    timedOut.Print(
+    RateLimitedLog::Report(
         "SocketConnection::ProcessMessages - %s incomplete after the read time-out of %ld ms, "
         "connection closed (connection pid = 0x%X)",
         what, _read_timeout_ms, _connection_id);
     return;
   }
-  static RateLimitedLog broken;
-  broken.Print(
+  RateLimitedLog::Report(
       "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)", what,
       _connection_id);
 }
@@ -208,7 +205,6 @@ bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQU
     RateLimitedLog::Report(
         "SocketConnection::ProcessDisconnectRequest - unable to send response: %s",
         FailureCause(errno));
-    RateLimitedLog::Report("SocketConnection::ProcessDisconnectRequest: unable to send response");
   }
   return true;
 }
@@ -362,8 +358,7 @@ bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int v
 
 void SocketConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  static RateLimitedLog cutOff;
-  cutOff.Print(
+  RateLimitedLog::Report(
       "SocketConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
       why, _connection_id);
   _broken = true;
@@ -396,9 +391,8 @@ bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
   if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
   // A send time-out (the client stopped reading) or a vanished client.
   int error = errno;
-  static RateLimitedLog failed;
-  failed.Print("SocketConnection::ParamChanged - unable to send event to socket: %s",
-               error != 0 ? strerror(error) : "connection closed");
+  RateLimitedLog::Report("SocketConnection::ParamChanged - unable to send event to socket: %s",
+                         error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 
