@@ -279,18 +279,6 @@ TEST(SocketServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) 
                               "incomplete after the read time-out of 300 ms, connection closed");
 }
 
-TEST(SocketServerLimitsTest, FailedAcceptsBackOffUntilOneSucceeds) {
-  ConnectionGate gate("test");
-  std::vector<long> delays;
-  for (int i = 0; i < 12; ++i) {
-    EXPECT_FALSE(gate.RefuseOnFailedAccept(-1)) << "descriptors are left";
-    delays.push_back(gate.AcceptDelayMs());
-  }
-  EXPECT_EQ((std::vector<long>{1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1000, 1000}), delays);
-  gate.Accepted();
-  EXPECT_EQ(0, gate.AcceptDelayMs()) << "a success ends the pause";
-}
-
 TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
   test_catalogue::Register();
   testing::internal::CaptureStderr();
