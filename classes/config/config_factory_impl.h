@@ -50,6 +50,13 @@ class ConfigFactoryImpl : public ConfigFactory {
   // refusal by the store limit, already reported (at most once a second),
   // from a store that could not be made.
   Config* ConnectStore(uint32_t configID, bool* refused);
+  // Gives back a store from ConnectStore only when no one else holds it;
+  // see LocalConfigFactory::DisconnectIfUnshared.
+  bool DisconnectStoreIfUnshared(Config* config) {
+    return _local_factory->DisconnectIfUnshared(config);
+  }
+  // The number of in-process stores open now.
+  [[nodiscard]] size_t OpenStoreCount() { return _local_factory->OpenCount(); }
   // At most `count` in-process stores open at once (0, the default: no
   // limit); see LocalConfigFactory::SetMaxStores.
   void SetMaxStores(int count) { _local_factory->SetMaxStores(count); }

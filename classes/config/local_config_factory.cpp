@@ -80,6 +80,23 @@ bool LocalConfigFactory::Disconnect(Config* config) {
   return true;
 }
 
+size_t LocalConfigFactory::OpenCount() {
+  SemaphoreHelper lock(&_lock);
+  return _configs.size();
+}
+
+bool LocalConfigFactory::DisconnectIfUnshared(Config* config) {
+  SemaphoreHelper lock(&_lock);
+  ConfigManager* manager = dynamic_cast<ConfigManager*>(config);
+  if (manager == nullptr) return false;
+  auto it = _configs.find(manager->GetConfigID());
+  if (it == _configs.end() || it->second != config || manager->GetUseCount() != 1) return false;
+  manager->DecrementUseCount();
+  _configs.erase(it);
+  delete manager;
+  return true;
+}
+
 }  // namespace access
 }  // namespace config
 }  // namespace zyn

@@ -43,6 +43,13 @@ class LocalConfigFactory {
   // at 0. False for null, for anything but a ConfigManager, and for a store
   // this factory does not track.
   bool Disconnect(Config* config);
+  // As Disconnect, but only when the caller holds the store's last use:
+  // true when it was released (and destroyed), false, with the store left
+  // as it was, while another user still holds it or when it is not this
+  // factory's.
+  bool DisconnectIfUnshared(Config* config);
+  // The number of stores open now.
+  [[nodiscard]] size_t OpenCount();
   // The number after "configid=" in the URI, or 0.
   static eConfigID_t GetConfigID(std::string uri);
 

@@ -2,6 +2,7 @@
 // SIGINT with clients still connected, and its start-up failures.
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -99,7 +100,10 @@ TEST(ConfigdTest, CommandLine) {
                                              {"--multicast-port=0"},
                                              {"--address", "lan"},
                                              {"--max-connections", "-1"},
-                                             {"--max-stores", "many"}}) {
+                                             {"--max-stores", "many"},
+                                             {"--read-timeout-ms", "-5"},
+                                             {"--read-timeout-ms=3600001"},
+                                             {"--udp-store-idle-s", "604801"}}) {
     args.insert(args.begin(), CONFIGD_PATH);
     Outcome outcome = RunToEnd(args);
     EXPECT_EQ(2, outcome.exitCode) << args.back();
@@ -132,4 +136,45 @@ TEST(ConfigdTest, MaxStoresRefusesNewStoresOnEveryServer) {
   EXPECT_EQ(2u, Count(err, "NetworkClient::ConfirmConnection: server responded with error 2\n"));
   size_t lines = Count(daemon.Stop(SIGTERM).err, "store limit of 2 reached, configid");
   EXPECT_TRUE(lines >= 1 && lines < 12) << lines << " lines for 12 refusals: one a second at most";
+}
+
+// A stream client stalled mid-request loses its connection slot after
+// --read-timeout-ms; a store opened over UDP and left unused is given back
+// after --udp-store-idle-s, making room under --max-stores.
+TEST(ConfigdTest, StalledClientsAndIdleUdpStoresAreReleased) {
+  Daemon daemon;
+  ASSERT_TRUE(daemon.Start({"--max-connections", "1", "--read-timeout-ms", "200", "--max-stores",
+                            "2", "--udp-store-idle-s", "1"}));
+  int stalled = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(daemon.port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(0, connect(stalled, reinterpret_cast<sockaddr*>(&address), sizeof address));
+  ASSERT_EQ(2, send(stalled, "\x03\x00", 2, MSG_NOSIGNAL));  // half a message type
+  pollfd closed{stalled, POLLIN, 0};
+  char byte;
+  EXPECT_TRUE(poll(&closed, 1, 10000) == 1 && recv(stalled, &byte, 1, 0) == 0)
+      << "the stalled client was kept";
+  close(stalled);
+  EXPECT_EQ(0, RunToEnd(CtlArgs(daemon.Uri(), {"get", "FrontPanelLock"})).exitCode)
+      << "the freed slot serves the next client";
+
+  ConfigFactoryImpl* network = ConfigFactoryImpl::GetInstance();
+  auto uri = [&](int store) {
+    return daemon.NetworkUri("udp") + "/configid=" + std::to_string(store);
+  };
+  Stderr([&] {
+    Config* first = network->Connect(uri(1));
+    EXPECT_NE(nullptr, first);
+    Config* second = nullptr;
+    for (int tries = 0; second == nullptr && tries < 100; ++tries) {
+      usleep(100000);
+      second = network->Connect(uri(2));
+    }
+    EXPECT_NE(nullptr, second) << "the idle store 1 was never given back";
+    network->Disconnect(second);
+    network->Disconnect(first);
+  });
+  EXPECT_EQ(0, daemon.Stop(SIGTERM).exitCode);
 }

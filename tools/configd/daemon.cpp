@@ -68,6 +68,7 @@ bool ConfigDaemon::Start(const DaemonOptions& options) {
   _server = new SocketServer(options.port);
   _server->SetListenAddress(options.socketAddress);
   _server->SetMaxConnections(options.maxConnections);
+  _server->SetReadTimeoutMs(options.readTimeoutMs);
   if (!_server->Init()) {
     fprintf(stderr, "configd: cannot listen on port %d\n", options.port);
     Stop();
@@ -85,6 +86,7 @@ bool ConfigDaemon::InitNetwork(const DaemonOptions& options) {
   _tcp_server = new NetworkServer(AF_INET, SOCK_STREAM, options.tcpPort);
   _tcp_server->SetListenAddress(options.tcpAddress);
   _tcp_server->SetMaxConnections(options.maxConnections);
+  _tcp_server->SetReadTimeoutMs(options.readTimeoutMs);
   if (!_tcp_server->Init()) {
     fprintf(stderr, "configd: cannot listen on tcp port %d\n", options.tcpPort);
     return false;
@@ -94,6 +96,7 @@ bool ConfigDaemon::InitNetwork(const DaemonOptions& options) {
   _udp_server->SetListenAddress(options.udpAddress);
   _udp_server->SetMulticastPort(options.multicastPort);
   _udp_server->SetEventInterface(options.multicastInterface);
+  _udp_server->SetUdpStoreIdleMs(options.udpStoreIdleS * 1000);
   if (!_udp_server->Init()) {
     fprintf(stderr, "configd: cannot listen on udp port %d\n", options.udpPort);
     return false;

@@ -63,6 +63,8 @@ struct DaemonOptions {
   std::string multicastInterface = "127.0.0.1";
   int maxConnections = 1024;  // per stream server; 0: no limit
   int maxStores = 16;         // stores open at once, store 0 included; 0: no limit
+  long readTimeoutMs = 5000;  // a stream client's record must arrive whole in it; 0: no limit
+  long udpStoreIdleS = 600;   // a UDP-opened store unused this long is given back; 0: never
   std::string stateDir;       // created if missing
   long flushMs = 100;         // the longest a changed setting waits to be written
   std::string presetFolder = "/tmp/zyn";

@@ -57,6 +57,13 @@ void PrintUsage(FILE* out) {
           "  --max-stores N            stores (config IDs) open at once, store 0\n"
           "                            included; a client asking for one more is\n"
           "                            refused (default %d, 0: no limit)\n"
+          "  --read-timeout-ms N       the longest a stream client's request may take\n"
+          "                            to arrive once it has begun; a client stalled\n"
+          "                            mid-request is closed, an idle one never is\n"
+          "                            (0 to 3600000, default %ld, 0: no limit)\n"
+          "  --udp-store-idle-s N      a store opened over UDP that no request names\n"
+          "                            for N seconds is given back (0 to 604800,\n"
+          "                            default %ld, 0: never)\n"
           "  --state-dir DIR           where the settings and presets are kept, created\n"
           "                            if missing (default $HOME/.local/state/configd,\n"
           "                            or /var/lib/configd without HOME)\n"
@@ -66,7 +73,8 @@ void PrintUsage(FILE* out) {
           "  --help                    this text\n"
           "Ports 0 let the system choose; each server prints the port it got.\n",
           kXConfigPort, DaemonOptions().tcpPort, DaemonOptions().udpPort,
-          DaemonOptions().multicastPort, DaemonOptions().maxConnections, DaemonOptions().maxStores);
+          DaemonOptions().multicastPort, DaemonOptions().maxConnections, DaemonOptions().maxStores,
+          DaemonOptions().readTimeoutMs, DaemonOptions().udpStoreIdleS);
 }
 
 // A decimal number from `min` to `max`.
@@ -117,6 +125,14 @@ bool SetFlushMs(const char* text, DaemonOptions& options) {
   return ParseNumber(text, 1, 60000, options.flushMs);
 }
 
+bool SetReadTimeoutMs(const char* text, DaemonOptions& options) {
+  return ParseNumber(text, 0, 3600000, options.readTimeoutMs);
+}
+
+bool SetUdpStoreIdleS(const char* text, DaemonOptions& options) {
+  return ParseNumber(text, 0, 7 * 86400, options.udpStoreIdleS);
+}
+
 // The options that take a value: "--name VALUE" or "--name=VALUE".
 struct Option {
   const char* name;
@@ -138,6 +154,8 @@ constexpr Option kOptions[] = {
     {"--max-stores", &SetLimitOf<&DaemonOptions::maxStores>, "store limit"},
     {"--state-dir", &SetStateDir, "state folder"},
     {"--flush-ms", &SetFlushMs, "flush interval"},
+    {"--read-timeout-ms", &SetReadTimeoutMs, "read time-out"},
+    {"--udp-store-idle-s", &SetUdpStoreIdleS, "udp store idle time"},
 };
 
 // Descriptors configd keeps besides its clients' (state files, servers,

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -63,7 +64,11 @@ bool ConnectionGate::RefuseWhileExhausted(int listenFd) {
 
 bool ConnectionGate::RefuseOnFailedAccept(int listenFd) {
   _exhausted = Exhausted();
-  if (_exhausted) TakeAndClose(listenFd);
+  if (_exhausted) {
+    TakeAndClose(listenFd);
+  } else {
+    _accept_delay_ms = std::min(kMaxAcceptDelayMs, std::max(1L, 2 * _accept_delay_ms));
+  }
   return _exhausted;
 }
 

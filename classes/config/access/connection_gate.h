@@ -5,6 +5,11 @@
 // left unanswered and the accept loop does not spin on it. Refusals are
 // reported at most once a second per kind, each line naming the server.
 //
+// An accept that fails for another reason (the system short of memory or
+// buffers) is retried after a pause that doubles with each failure in a
+// row, up to kMaxAcceptDelayMs, and drops back once a client is accepted:
+// the loop neither spins nor stays slow after the trouble has passed.
+//
 // While the process is out of descriptors the gate refuses clients itself,
 // without the failing accept (and its message) per client; it lets the
 // server accept again as soon as a descriptor is free.
@@ -30,6 +35,9 @@ class ConnectionGate {
   ConnectionGate(const ConnectionGate&) = delete;
   ConnectionGate& operator=(const ConnectionGate&) = delete;
 
+  // The longest pause between two failed accepts.
+  static constexpr long kMaxAcceptDelayMs = 1000;
+
   // At most `count` live connections (0: no limit).
   void SetMaxConnections(int count) { _max_connections = count; }
 
@@ -37,8 +45,13 @@ class ConnectionGate {
   // the waiting client on `listenFd` has then been taken and closed.
   bool RefuseWhileExhausted(int listenFd);
   // After an accept that failed: true when it failed for lack of
-  // descriptors; the waiting client has then been taken and closed.
+  // descriptors; the waiting client has then been taken and closed. Any
+  // other failure lengthens the pause before the next accept.
   bool RefuseOnFailedAccept(int listenFd);
+  // After a successful accept: no pause before the next one.
+  void Accepted() { _accept_delay_ms = 0; }
+  // How long the server waits before accepting again (0: at once).
+  [[nodiscard]] long AcceptDelayMs() const { return _accept_delay_ms; }
   // After an accept: true when a client accepted with `live` connections
   // already alive is past the limit; the caller closes it.
   bool RefuseOverLimit(int live);
@@ -61,6 +74,7 @@ class ConnectionGate {
   time_t _over_limit_reported = 0;
   unsigned long _no_descriptor = 0;  // clients refused for lack of descriptors
   time_t _no_descriptor_reported = 0;
+  long _accept_delay_ms = 0;  // doubles per failed accept in a row
 };
 
 }  // namespace access

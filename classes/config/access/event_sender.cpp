@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
@@ -12,9 +13,22 @@ namespace zyn {
 namespace config {
 namespace access {
 
-EventSender::EventSender(SendFunction send, CutOffFunction cutOff, size_t bound)
+namespace {
+
+std::atomic<long> s_drain_limit_ms{EventSender::kDefaultDrainLimitMs};
+
+}  // namespace
+
+void EventSender::SetDrainLimitMs(long ms) {
+  s_drain_limit_ms = ms > 0 ? ms : kDefaultDrainLimitMs;
+}
+
+long EventSender::DrainLimitMs() { return s_drain_limit_ms; }
+
+EventSender::EventSender(SendFunction send, CutOffFunction cutOff, long drainLimitMs, size_t bound)
     : _send(std::move(send)),
       _cut_off_callback(std::move(cutOff)),
+      _drain_limit(drainLimitMs > 0 ? drainLimitMs : DrainLimitMs()),
       _bound(bound),
       _stopping(false),
       _cut_off(false),
@@ -77,10 +91,18 @@ void* EventSender::pthread_start(void* arg) {
 }
 
 bool EventSender::Post(const QueuedEvent& event) {
+  char why[64];
   {
+    auto now = std::chrono::steady_clock::now();
     SemaphoreHelper hold(&_lock);
     if (_stopping || _cut_off) return false;
-    if (_queue.size() < _bound) {
+    if (_queue.empty()) _undrained_since = now;
+    if (_queue.size() >= _bound) {
+      snprintf(why, sizeof why, "over %zu events", _bound);
+    } else if (now - _undrained_since > _drain_limit) {
+      snprintf(why, sizeof why, "not drained for %lld ms",
+               static_cast<long long>(_drain_limit.count()));
+    } else {
       _queue.push_back(event);
       // Only an idle sender is woken: a busy one finds the event itself, and
       // the writer makes no system call.
@@ -91,7 +113,7 @@ bool EventSender::Post(const QueuedEvent& event) {
     _cut_off = true;
     _queue.clear();
   }
-  _cut_off_callback();
+  _cut_off_callback(why);
   return false;
 }
 
@@ -113,12 +135,13 @@ void EventSender::Stop() {
 }
 
 void EventSender::Run() {
-  QueuedEvent event;
+  std::vector<QueuedEvent> batch;
+  batch.reserve(kMaxBatch);
   for (;;) {
-    int next = Next(event);
+    int next = Next(batch);
     if (next < 0) return;
     if (next > 0) {
-      _send(event);
+      _send(batch);
       continue;
     }
     while (sem_wait(&_pending) != 0 && errno == EINTR) {
@@ -126,15 +149,17 @@ void EventSender::Run() {
   }
 }
 
-int EventSender::Next(QueuedEvent& event) {
+int EventSender::Next(std::vector<QueuedEvent>& batch) {
+  batch.clear();
   SemaphoreHelper hold(&_lock);
   if (_stopping) return -1;
   if (_queue.empty()) {
     _idle = true;
     return 0;
   }
-  event = _queue.front();
-  _queue.pop_front();
+  size_t take = std::min(_queue.size(), kMaxBatch);
+  batch.assign(_queue.begin(), _queue.begin() + static_cast<long>(take));
+  _queue.erase(_queue.begin(), _queue.begin() + static_cast<long>(take));
   return 1;
 }
 

@@ -1,11 +1,13 @@
 #include "config/access/network_connection.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <string>
 
 #include "config/config.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "support/rate_limited_log.h"
 
 namespace zyn {
 namespace boxline {
@@ -17,9 +19,8 @@ bool NetworkConnection::DoSetRequest(Config* config, ConfigValue* value) {
     case eClassID_IntegerValue: {
       IntegerValue* integer = dynamic_cast<IntegerValue*>(value);
       if (integer == nullptr) {
-        fprintf(
-            stderr,
-            "NetworkConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
+        RateLimitedLog::Report(
+            "NetworkConnection::DoSetRequest - type error, configValue is not an IntegerValue");
         return false;
       }
       unsigned int v;
@@ -29,8 +30,8 @@ bool NetworkConnection::DoSetRequest(Config* config, ConfigValue* value) {
     case eClassID_StringValue: {
       StringValue* text = dynamic_cast<StringValue*>(value);
       if (text == nullptr) {
-        fprintf(stderr,
-                "NetworkConnection::DoSetRequest - type error, configValue is not a StringValue\n");
+        RateLimitedLog::Report(
+            "NetworkConnection::DoSetRequest - type error, configValue is not a StringValue");
         return false;
       }
       std::string v;
@@ -38,7 +39,8 @@ bool NetworkConnection::DoSetRequest(Config* config, ConfigValue* value) {
       return config->Set(text->GetParamID(), v);
     }
     default:
-      fprintf(stderr, "NetworkConnection::DoSetRequest - returning error (unsupported classID)\n");
+      RateLimitedLog::Report(
+          "NetworkConnection::DoSetRequest - returning error (unsupported classID)");
       return false;
   }
 }

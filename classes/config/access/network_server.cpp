@@ -6,13 +6,17 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "config/access/network_tcp_connection.h"
 #include "config/access/network_udp_connection.h"
 #include "config/access/socket.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -30,7 +34,8 @@ NetworkServer::NetworkServer(int f, int t, int p)
       udpConnection(nullptr),
       _fd(-1),
       _multicast_port(NetworkUDPConnection::kDefaultEventPort),
-      _event_interface(NetworkUDPConnection::kDefaultEventInterface) {
+      _event_interface(NetworkUDPConnection::kDefaultEventInterface),
+      _udp_store_idle_ms(NetworkUDPConnection::kDefaultStoreIdleMs) {
   SemaphoreHelper::InitSemaphore(&_stop_lock);
 }
 
@@ -110,7 +115,9 @@ void NetworkServer::Run() {
 
 void NetworkServer::RunStream() {
   while (!stop) {
-    if (!WaitForConnection() && !stop) usleep(1000);  // out of descriptors: do not spin
+    // A failed accept is retried after a growing pause, not in a spin.
+    if (!WaitForConnection() && !stop && _gate.AcceptDelayMs() > 0)
+      usleep(_gate.AcceptDelayMs() * 1000);
   }
 }
 
@@ -125,9 +132,24 @@ void NetworkServer::RunDatagram() {
   }
   udpConnection->SetMulticastPort(_multicast_port);
   udpConnection->SetEventInterface(_event_interface);
+  udpConnection->SetStoreIdleMs(_udp_store_idle_ms);
+  // Idle stores are looked for a few times per expiry, at least once a
+  // second; the receive wakes up for it even when no datagram comes.
+  long sweepMs = 1000;
+  if (_udp_store_idle_ms > 0) sweepMs = std::max(10L, std::min(sweepMs, _udp_store_idle_ms / 4));
+  timeval wake{sweepMs / 1000, (sweepMs % 1000) * 1000};
+  if (setsockopt(_fd, SOL_SOCKET, SO_RCVTIMEO, &wake, sizeof wake) != 0)
+    perror("NetworkServer::Run - unable to set the receive time-out");
+  auto nextSweep = std::chrono::steady_clock::now() + std::chrono::milliseconds(sweepMs);
   // Touched only as far as each datagram reaches.
   std::vector<char> buffer(kDatagramBufferSize);
-  while (!stop) WaitForDatagram(buffer.data());
+  while (!stop) {
+    WaitForDatagram(buffer.data());
+    auto now = std::chrono::steady_clock::now();
+    if (now < nextSweep) continue;
+    udpConnection->ExpireIdleStores();
+    nextSweep = now + std::chrono::milliseconds(sweepMs);
+  }
   delete udpConnection;
   udpConnection = nullptr;
 }
@@ -145,11 +167,10 @@ bool NetworkServer::WaitForConnection() {
     int error = errno;
     delete accepted;
     if (_gate.RefuseOnFailedAccept(_fd)) return true;
-    errno = error;
-    perror("NetworkServer::WaitForConnection");
-    fprintf(stderr, "NetworkServer::WaitForConnection - accept failed\n");
+    RateLimitedLog::Report("NetworkServer::WaitForConnection - accept failed: %s", strerror(error));
     return false;
   }
+  _gate.Accepted();
   if (_gate.RefuseOverLimit(NetworkTCPConnection::LiveCount())) {
     // Closed before a connection thread exists: the clients already served
     // keep all they had.
@@ -157,6 +178,7 @@ bool NetworkServer::WaitForConnection() {
     return true;
   }
   NetworkTCPConnection* connection = new NetworkTCPConnection(accepted);
+  connection->SetReadTimeoutMs(_read_timeout_ms);
   if (!connection->Start()) {
     fprintf(stderr, "NetworkServer::Run - unable to start connection\n");
     delete connection;
@@ -169,14 +191,14 @@ bool NetworkServer::WaitForDatagram(char* buffer) {
   socklen_t length = sizeof from;
   ssize_t n =
       ::recvfrom(_fd, buffer, kDatagramBufferSize, 0, reinterpret_cast<sockaddr*>(&from), &length);
-  if (n < 0 && errno == EINTR) return true;
+  if (n < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK)) return true;
   if (n == 0 && stop) {
     fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n");
     return false;
   }
   if (n < 0) {
-    perror("NetworkServer::WaitForDatagram");
-    fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom error condition\n");
+    RateLimitedLog::Report("NetworkServer::WaitForDatagram - recvfrom error condition: %s",
+                           strerror(errno));
     return false;
   }
   udpConnection->ProcessMessages(buffer, static_cast<int>(n), from);

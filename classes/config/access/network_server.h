@@ -13,6 +13,9 @@
 // once; TCP connections already accepted are not affected
 // (NetworkTCPConnection::StopAll ends them).
 //
+// The UDP server's receive wakes up at least once a second without a
+// datagram, so that stores its clients left idle are given back in time.
+//
 // Locks: `_stop_lock` makes Stop and the thread's deletion of the server
 // exclusive, so Stop never touches a deleted server.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_SERVER_H
@@ -40,6 +43,7 @@ class NetworkServer {
  public:
   // Receive buffer of the UDP server: the largest datagram it takes.
   static constexpr int kDatagramBufferSize = 24 * 1024;
+  static constexpr long kDefaultReadTimeoutMs = 5000;
 
   // family AF_INET; type SOCK_STREAM (TCP) or SOCK_DGRAM (UDP); port 0 lets
   // the system choose (GetPort tells which after Init).
@@ -60,6 +64,15 @@ class NetworkServer {
   // out of descriptors, is closed at once, and the refusals are reported at
   // most once a second.
   void SetMaxConnections(int count) { _gate.SetMaxConnections(count); }
+  // TCP: the longest a client's record may take to arrive once its first
+  // byte has (default kDefaultReadTimeoutMs, 0: no limit); a client stalled
+  // mid-record is closed, one idle between records never is.
+  void SetReadTimeoutMs(long ms) { _read_timeout_ms = ms; }
+  // UDP: how long a store opened by a Connect Request may go without a
+  // request before it is given back (default
+  // NetworkUDPConnection::kDefaultStoreIdleMs, 0: never). Store 0 and
+  // stores other clients hold are kept.
+  void SetUdpStoreIdleMs(long ms) { _udp_store_idle_ms = ms; }
 
   // Creates and binds the socket (and listens for TCP), replacing a
   // previous one. False with a message.
@@ -74,7 +87,8 @@ class NetworkServer {
   // The next accepted client, started; false when none was accepted.
   bool WaitForConnection();
   // Receives one datagram and hands it to the UDP connection; false when
-  // the receive failed or the socket was shut.
+  // the receive failed or the socket was shut. Also true when none came
+  // within the receive time-out, which lets Run look for idle stores.
   bool WaitForDatagram(char* buffer);
 
   // The port actually bound after Init.
@@ -97,6 +111,8 @@ class NetworkServer {
   int _multicast_port;
   std::string _event_interface;
   std::string _listen_address;
+  long _read_timeout_ms = kDefaultReadTimeoutMs;
+  long _udp_store_idle_ms;
   sem_t _stop_lock;
   ::zyn::config::access::ConnectionGate _gate{"NetworkServer::WaitForConnection"};  // TCP thread
 };

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <cstring>
 #include <mutex>
 #include <set>
 
@@ -15,6 +16,7 @@
 #include "config/access/socket.h"
 #include "config/config_factory_impl.h"
 #include "config/values/config_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -102,32 +104,45 @@ void NetworkTCPConnection::ReleaseConfig() {
 void NetworkTCPConnection::ProcessMessages() {
   char record[sizeof(XCONFIGMGR_REQUEST_T)];
   while (!stopped) {
+    _reader.StartRecord();
     long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
-      fprintf(stderr,
-              "NetworkTCPConnection::ProcessMessages - error calling recv for socket message "
-              "(connection pid = 0x%X)\n",
-              connectionID & 0xFFFF);
+      ReportBrokenRecord("socket message");
       break;
     }
     uint32_t msgtype = PeekMessageType(record);
     size_t size = TCPRequestSize(msgtype);
     if (size == 0) {
-      fprintf(stderr, "NetworkTCPConnection::ProcessMessages - Unknown message type %d\n",
-              static_cast<int>(msgtype));
+      RateLimitedLog::Report("NetworkTCPConnection::ProcessMessages - Unknown message type %d",
+                             static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
     if (n != static_cast<long>(size - 4)) {
-      fprintf(stderr,
-              "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
-              "= 0x%X)\n",
-              SymbolicName(msgtype), connectionID & 0xFFFF);
+      ReportBrokenRecord(SymbolicName(msgtype));
       break;
     }
     if (!Dispatch(msgtype, record)) break;
   }
+}
+
+void NetworkTCPConnection::ReportBrokenRecord(const char* what) {
+  unsigned int id;
+  {
+    SemaphoreHelper hold(&_state_lock);
+    id = connectionID & 0xFFFF;
+  }
+  if (_reader.TimedOut()) {
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessMessages - %s incomplete after the read time-out of %ld "
+        "ms, connection closed (connection pid = 0x%X)",
+        what, _read_timeout_ms, id);
+    return;
+  }
+  RateLimitedLog::Report(
+      "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)",
+      what, id);
 }
 
 bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
@@ -140,10 +155,10 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   // Every other request needs the store a Connect Request opens first.
   if (config == nullptr) {
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
-            "(connection pid = 0x%X)\n",
-            SymbolicName(msgtype), connectionID & 0xFFFF);
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+        "(connection pid = 0x%X)",
+        SymbolicName(msgtype), connectionID & 0xFFFF);
     return false;
   }
   if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
@@ -182,15 +197,15 @@ bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
   config = ConfigFactoryImpl::GetInstance()->ConnectStore(request.header.configID, &refused);
   if (config == nullptr && !refused) {
     // No answer: the client's own wait for the response ends its attempt.
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessConnectRequest - unable to connect to the config");
     return true;
   }
   // A store limit refusal is answered, so the client fails at once.
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
                                             refused ? kXConfigStoreLimitReached : 0u};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessConnectRequest - unable to send response\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessConnectRequest - unable to send response");
   return true;
 }
 
@@ -199,7 +214,8 @@ bool NetworkTCPConnection::ProcessDisconnectRequest(
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
                                             0};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessDisconnectRequest: unable to send response\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessDisconnectRequest: unable to send response");
   return true;
 }
 
@@ -208,7 +224,7 @@ bool NetworkTCPConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request
   XCONFIGMGR_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
-    fprintf(stderr, "NetworkTCPConnection::ProcessGetRequest - _socket->send failed\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessGetRequest - _socket->send failed");
   return true;
 }
 
@@ -226,21 +242,18 @@ bool NetworkTCPConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& r
   if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
     ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
-    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength");
     return true;
   }
   // A payload longer than any value cannot be skipped safely: the stream
   // cannot be resynchronised, so the connection ends.
   if (request.streamLength > kXConfigStreamBufferSize) {
-    fprintf(stderr, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength");
     return false;
   }
   std::vector<char> payload(request.streamLength);
   if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessMessages - error calling recv for %s (connection pid "
-            "= 0x%X)\n",
-            SymbolicName(request.header.msgtype), connectionID & 0xFFFF);
+    ReportBrokenRecord(SymbolicName(request.header.msgtype));
     return false;
   }
   ConnectionUtilities::Dump(request, payload.data(), payload.size());
@@ -274,7 +287,8 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
   // that notifies holds the store's listener lock and then takes it.
   if (!_listening) {
     _events = EventSender::StartFor(
-        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
+        [this](const char* why) { CutOff(why); });
     if (_events == nullptr) return false;
     _listening = true;
     config->AddConfigEventListener(this);
@@ -294,9 +308,9 @@ bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
     registered = false;
   }
   if (!SendRecord(response))
-    fprintf(stderr,
-            "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
-            "response!\n");
+    RateLimitedLog::Report(
+        "NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+        "response!");
   return true;
 }
 
@@ -314,31 +328,43 @@ bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned i
   return _events->Post(QueuedEvent{text, paramID, value, connectionID, _config_id});
 }
 
-void NetworkTCPConnection::CutOff() {
+void NetworkTCPConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  fprintf(stderr,
-          "NetworkTCPConnection::ParamChanged - event queue limit of %zu reached, client cut off "
-          "(connection pid = 0x%X)\n",
-          EventSender::kMaxQueuedEvents, connectionID & 0xFFFF);
+  RateLimitedLog::Report(
+      "NetworkTCPConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
+      why, connectionID & 0xFFFF);
   _broken = true;
   ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
 }
 
-bool NetworkTCPConnection::SendEvent(const QueuedEvent& event) {
+bool NetworkTCPConnection::SendEvents(const std::vector<QueuedEvent>& events) {
+  // Every record of the batch goes out in one send.
   std::vector<char> bytes;
-  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
-  if (sent) {
-    SemaphoreHelper hold(&lock);
-    {
-      // Removed meanwhile: nothing follows the Remove Listener Response.
-      SemaphoreHelper state(&_state_lock);
-      if (!registered || _broken) return true;
+  for (const QueuedEvent& event : events) {
+    if (event.text) {
+      std::vector<char> record;
+      if (BuildStreamResponse(StreamChangedEvent(event), record))
+        bytes.insert(bytes.end(), record.begin(), record.end());
+      continue;
     }
-    sent = event.text ? SendLocked(bytes.data(), bytes.size())
-                      : SendRecordLocked(ParamChangedEvent(event));
+    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
+    char record[sizeof changed];
+    Pack(changed, record);
+    ConnectionUtilities::Dump(changed);
+    bytes.insert(bytes.end(), record, record + sizeof record);
   }
-  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
-  perror("NetworkTCPConnection::ParamChanged - unable to send event to socket");
+  if (bytes.empty()) return false;
+  SemaphoreHelper hold(&lock);
+  {
+    // Removed meanwhile: nothing follows the Remove Listener Response.
+    SemaphoreHelper state(&_state_lock);
+    if (!registered || _broken) return true;
+  }
+  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
+  // A send time-out (the client stopped reading) or a vanished client.
+  int error = errno;
+  RateLimitedLog::Report("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
+                         error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 
@@ -351,7 +377,7 @@ bool NetworkTCPConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& reque
   std::vector<char> payload;
   if (value != nullptr) payload = EncodePayload(value);
   if (payload.empty()) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   XCONFIGMGR_RESPONSE_T response{
@@ -366,7 +392,7 @@ bool NetworkTCPConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& reques
   std::vector<char> bytes;
   if (!BuildStreamResponse(request, bytes)) return false;
   if (!Send(bytes.data(), bytes.size())) {
-    perror("SendStreamResponse: socket send failed");
+    RateLimitedLog::Report("SendStreamResponse: socket send failed: %s", FailureCause(errno));
     return false;
   }
   return true;
@@ -374,11 +400,11 @@ bool NetworkTCPConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& reques
 
 bool NetworkTCPConnection::SendErrorResponse(XCONFIGMGR_RESPONSE_T& response) {
   if (response.error == 0)
-    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+    RateLimitedLog::Report("WARNING: response.error was not supplied by caller!!!");
   response.streamLength = 0;
   response.streamBufferSize = 0;
   if (!SendRecord(response)) {
-    perror("SendErrorResponse: send failed");
+    RateLimitedLog::Report("SendErrorResponse: send failed: %s", FailureCause(errno));
     return false;
   }
   return true;

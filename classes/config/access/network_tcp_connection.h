@@ -19,8 +19,9 @@
 // sends the events on its own thread. `lock` guards the sending side of the
 // socket, so events and responses never interleave; _state_lock guards
 // `registered`, `paramIDs`, the connection ID and the store's ID. A client
-// that stops reading is cut off (its queue full, or a send timed out: socket
-// shut, its thread ends) and never makes a writer wait.
+// that stops reading is cut off (its queue not drained in time, or a send
+// timed out: socket shut, its thread ends) and never makes a writer wait.
+// A client stalled mid-record is closed after the read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 
@@ -64,6 +65,12 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool ParamChanged(unsigned int paramID, unsigned int value, timeval when) override;
   bool ParamChanged(unsigned int paramID, std::string value, timeval when) override;
 
+  // Before Start: the longest a record may take to arrive once its first
+  // byte has (0: no limit). A client stalled mid-record is closed.
+  void SetReadTimeoutMs(long ms) {
+    _read_timeout_ms = ms;
+    _reader.SetReadTimeoutMs(ms);
+  }
   // Starts the detached thread that runs and then deletes the connection.
   // False (with a message) when the thread cannot be created; the caller
   // still owns the connection then.
@@ -84,6 +91,9 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
  private:
   // Each handler answers one request; false ends the connection.
   bool Dispatch(uint32_t msgtype, const char* record);
+  // The line (rate-limited) for a record that did not arrive whole: the
+  // peer stalled past the read time-out, closed or failed mid-record.
+  void ReportBrokenRecord(const char* what);
   bool ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
   bool ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request);
@@ -109,10 +119,11 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool SendLocked(const char* bytes, size_t length);
   // Queues the change for the sender thread (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends one queued event (the sender thread).
-  bool SendEvent(const ::zyn::config::access::QueuedEvent& event);
-  // Ends a client whose event queue overflowed, without waiting on it.
-  void CutOff();
+  // Sends a batch of queued events in one send (the sender thread).
+  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
+  // Ends a client whose event queue was not drained in time, without
+  // waiting on it; `why` says which limit it passed.
+  void CutOff(const char* why);
   void ReleaseConfig();
 
   std::list<unsigned int> paramIDs;  // guarded by _state_lock
@@ -120,6 +131,7 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   Socket* socket;
   int _fd;  // the socket's descriptor, fixed for the connection's life
   ::zyn::config::access::StreamReader _reader;
+  long _read_timeout_ms = 0;  // set before Start
   unsigned int connectionID;  // guarded by _state_lock
   uint32_t _config_id;        // the open store's ID, for events; guarded by _state_lock
   bool registered;            // guarded by _state_lock

@@ -3,15 +3,18 @@
 #include <arpa/inet.h>
 #include <sys/socket.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "config/access/connection_utilities.h"
 #include "config/access/socket.h"
+#include "config/access/stream_io.h"
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_types.h"
 #include "config/values/string_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -114,21 +117,21 @@ bool NetworkUDPConnection::SetEventInterface(const std::string& address) {
 
 void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_in& from) {
   if (length < 4) {
-    fprintf(stderr,
-            "NetworkUDPConnection::ProcessDatagramMessages - insufficient message length\n");
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessDatagramMessages - insufficient message length");
     return;
   }
   uint32_t msgtype = PeekMessageType(datagram);
   size_t size = UDPRequestSize(msgtype);
   if (size == 0) {
-    fprintf(stderr,
-            "NetworkUDPConnection::ProcessDatagramMessages - Unknown message type \"%s\" (0x%X )\n",
-            MessageName(msgtype), msgtype);
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessDatagramMessages - Unknown message type \"%s\" (0x%X )",
+        MessageName(msgtype), msgtype);
     return;
   }
   if (static_cast<size_t>(length) < size) {
-    fprintf(stderr,
-            "NetworkUDPConnection::ProcessDatagramMessages - insufficient message length\n");
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessDatagramMessages - insufficient message length");
     return;
   }
   if (msgtype == XCFG_CONNECT_REQUEST || msgtype == XCFG_DISCONNECT_REQUEST) {
@@ -150,7 +153,8 @@ void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_
     // The claimed length is checked against what actually arrived.
     if (request.streamLength == 0 || request.streamLength > received ||
         request.streamLength > kXConfigStreamBufferSize) {
-      fprintf(stderr, "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength\n");
+      RateLimitedLog::Report(
+          "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength");
       return;
     }
     ConnectionUtilities::Dump(request, payload, request.streamLength);
@@ -181,12 +185,53 @@ void NetworkUDPConnection::ProcessMessages(char* datagram, int length, sockaddr_
 
 Config* NetworkUDPConnection::GetConfig(unsigned int configID) {
   auto it = configs.find(configID);
+  if (it == configs.end() && _expired.count(configID) > 0) {
+    // Its clients still think it open: it is opened again for them, as a
+    // Connect Request would, when the store limit allows.
+    bool refused = false;
+    Config* config = ConfigFactoryImpl::GetInstance()->ConnectStore(configID, &refused);
+    if (config != nullptr) {
+      _expired.erase(configID);
+      it = configs.emplace(configID, config).first;
+      Relay(configID, config);
+    }
+  }
   if (it == configs.end()) {
-    fprintf(stderr, "NetworkUDPConnection::GetConfig - ConfigID %d instance not present\n",
-            static_cast<int>(configID));
+    RateLimitedLog::Report("NetworkUDPConnection::GetConfig - ConfigID %d instance not present",
+                           static_cast<int>(configID));
     return nullptr;
   }
+  _last_used[configID] = std::chrono::steady_clock::now();
   return it->second;
+}
+
+int NetworkUDPConnection::ExpireIdleStores() {
+  if (_store_idle.count() <= 0) return 0;
+  auto now = std::chrono::steady_clock::now();
+  int released = 0;
+  for (auto it = configs.begin(); it != configs.end();) {
+    unsigned int configID = it->first;
+    if (configID == 0 || now - _last_used[configID] < _store_idle) {
+      ++it;
+      continue;
+    }
+    // The relay leaves first: a released store must not call it. A store
+    // someone else still holds keeps its relay and stays open for UDP.
+    Unrelay(configID);
+    if (!ConfigFactoryImpl::GetInstance()->DisconnectStoreIfUnshared(it->second)) {
+      Relay(configID, it->second);
+      _last_used[configID] = now;
+      ++it;
+      continue;
+    }
+    _last_used.erase(configID);
+    _expired.insert(configID);
+    it = configs.erase(it);
+    ++released;
+  }
+  if (released > 0)
+    fprintf(stderr, "NetworkUDPConnection::ExpireIdleStores - %d idle stores released\n", released);
+  return released;
 }
 
 void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
@@ -201,12 +246,12 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
         Response(request.header, XCFG_CONNECT_RESPONSE, kXConfigStoreLimitReached,
                  kXConfigStoreLimitReached, 0);
     if (!Answer(response, from))
-      fprintf(stderr, "NetworkUDPConnection::ProcessConnectRequest - send failed\n");
+      RateLimitedLog::Report("NetworkUDPConnection::ProcessConnectRequest - send failed");
     return;
   }
   if (config == nullptr) {
-    fprintf(stderr,
-            "NetworkUDPConnection::ProcessConnectRequest - unable to connect to the config\n");
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessConnectRequest - unable to connect to the config");
     return;
   }
   // Every client of a config ID shares one open store; a reconnect
@@ -217,27 +262,32 @@ void NetworkUDPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQ
     ConfigFactoryImpl::GetInstance()->Disconnect(it->second);
   }
   configs[configID] = config;
+  _expired.erase(configID);
+  _last_used[configID] = std::chrono::steady_clock::now();
   Relay(configID, config);
   // The UDP form of the answer is a whole 44-byte response record.
   XCONFIGMGR_RESPONSE_T response = Response(request.header, XCFG_CONNECT_RESPONSE, 0, 0, 0);
   if (!Answer(response, from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessConnectRequest - send failed\n");
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessConnectRequest - send failed");
 }
 
 void NetworkUDPConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
                                                     const sockaddr_in& from) {
-  if (GetConfig(request.header.configID) == nullptr) {
-    fprintf(stderr,
-            "NetworkUDPConnection::ProcessDisconnectRequest - Unable to get ConfigManger for "
-            "ConfigID %d\n",
-            static_cast<int>(request.header.configID));
+  // A given-back store is not opened again just to say goodbye.
+  if (_expired.erase(request.header.configID) == 0 &&
+      GetConfig(request.header.configID) == nullptr) {
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessDisconnectRequest - Unable to get ConfigManger for "
+        "ConfigID %d",
+        static_cast<int>(request.header.configID));
     return;
   }
   // The store stays open for the config ID's other clients.
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
                                             0};
   if (!Answer(response, from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessDisconnectRequest: unable to send response\n");
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::ProcessDisconnectRequest: unable to send response");
 }
 
 void NetworkUDPConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request,
@@ -247,7 +297,7 @@ void NetworkUDPConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request
   XCONFIGMGR_RESPONSE_T response = Response(request.header, XCFG_GET_PARAM_RESPONSE,
                                             request.paramID, 0, config->Get(request.paramID));
   if (!Answer(response, from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessGetRequest - send failed\n");
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessGetRequest - send failed");
 }
 
 void NetworkUDPConnection::ProcessSetRequest(const XCONFIGMGR_REQUEST_T& request,
@@ -258,16 +308,17 @@ void NetworkUDPConnection::ProcessSetRequest(const XCONFIGMGR_REQUEST_T& request
   unsigned int value = config->Get(request.paramID);
   if (!accepted) {
     ParamDescriptor* descriptor = config->GetParamDescriptor(request.paramID);
-    fprintf(stderr,
-            "\tNetworkUDPConnection::ProcessSetRequest - Set failed for paramID 0x%08x (%s), "
-            "value %d\n",
-            request.paramID,
-            descriptor != nullptr ? descriptor->GetParamIDName().c_str() : "Invalid",
-            static_cast<int>(request.value));
+    RateLimitedLog::Report(
+        "\tNetworkUDPConnection::ProcessSetRequest - Set failed for paramID 0x%08x (%s), "
+        "value %d",
+        request.paramID, descriptor != nullptr ? descriptor->GetParamIDName().c_str() : "Invalid",
+        static_cast<int>(request.value));
   }
   XCONFIGMGR_RESPONSE_T response = Response(request.header, XCFG_SET_PARAM_RESPONSE,
                                             request.paramID, accepted ? 0 : kRefused, value);
-  if (!Answer(response, from)) perror("NetworkUDPConnection::ProcessSetRequest - send failed");
+  if (!Answer(response, from))
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessSetRequest - send failed: %s",
+                           FailureCause(errno));
   // Accepted or not, every listener learns the value the store now holds.
   ParamChanged(request.paramID, request.header.configID, value);
   FireDependentParamsChangedEvents(request, request.paramID);
@@ -280,9 +331,9 @@ void NetworkUDPConnection::ProcessGetStreamRequest(const XCONFIGMGR_REQUEST_T& r
   ConfigValue* value = dynamic_cast<ConfigValue*>(config->GetSerializable(request.paramID));
   std::vector<char> payload;
   if (value != nullptr) payload = EncodePayload(value);
-  if (payload.empty()) fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+  if (payload.empty()) RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
   if (!AnswerWithPayload(request, XCFG_GET_STREAM_PARAM_RESPONSE, payload, from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessGetStreamRequest - send failed\n");
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessGetStreamRequest - send failed");
 }
 
 bool NetworkUDPConnection::AnswerWithPayload(const XCONFIGMGR_REQUEST_T& request, uint32_t msgtype,
@@ -325,9 +376,9 @@ void NetworkUDPConnection::ProcessGetDataRequest(const XCONFIGMGR_REQUEST_T& req
     payload = EncodePayload(&value);
   }
   if (payload.empty())
-    fprintf(stderr, "NetworkUDPConnection::ProcessGetDataRequest - GetData failed\n");
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessGetDataRequest - GetData failed");
   if (!AnswerWithPayload(request, XCFG_GET_DATA_RESPONSE, payload, from))
-    fprintf(stderr, "NetworkUDPConnection::ProcessGetDataRequest - send failed\n");
+    RateLimitedLog::Report("NetworkUDPConnection::ProcessGetDataRequest - send failed");
 }
 
 void NetworkUDPConnection::ProcessSetDataRequest(const XCONFIGMGR_REQUEST_T& request, char* payload,
@@ -338,9 +389,9 @@ void NetworkUDPConnection::ProcessSetDataRequest(const XCONFIGMGR_REQUEST_T& req
   StringValue* text = dynamic_cast<StringValue*>(value);
   if (text == nullptr) {
     if (value != nullptr)
-      fprintf(stderr,
-              "NetworkUDPConnection::ProcessSetDataRequest - type error, configValue is not a "
-              "StringValue\n");
+      RateLimitedLog::Report(
+          "NetworkUDPConnection::ProcessSetDataRequest - type error, configValue is not a "
+          "StringValue");
     delete value;
     return;
   }
@@ -359,7 +410,8 @@ void NetworkUDPConnection::ParamChanged(unsigned int paramID, unsigned int confi
                               value,
                               0,
                               kXConfigStreamBufferSize};
-  if (!MulticastLocked(event, {})) perror("NetworkUDPConnection::ParamChanged");
+  if (!MulticastLocked(event, {}))
+    RateLimitedLog::Report("NetworkUDPConnection::ParamChanged: %s", FailureCause(errno));
 }
 
 void NetworkUDPConnection::ParamChanged(unsigned int paramID, unsigned int configID,
@@ -371,7 +423,7 @@ void NetworkUDPConnection::ParamChanged(unsigned int paramID, unsigned int confi
                               length,
                               kXConfigStreamBufferSize};
   if (!Multicast(event, std::vector<char>(payload, payload + length)))
-    perror("NetworkUDPConnection::ParamChanged");
+    RateLimitedLog::Report("NetworkUDPConnection::ParamChanged: %s", FailureCause(errno));
 }
 
 void NetworkUDPConnection::DataChanged(const XCONFIGMGR_REQUEST_T& request, const char* payload,
@@ -381,7 +433,7 @@ void NetworkUDPConnection::DataChanged(const XCONFIGMGR_REQUEST_T& request, cons
   event.header.msgtype = XCFG_PARAM_DATA_CHANGED_EVENT;
   event.header.bufferSize = kXConfigBufferSize;
   if (!Multicast(event, std::vector<char>(payload, payload + length)))
-    perror("NetworkUDPConnection::DataChanged");
+    RateLimitedLog::Report("NetworkUDPConnection::DataChanged: %s", FailureCause(errno));
 }
 
 void NetworkUDPConnection::FireDependentParamsChangedEvents(const XCONFIGMGR_REQUEST_T& request,
@@ -390,8 +442,8 @@ void NetworkUDPConnection::FireDependentParamsChangedEvents(const XCONFIGMGR_REQ
   // request addressed.
   Config* config = GetConfig(0);
   if (config == nullptr) {
-    fprintf(stderr,
-            "NetworkUDPConnection::FireDependentParamsChangedEvents - GetConfig returned NULL\n");
+    RateLimitedLog::Report(
+        "NetworkUDPConnection::FireDependentParamsChangedEvents - GetConfig returned NULL");
     return;
   }
   ParamDescriptor* changed = config->GetParamDescriptor(paramID);
@@ -402,9 +454,9 @@ void NetworkUDPConnection::FireDependentParamsChangedEvents(const XCONFIGMGR_REQ
     if (descriptor->HasClassName(kDataClassName)) {
       std::string data;
       if (!config->GetData(dependant, data)) {
-        fprintf(stderr,
-                "NetworkUDPConnection::FireDependentParamsChangedEvents - GetData failed for %s\n",
-                descriptor->GetParamIDName().c_str());
+        RateLimitedLog::Report(
+            "NetworkUDPConnection::FireDependentParamsChangedEvents - GetData failed for %s",
+            descriptor->GetParamIDName().c_str());
         continue;
       }
       StringValue value(static_cast<eConfigID_t>(0), dependant, eCParam_StringValue, data);

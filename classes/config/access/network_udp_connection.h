@@ -9,7 +9,14 @@
 // Ownership: the server creates it in its Run and deletes it when Run ends.
 // It owns its event socket, bound to 127.0.0.1 on a free port and sending on
 // the event interface (127.0.0.1 unless set otherwise), and one open store
-// per config ID ever connected (released when the connection is deleted).
+// per config ID connected. A store that no request has named for the idle
+// expiry (kDefaultStoreIdleMs unless set otherwise) is given back by
+// ExpireIdleStores, so a few datagrams naming config IDs cannot hold the
+// process's store limit for ever; store 0 and a store that another client
+// (a stream connection, the owner) still holds are kept. A request that
+// names a given-back store opens it again (store limit permitting), so its
+// clients, which cannot tell, carry on. Whatever is left is released when
+// the connection is deleted.
 // A Connect that the process's store limit refuses is answered with the
 // refusal; one for a store that cannot be made is not answered.
 // The server's socket, used to answer, stays the server's.
@@ -22,8 +29,10 @@
 #include <pthread.h>
 #include <semaphore.h>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -51,6 +60,8 @@ class NetworkUDPConnection : public NetworkConnection {
   // A dependent parameter with this class name is a data parameter: its
   // changes go out as "Param Data Changed Event" with its current data.
   static constexpr const char* kDataClassName = "data";
+  // How long a store opened over UDP stays open without a request: 10 minutes.
+  static constexpr long kDefaultStoreIdleMs = 10L * 60 * 1000;
 
   // `serverSocket` answers requests and is not owned. Failures to set up
   // the event socket are reported; the connection still answers requests.
@@ -63,6 +74,13 @@ class NetworkUDPConnection : public NetworkConnection {
   void SetMulticastPort(int port);
   bool SetEventInterface(const std::string& address);
 
+  // How long a store may go without a request before it is given back
+  // (0: never).
+  void SetStoreIdleMs(long ms) { _store_idle = std::chrono::milliseconds(ms); }
+  // Gives back the stores idle for the expiry; the server thread calls it
+  // now and then. The number given back.
+  int ExpireIdleStores();
+
   // Handles one datagram from `from`; every answer goes back there.
   // Datagrams that are too short, of a type the server does not accept, or
   // with a payload longer than what arrived are dropped with a message.
@@ -70,7 +88,8 @@ class NetworkUDPConnection : public NetworkConnection {
 
  private:
   // The store opened for `configID` by an earlier Connect Request, or null
-  // (with a message).
+  // (with a message). A given-back store is opened again; a store found is
+  // marked as used now.
   Config* GetConfig(unsigned int configID);
 
   void ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request,
@@ -129,6 +148,11 @@ class NetworkUDPConnection : public NetworkConnection {
   Socket* eventSocket;
   sockaddr_in eventAddress;
   std::map<unsigned int, Config*> configs;  // server thread only
+  // When each open store was last named by a request; server thread only.
+  std::map<unsigned int, std::chrono::steady_clock::time_point> _last_used;
+  std::chrono::milliseconds _store_idle{kDefaultStoreIdleMs};
+  // Config IDs whose stores were given back for idleness; server thread only.
+  std::set<unsigned int> _expired;
   Socket* serverSocket;
   unsigned int eventSequence;  // guarded by _event_lock
   // Guards the event socket and the sequence counter: relays multicast from

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "config/access/dump_context.h"
+#include "support/rate_limited_log.h"
 
 static_assert(Socket::kInternetDomain == AF_INET && Socket::kLocalDomain == AF_UNIX,
               "address families");
@@ -117,6 +118,7 @@ int Socket::accept_local() {
 
 bool Socket::accept(Socket* into) {
   int accepted = _domain == kLocalDomain ? accept_local() : accept_inet();
+  int error = errno;
   if (into != nullptr) {
     into->close();
     into->_socket = accepted;
@@ -125,7 +127,9 @@ bool Socket::accept(Socket* into) {
     accepted = -1;
   }
   if (accepted <= 0) {
-    perror("Socket::accept - socket <= 0");
+    // A descriptor shortage or a failing system repeats per waiting client.
+    RateLimitedLog::Report("Socket::accept - socket <= 0: %s", strerror(error));
+    errno = error;
     return false;
   }
   return true;
@@ -245,7 +249,7 @@ int Socket::peek(void* buffer, int length) {
 bool Socket::sendto(const void* buffer, int length, const sockaddr_in& address) {
   if (::sendto(_socket, buffer, Bytes(length), 0, reinterpret_cast<const sockaddr*>(&address),
                sizeof address) == -1) {
-    perror("Socket::sendto - failed");
+    RateLimitedLog::Report("Socket::sendto - failed: %s", strerror(errno));
     return false;
   }
   return true;

@@ -518,6 +518,7 @@ void SocketClient::ProcessEvents() {
     XCONFIGMGR_RESPONSE_T event;
     std::string text;
     bool unknown;
+    errno = 0;  // a close by configd or a short record sets none
     if (!ReadEvent(event, text, unknown)) {
       if (unknown) {
         fprintf(stderr, "SocketClient::ProcessEvents - Unknown message type %d\n",
@@ -529,9 +530,9 @@ void SocketClient::ProcessEvents() {
                 "SocketClient::ProcessEvents - ******************* NO MORE EVENTS HANDLED "
                 "***************\n");
       } else {
-        perror("SocketClient::ProcessEvents");
-        fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d\n", errno,
-                static_cast<int>(getpid()));
+        int error = errno;
+        fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d: %s\n",
+                error, static_cast<int>(getpid()), FailureCause(error));
       }
       _events_broken = true;
       break;

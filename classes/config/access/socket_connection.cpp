@@ -18,6 +18,7 @@
 #include "config/config_factory_impl.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -102,32 +103,40 @@ void SocketConnection::ReleaseStore() {
 void SocketConnection::ProcessMessages() {
   char record[sizeof(XCONFIGMGR_REQUEST_T)];
   while (!_stop) {
+    _reader.StartRecord();
     long n = _reader.Read(record, 4);
     if (n == 0) break;  // the client has gone
     if (n != 4) {
-      fprintf(stderr,
-              "SocketConnection::ProcessMessages - error calling recv for message type "
-              "(connection pid = 0x%X)\n",
-              _connection_id);
+      ReportBrokenRecord("message type");
       break;
     }
     uint32_t msgtype = PeekMessageType(record);
     size_t size = LocalRequestSize(msgtype);
     if (size == 0) {
-      fprintf(stderr, "SocketConnection::ProcessMessages - Unknown message type %d\n",
-              static_cast<int>(msgtype));
+      RateLimitedLog::Report("SocketConnection::ProcessMessages - Unknown message type %d",
+                             static_cast<int>(msgtype));
       break;
     }
     n = _reader.Read(record + 4, size - 4);
     if (n != static_cast<long>(size - 4)) {
-      fprintf(stderr,
-              "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = "
-              "0x%X)\n",
-              SymbolicName(msgtype), _connection_id);
+      ReportBrokenRecord(SymbolicName(msgtype));
       break;
     }
     if (!Dispatch(msgtype, record)) break;
   }
+}
+
+void SocketConnection::ReportBrokenRecord(const char* what) {
+  if (_reader.TimedOut()) {
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessMessages - %s incomplete after the read time-out of %ld ms, "
+        "connection closed (connection pid = 0x%X)",
+        what, _read_timeout_ms, _connection_id);
+    return;
+  }
+  RateLimitedLog::Report(
+      "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)", what,
+      _connection_id);
 }
 
 bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
@@ -141,10 +150,10 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
   }
   // Every other request needs the store a Connect Request opens first.
   if (_store == nullptr) {
-    fprintf(stderr,
-            "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
-            "(connection pid = 0x%X)\n",
-            SymbolicName(msgtype), _connection_id);
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
+        "(connection pid = 0x%X)",
+        SymbolicName(msgtype), _connection_id);
     return false;
   }
   if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
@@ -185,7 +194,7 @@ bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_CONNECT_RESPONSE),
                                             error};
   if (!SendRecord(response))
-    fprintf(stderr, "SocketConnection::ProcessConnectRequest - unable to send response\n");
+    RateLimitedLog::Report("SocketConnection::ProcessConnectRequest - unable to send response");
   return true;
 }
 
@@ -193,8 +202,9 @@ bool SocketConnection::ProcessDisconnectRequest(const XCONFIGMGR_CONNECTION_REQU
   XCONFIGMGR_CONNECTION_RESPONSE_T response{AnswerHeader(request.header, XCFG_DISCONNECT_RESPONSE),
                                             0};
   if (!SendRecord(response)) {
-    perror("SocketConnection::ProcessDisconnectRequest - unable to send response");
-    fprintf(stderr, "SocketConnection::ProcessDisconnectRequest: unable to send response\n");
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessDisconnectRequest - unable to send response: %s",
+        FailureCause(errno));
   }
   return true;
 }
@@ -204,7 +214,7 @@ bool SocketConnection::ProcessGetRequest(const XCONFIGMGR_REQUEST_T& request) {
   XCONFIGMGR_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_GET_PARAM_RESPONSE), request.paramID, 0, value, 0, 0};
   if (!SendRecord(response))
-    fprintf(stderr, "SocketConnection::ProcessGetRequest - _socket->send failed\n");
+    RateLimitedLog::Report("SocketConnection::ProcessGetRequest - _socket->send failed");
   return true;
 }
 
@@ -222,18 +232,20 @@ bool SocketConnection::ProcessSetStreamRequest(const XCONFIGMGR_REQUEST_T& reque
   if (request.streamLength == 0 || request.streamLength > kXConfigStreamBufferSize)
     ConnectionUtilities::Dump(request);  // refused before its payload is read
   if (request.streamLength == 0) {
-    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("SocketConnection::ProcessSetStreamMessage - invalid streamLength");
     return true;
   }
   // A payload longer than any value cannot be skipped safely: the stream
   // cannot be resynchronised, so the connection ends.
   if (request.streamLength > kXConfigStreamBufferSize) {
-    fprintf(stderr, "SocketConnection::ProcessSetStreamMessage - invalid streamLength\n");
+    RateLimitedLog::Report("SocketConnection::ProcessSetStreamMessage - invalid streamLength");
     return false;
   }
   std::vector<char> payload(request.streamLength);
   if (_reader.Read(payload.data(), payload.size()) != static_cast<long>(payload.size())) {
-    perror("SocketConnection::ProcessSetStreamRequest");
+    // The peer closed, stalled or failed mid-payload: errno tells nothing
+    // in the first two cases.
+    ReportBrokenRecord("the payload of XCFG_SET_STREAM_PARAM_REQUEST");
     return false;
   }
   ConnectionUtilities::Dump(request, payload.data(), payload.size());
@@ -257,9 +269,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
     case eClassID_IntegerValue: {
       IntegerValue* integer = dynamic_cast<IntegerValue*>(value);
       if (integer == nullptr) {
-        fprintf(
-            stderr,
-            "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue\n");
+        RateLimitedLog::Report(
+            "SocketConnection::DoSetRequest - type error, configValue is not an IntegerValue");
         return 0;
       }
       unsigned int v;
@@ -269,8 +280,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
     case eClassID_StringValue: {
       StringValue* text = dynamic_cast<StringValue*>(value);
       if (text == nullptr) {
-        fprintf(stderr,
-                "SocketConnection::DoSetRequest - type error, configValue is not a StringValue\n");
+        RateLimitedLog::Report(
+            "SocketConnection::DoSetRequest - type error, configValue is not a StringValue");
         return 0;
       }
       std::string v;
@@ -278,7 +289,8 @@ int SocketConnection::DoSetRequest(ConfigValue* value) {
       return _store->Set(text->GetParamID(), v);
     }
     default:
-      fprintf(stderr, "SocketConnection::DoSetRequest - returning error (unsupported classID)\n");
+      RateLimitedLog::Report(
+          "SocketConnection::DoSetRequest - returning error (unsupported classID)");
       return 0;
   }
 }
@@ -298,7 +310,8 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
   // notifying holds the store's listener lock and then takes _state_lock.
   if (!_listening) {
     _events = EventSender::StartFor(
-        _fd, [this](const QueuedEvent& event) { return SendEvent(event); }, [this] { CutOff(); });
+        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
+        [this](const char* why) { CutOff(why); });
     if (_events == nullptr) return false;
     _listening = true;
     _store->AddConfigEventListener(this);
@@ -316,9 +329,9 @@ bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
   }
   // Queued events still unsent are dropped: none follows the response.
   if (!SendRecord(response))
-    fprintf(stderr,
-            "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
-            "response!\n");
+    RateLimitedLog::Report(
+        "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
+        "response!");
   return true;
 }
 
@@ -343,38 +356,43 @@ bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int v
                                    static_cast<uint32_t>(_store->GetConfigID())});
 }
 
-void SocketConnection::CutOff() {
+void SocketConnection::CutOff(const char* why) {
   // On the writer's thread, _state_lock held.
-  fprintf(stderr,
-          "SocketConnection::ParamChanged - event queue limit of %zu reached, client cut off "
-          "(connection pid = 0x%X)\n",
-          EventSender::kMaxQueuedEvents, _connection_id);
+  RateLimitedLog::Report(
+      "SocketConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
+      why, _connection_id);
   _broken = true;
   ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
 }
 
-bool SocketConnection::SendEvent(const QueuedEvent& event) {
+bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
+  // Every record of the batch goes out in one send.
   std::vector<char> bytes;
-  bool sent = !event.text || BuildStreamResponse(StreamChangedEvent(event), bytes);
-  if (sent) {
-    SemaphoreHelper lock(&_send_lock);
-    {
-      // Removed meanwhile: nothing follows the Remove Listener Response.
-      SemaphoreHelper state(&_state_lock);
-      if (!_registered || _broken) return true;
+  for (const QueuedEvent& event : events) {
+    if (event.text) {
+      std::vector<char> record;
+      if (BuildStreamResponse(StreamChangedEvent(event), record))
+        bytes.insert(bytes.end(), record.begin(), record.end());
+      continue;
     }
-    sent = event.text ? SendLocked(bytes.data(), bytes.size())
-                      : SendRecordLocked(ParamChangedEvent(event));
+    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
+    char record[sizeof changed];
+    Pack(changed, record);
+    ConnectionUtilities::Dump(changed);
+    bytes.insert(bytes.end(), record, record + sizeof record);
   }
-  if (sent || _events->IsCutOff()) return sent;  // a cut-off has said why
-  if (event.text) {
-    fprintf(stderr,
-            "SocketConnection::ParamChanged - call to SendStreamResponse failed, unable to send "
-            "event to %d\n",
-            static_cast<int>(event.connectionID));
-  } else {
-    perror("SocketConnection::ParamChanged - unable to send event to socket");
+  if (bytes.empty()) return false;
+  SemaphoreHelper hold(&_send_lock);
+  {
+    // Removed meanwhile: nothing follows the Remove Listener Response.
+    SemaphoreHelper state(&_state_lock);
+    if (!_registered || _broken) return true;
   }
+  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
+  // A send time-out (the client stopped reading) or a vanished client.
+  int error = errno;
+  RateLimitedLog::Report("SocketConnection::ParamChanged - unable to send event to socket: %s",
+                         error != 0 ? strerror(error) : "connection closed");
   return false;
 }
 
@@ -392,17 +410,17 @@ bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
       msgtype = XCFG_PARAM_STREAM_CHANGED_EVENT;
       break;
     default:
-      fprintf(stderr, "SocketConnection::SendStreamResponse - Invalid msgtype\n");
+      RateLimitedLog::Report("SocketConnection::SendStreamResponse - Invalid msgtype");
       return false;
   }
   ConfigValue* value = dynamic_cast<ConfigValue*>(_store->GetSerializable(request.paramID));
   if (value == nullptr) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   std::vector<char> payload = EncodePayload(value);
   if (payload.empty()) {
-    fprintf(stderr, "SendStreamResponse: Invalid serializable value\n");
+    RateLimitedLog::Report("SendStreamResponse: Invalid serializable value");
     return false;
   }
   XCONFIGMGR_RESPONSE_T response{
@@ -419,7 +437,7 @@ bool SocketConnection::SendStreamResponse(const XCONFIGMGR_REQUEST_T& request) {
   std::vector<char> bytes;
   if (!BuildStreamResponse(request, bytes)) return false;
   if (!Send(bytes.data(), bytes.size())) {
-    perror("SendStreamResponse: socket send failed");
+    RateLimitedLog::Report("SendStreamResponse: socket send failed: %s", FailureCause(errno));
     return false;
   }
   return true;
@@ -438,9 +456,9 @@ bool SocketConnection::SendErrorResponse(XCONFIGMGR_CONNECTION_RESPONSE_T& respo
 template <typename Response>
 bool SocketConnection::SendError(const Response& response) {
   if (response.error == 0)
-    fprintf(stderr, "WARNING: response.error was not supplied by caller!!!\n");
+    RateLimitedLog::Report("WARNING: response.error was not supplied by caller!!!");
   if (!SendRecord(response)) {
-    perror("SendErrorResponse: mq_send failed");
+    RateLimitedLog::Report("SendErrorResponse: mq_send failed: %s", FailureCause(errno));
     return false;
   }
   return true;

@@ -16,8 +16,9 @@
 // sends the events on its own thread. _state_lock guards the registration
 // flag, the filter and the connection ID; _send_lock guards the sending side
 // of the socket, so events and responses never interleave. A client that
-// stops reading is cut off (its queue full, or a send timed out) and never
-// makes a writer wait.
+// stops reading is cut off (its queue not drained in time, or a send timed
+// out) and never makes a writer wait. A client stalled mid-record is closed
+// after the read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 
@@ -59,6 +60,12 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool ParamChanged(unsigned int paramID, std::string value, timeval when) override;
   void Run() override;
 
+  // Before Start: the longest a record may take to arrive once its first
+  // byte has (0: no limit). A client stalled mid-record is closed.
+  void SetReadTimeoutMs(long ms) {
+    _read_timeout_ms = ms;
+    _reader.SetReadTimeoutMs(ms);
+  }
   // Starts the detached thread that runs and then deletes the connection.
   bool Start();
   // Ends the reading loop and wakes a blocked read.
@@ -83,6 +90,9 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool ProcessAddConfigEventListenerRequest(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request);
   bool ProcessRemoveConfigEventListenerRequest(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request);
   bool Dispatch(uint32_t msgtype, const char* record);
+  // The line (rate-limited) for a record that did not arrive whole: the
+  // peer stalled past the read time-out, closed or failed mid-record.
+  void ReportBrokenRecord(const char* what);
 
   // Applies a received value to the store; the store's result, or 0.
   int DoSetRequest(ConfigValue* value);
@@ -107,16 +117,18 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool WantsEvent(unsigned int paramID);
   // Queues the change for the sender thread (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends one queued event (the sender thread).
-  bool SendEvent(const QueuedEvent& event);
-  // Ends a client whose event queue overflowed, without waiting on it.
-  void CutOff();
+  // Sends a batch of queued events in one send (the sender thread).
+  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
+  // Ends a client whose event queue was not drained in time, without
+  // waiting on it; `why` says which limit it passed.
+  void CutOff(const char* why);
   void ReleaseStore();
 
   Config* _store;
   Socket* _socket;
   int _fd;                          // the socket's descriptor, fixed for the connection's life
   StreamReader _reader;             // the connection thread's reads
+  long _read_timeout_ms = 0;        // set before Start
   uint32_t _connection_id;          // guarded by _state_lock
   bool _registered;                 // guarded by _state_lock
   bool _listening;                  // added to the store's listeners

@@ -76,8 +76,8 @@ void SocketServer::Run() {
   while (!_stop) {
     SocketConnection* connection = WaitForConnection();
     if (connection == nullptr) {
-      // Out of descriptors or a transient error: do not spin.
-      if (!_stop) usleep(1000);
+      // A failed accept is retried after a growing pause, not in a spin.
+      if (!_stop && _gate.AcceptDelayMs() > 0) usleep(_gate.AcceptDelayMs() * 1000);
       continue;
     }
     if (!connection->Start()) {
@@ -112,13 +112,16 @@ SocketConnection* SocketServer::WaitForConnection() {
     _gate.RefuseOnFailedAccept(_listen_fd);
     return nullptr;
   }
+  _gate.Accepted();
   if (_gate.RefuseOverLimit(SocketConnection::LiveCount())) {
     // Closed before a connection thread or buffer exists: the clients
     // already served keep all they had.
     delete accepted;
     return nullptr;
   }
-  return new SocketConnection(accepted);
+  auto* connection = new SocketConnection(accepted);
+  connection->SetReadTimeoutMs(_read_timeout_ms);
+  return connection;
 }
 
 }  // namespace access

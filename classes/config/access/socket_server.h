@@ -30,6 +30,9 @@ class SocketConnection;
 
 class SocketServer : public Runnable {
  public:
+  // The read time-out of a new server's connections.
+  static constexpr long kDefaultReadTimeoutMs = 5000;
+
   explicit SocketServer(int port);
   ~SocketServer() override;
 
@@ -46,6 +49,11 @@ class SocketServer : public Runnable {
   // process is out of descriptors, is closed at once, and the refusals are
   // reported at most once a second.
   void SetMaxConnections(int count) { _gate.SetMaxConnections(count); }
+  // Before Start: the longest a client's record may take to arrive once its
+  // first byte has; a client stalled mid-record is closed, so stalled peers
+  // cannot hold every connection slot. 0: no limit. An idle client (between
+  // records) is never closed.
+  void SetReadTimeoutMs(long ms) { _read_timeout_ms = ms; }
   // Starts the server thread; from then on the thread owns the server.
   virtual bool Start();
   virtual void Stop();
@@ -67,6 +75,7 @@ class SocketServer : public Runnable {
   int _listen_fd;
   pthread_t _thread;
   std::string _listen_address;
+  long _read_timeout_ms = kDefaultReadTimeoutMs;
   ConnectionGate _gate{"SocketServer::WaitForConnection"};  // server thread
 };
 

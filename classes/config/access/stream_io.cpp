@@ -55,12 +55,30 @@ long StreamReader::Read(char* buffer, size_t length) {
   while (got < length) {
     if (_start == _end) {
       if (_buffer.empty()) _buffer.resize(kCapacity);
+      if (_started && _deadline != std::chrono::steady_clock::time_point::max()) {
+        long long left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                             _deadline - std::chrono::steady_clock::now())
+                             .count();
+        pollfd ready{_fd, POLLIN, 0};
+        int polled =
+            ::poll(&ready, 1, static_cast<int>(std::clamp<long long>(left + 1, 0, INT_MAX)));
+        if (polled < 0 && errno == EINTR) continue;
+        if (polled < 0) return -1;
+        if (polled == 0) {
+          _timed_out = true;
+          break;
+        }
+      }
       ssize_t n = ::recv(_fd, _buffer.data(), _buffer.size(), MSG_NOSIGNAL);
       if (n < 0 && errno == EINTR) continue;
       if (n < 0) return -1;
       if (n == 0) break;
       _start = 0;
       _end = static_cast<size_t>(n);
+    }
+    if (!_started) {
+      _started = true;
+      _deadline = DeadlineAfter(_timeout_ms);
     }
     size_t take = std::min(length - got, _end - _start);
     memcpy(buffer + got, _buffer.data() + _start, take);

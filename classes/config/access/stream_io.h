@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 namespace zyn {
@@ -27,6 +28,11 @@ long RecvExactBy(int fd, char* buffer, size_t length,
                  std::chrono::steady_clock::time_point deadline, bool* timedOut);
 // Reads a stream through a small buffer, so that a record and whatever
 // follows it arrive in one system call. Used by one thread at a time.
+//
+// With a read time-out, a record must arrive whole within the time-out
+// after its first byte: a peer that stalls mid-record cannot hold its
+// connection (and a connection slot) for ever. The wait for a record's
+// first byte has no limit, so a client may stay idle between records.
 class StreamReader {
  public:
   static constexpr size_t kCapacity = 4096;
@@ -35,9 +41,21 @@ class StreamReader {
   StreamReader(const StreamReader&) = delete;
   StreamReader& operator=(const StreamReader&) = delete;
 
-  // As RecvExact: `length` on success, fewer when the peer closed, -1 on an
-  // error.
+  // The longest a started record may take to arrive whole; 0 (the default):
+  // no limit.
+  void SetReadTimeoutMs(long ms) { _timeout_ms = ms; }
+  // The next Read begins a record: its wait for the first byte has no
+  // limit, and the record's time-out starts with that byte.
+  void StartRecord() {
+    _deadline = std::chrono::steady_clock::time_point::max();
+    _started = false;
+    _timed_out = false;
+  }
+  // As RecvExact: `length` on success, fewer when the peer closed or the
+  // record's time-out passed (TimedOut tells), -1 on an error.
   long Read(char* buffer, size_t length);
+  // True when the last Read stopped because the record's time-out passed.
+  [[nodiscard]] bool TimedOut() const { return _timed_out; }
   // True when bytes already received wait in the buffer: a poll of the
   // descriptor would not see them.
   [[nodiscard]] bool Buffered() const { return _end > _start; }
@@ -47,8 +65,19 @@ class StreamReader {
   std::vector<char> _buffer;  // allocated on the first read
   size_t _start = 0;
   size_t _end = 0;
+  long _timeout_ms = 0;
+  bool _started = false;  // a byte of the current record has been read
+  bool _timed_out = false;
+  std::chrono::steady_clock::time_point _deadline = std::chrono::steady_clock::time_point::max();
 };
 
+// The cause of a failed transfer for a message: the system's text for
+// `error`, or, for 0 (no system call failed: the peer closed, the record
+// was short or the connection had already been cut off), saying so rather
+// than "Success".
+inline const char* FailureCause(int error) {
+  return error != 0 ? strerror(error) : "connection closed or record incomplete";
+}
 // Writes all `length` bytes (without SIGPIPE); false on an error or a send
 // time-out.
 bool SendAll(int fd, const char* buffer, size_t length);

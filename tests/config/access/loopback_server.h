@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "config/access/event_sender.h"
 #include "config/access/network_server.h"
 #include "config/access/network_tcp_connection.h"
 #include "config/access/socket.h"
@@ -26,6 +27,7 @@
 #include "config/access/socket_server.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config_factory_impl.h"
+#include "support/rate_limited_log.h"
 #include "test_catalogue.h"
 #include "test_stderr.h"
 
@@ -36,6 +38,7 @@ template <typename Server, typename Connection>
 class ServerOnLoopback {
  public:
   explicit ServerOnLoopback(Server* server) {
+    RateLimitedLog::ResetAll();  // each test sees its first line of each kind
     test_catalogue::Register();
     Stderr([&] { store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0"); });
     if (!server->Init() || !server->Start()) {
@@ -142,6 +145,17 @@ class RawPeer {
     char c;
     return ::recv(fd, &c, 1, 0) == 0;
   }
+  // True when the server closed the connection, after whatever it sent
+  // before.
+  bool ReadUntilClosed(int timeoutMs = 10000) {
+    char chunk[4096];
+    for (;;) {
+      pollfd p{fd, POLLIN, 0};
+      if (poll(&p, 1, timeoutMs) <= 0) return false;
+      ssize_t n = ::recv(fd, chunk, sizeof chunk, 0);
+      if (n <= 0) return n == 0 || errno == ECONNRESET;
+    }
+  }
   // Connects the peer to store `configID`; the Connect Response's error.
   uint32_t Connect(uint32_t connectionID, uint32_t configID = 0) {
     Send(XCONFIGMGR_CONNECTION_REQUEST_T{
@@ -236,11 +250,13 @@ inline int ThreadCount() {
 }
 
 // Twenty listeners that never read and one that does, on a stream server of
-// either transport (`liveCount` counts its connections). Writers go on while
-// the stalled clients' queues fill, and each is cut off with `cutOffLine`;
-// the reader hears every change in order meanwhile.
+// either transport (`liveCount` counts its connections), with a short drain
+// limit. Writers go on while the stalled clients' queues wait, and each is
+// cut off (reported with `cutOffLine`); the reader hears every change in
+// order meanwhile.
 inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount)(),
                                         const std::string& cutOffLine) {
+  zyn::config::access::EventSender::SetDrainLimitMs(500);
   constexpr int kStalled = 20;
   std::vector<std::unique_ptr<RawPeer>> peers;
   for (int i = 0; i <= kStalled; ++i) {  // the last one reads
@@ -275,12 +291,77 @@ inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount
       // The reader keeps up (its queue stays short); the others never read.
       for (int waited = 0; writes - heard > 256 && waited < 50000; ++waited) usleep(200);
     }
-    written = writes;
+    written = writes + 1;
+    store->Set(test_catalogue::kRaw, writes++);  // wakes a reader waiting for one more
     reader.join();
   });
+  zyn::config::access::EventSender::SetDrainLimitMs(0);
   EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
   EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
-  EXPECT_EQ(static_cast<size_t>(kStalled), Count(err, cutOffLine)) << err;
+  EXPECT_NE(std::string::npos, err.find(cutOffLine)) << err;
+}
+
+// A writer that pipelines Sets as fast as a stream server on `port` takes
+// them, a listener that reads its events and one that never reads. The
+// reader is never cut off and hears every change in order; the other is.
+inline void CheckReaderKeepsUpWithPipelinedSets(int port, int (*liveCount)()) {
+  using zyn::config::access::MakeHeader;
+  constexpr uint32_t kSets = 20000;
+  constexpr uint32_t kBase = 0x00700000;  // values no earlier test has set
+  RawPeer reader(port), stalled(port, 4096), writer(port);
+  for (RawPeer* listener : {&reader, &stalled}) {
+    ASSERT_EQ(0u, listener->Connect(0x00081000));
+    listener->Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+        MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 1, 2, 0), 0});
+    listener->Sync();
+  }
+  ASSERT_EQ(0u, writer.Connect(0x00082000));
+  std::vector<char> sets(kSets * sizeof(XCONFIGMGR_REQUEST_T));
+  for (uint32_t i = 0; i < kSets; ++i)
+    zyn::config::access::Pack(XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_SET_PARAM_REQUEST, 1, 3, 0),
+                                                   test_catalogue::kRaw, kBase + i, 0, 0},
+                              sets.data() + i * sizeof(XCONFIGMGR_REQUEST_T));
+  std::atomic<uint32_t> heard{0};
+  std::thread listening([&] {
+    XCONFIGMGR_RESPONSE_T event{};
+    while (heard < kSets && reader.ReadRecord(event, 10000) && event.header.msgtype == 144 &&
+           event.value == kBase + heard)
+      ++heard;
+  });
+  std::string err = Stderr([&] {
+    writer.SendBytes(sets.data(), sets.size());
+    writer.Sync();
+    listening.join();
+  });
+  EXPECT_EQ(kSets, heard.load()) << "the reading listener was cut off or missed events:\n" << err;
+  // Cut off while it still does not read; only then is its end read.
+  for (int waited = 0; liveCount() > 2 && waited < 1000; ++waited) usleep(10000);
+  EXPECT_TRUE(stalled.ReadUntilClosed()) << "the listener that never reads was kept:\n" << err;
+}
+
+// A stream server on `port` with a limit of `slots` connections and a short
+// read time-out: one client idles between records while the others stall
+// mid-record (in the message type, then in the record's body). The stalled
+// ones are closed, with `line`, which frees their slots for a new client;
+// the idle one is kept and still served.
+inline void CheckStalledRecordsTimedOut(int port, int slots, const std::string& line) {
+  std::string err = Stderr([&] {
+    RawPeer idle(port);
+    ASSERT_EQ(0u, idle.Connect(0x00071000));
+    std::vector<std::unique_ptr<RawPeer>> stalled;
+    const char half[8] = {3, 0, 0, 0, 1, 0, 0, 0};  // a Get Request cut short
+    for (int i = 1; i < slots; ++i) {
+      stalled.emplace_back(new RawPeer(port));
+      ASSERT_EQ(0u, stalled.back()->Connect(0x00071000 + i));
+      stalled.back()->SendBytes(half, i % 2 == 1 ? 2 : sizeof half);
+    }
+    for (auto& peer : stalled) EXPECT_TRUE(peer->ClosedByPeer(10000)) << "a stalled peer kept";
+    RawPeer fresh(port);
+    EXPECT_EQ(0u, fresh.Connect(0x00071100)) << "the freed slots serve a new client";
+    fresh.Sync();
+    idle.Sync();
+  });
+  EXPECT_NE(std::string::npos, err.find(line)) << err;
 }
 
 #endif  // TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H

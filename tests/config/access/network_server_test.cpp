@@ -15,6 +15,7 @@
 
 using namespace zyn::config::access;
 using namespace test_catalogue;
+using zyn::boxline::config::access::NetworkServer;
 using zyn::boxline::config::access::NetworkTCPConnection;
 
 namespace {
@@ -29,8 +30,9 @@ XCONFIGMGR_REQUEST_T Request(uint32_t msgtype, uint32_t requestID, uint32_t para
                               streamLength, 0};
 }
 
-XCONFIGMGR_CONNECTION_REQUEST_T Connection(uint32_t msgtype, uint32_t requestID) {
-  return XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(msgtype, kClient, requestID, 0)};
+XCONFIGMGR_CONNECTION_REQUEST_T Connection(uint32_t msgtype, uint32_t requestID,
+                                           uint32_t configID = 0) {
+  return XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(msgtype, kClient, requestID, configID)};
 }
 
 std::vector<char> StringPayload(unsigned int paramID, const std::string& text) {
@@ -193,9 +195,23 @@ TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
 }
 
 TEST_F(NetworkTCPServerTest, StalledListenersCutOffWithoutStallingWriters) {
-  CheckStalledListenersCutOff(server.store, server.port, &NetworkTCPConnection::LiveCount,
-                              "NetworkTCPConnection::ParamChanged - event queue limit of 1024 "
-                              "reached, client cut off");
+  CheckStalledListenersCutOff(
+      server.store, server.port, &NetworkTCPConnection::LiveCount,
+      "NetworkTCPConnection::ParamChanged - event queue not drained for 500 ms, client cut off");
+}
+
+TEST_F(NetworkTCPServerTest, ReadingListenerKeepsUpWithAPipeliningWriter) {
+  CheckReaderKeepsUpWithPipelinedSets(server.port, &NetworkTCPConnection::LiveCount);
+}
+
+TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) {
+  RawDatagramPeer events;
+  auto* configured = NetworkLoopbackServer::Make(SOCK_STREAM, events.port);
+  configured->SetMaxConnections(4);
+  configured->SetReadTimeoutMs(300);
+  ServerOnLoopback<NetworkServer, NetworkTCPConnection> server(configured);
+  CheckStalledRecordsTimedOut(server.port, 4,
+                              "incomplete after the read time-out of 300 ms, connection closed");
 }
 
 TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
@@ -298,6 +314,69 @@ TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
         "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength\n"})
     EXPECT_NE(std::string::npos, err.find(line)) << "missing: " << line << "in:\n" << err;
   EXPECT_TRUE(events.Receive(200).empty()) << "a dropped Set String was multicast";
+}
+
+TEST_F(NetworkUDPServerTest, GarbageFloodCostsALineASecondPerKind) {
+  const auto begin = std::chrono::steady_clock::now();
+  std::string err = Stderr([&] {
+    for (uint32_t round = 0; round < 20; ++round) {
+      for (int i = 0; i < 1000; ++i) {
+        peer.SendBytes(udp.port, {16, 0, 0});                 // too short
+        peer.SendBytes(udp.port, {48, 0, 0, 0, 0, 0, 0, 0});  // not a UDP request
+      }
+      // Answered once the server has worked through the round.
+      peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, round, kPercent));
+      ASSERT_EQ(round, peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(nullptr, 10000)[2]);
+    }
+  });
+  const long seconds =
+      std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin)
+          .count();
+  EXPECT_LE(Count(err, "NetworkUDPConnection::ProcessDatagramMessages"),
+            static_cast<size_t>(2 * (seconds + 2)))
+      << err;
+  EXPECT_NE(std::string::npos, err.find("insufficient message length")) << err;
+  EXPECT_NE(std::string::npos, err.find("Unknown message type")) << err;
+}
+
+TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
+  RawDatagramPeer events, peer;
+  auto* configured = NetworkLoopbackServer::Make(SOCK_DGRAM, events.port);
+  configured->SetUdpStoreIdleMs(300);
+  ServerOnLoopback<NetworkServer, NetworkTCPConnection> udp(configured);
+  LoopbackServer local;
+  // The Connect Response's error, or kRefused when none came.
+  auto connect = [&](uint32_t configID) {
+    peer.Send(udp.port, Connection(XCFG_CONNECT_REQUEST, 1, configID));
+    Words words = peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>();
+    return words.size() > 7 ? words[7] : kRefused;
+  };
+  auto answered = [&](uint32_t configID) {
+    peer.Send(udp.port, Request(XCFG_GET_PARAM_REQUEST, 2, kPercent, 0, 0, configID));
+    return peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(nullptr, 1000).size() > 1;
+  };
+  std::string err = Stderr([&] {
+    RawPeer stream(local.port);
+    ASSERT_EQ(0u, stream.Connect(kClient, 7));
+    EXPECT_EQ(0u, connect(0));
+    EXPECT_EQ(0u, connect(7));
+    ConfigFactoryImpl* factory = ConfigFactoryImpl::GetInstance();
+    factory->SetMaxStores(static_cast<int>(factory->OpenStoreCount()) + 1);  // room for one
+    EXPECT_EQ(0u, connect(5));
+    // Refused (error 2) while store 5 is open.
+    uint32_t error = connect(6);
+    for (int tries = 0; error != 0 && tries < 200; ++tries) {
+      usleep(50000);
+      error = connect(6);
+    }
+    EXPECT_EQ(0u, error) << "the idle store 5 was never given back";
+    EXPECT_TRUE(answered(0)) << "store 0 is never given back";
+    EXPECT_TRUE(answered(7)) << "a store a stream client holds is kept for UDP too";
+    EXPECT_FALSE(answered(5)) << "store 5, given back, cannot open again while 6 holds its place";
+    factory->SetMaxStores(0);
+  });
+  EXPECT_NE(std::string::npos, err.find("store limit of")) << "the limit never bound:\n" << err;
+  EXPECT_NE(std::string::npos, err.find("idle stores released")) << err;
 }
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
