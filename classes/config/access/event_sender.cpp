@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "config/access/connection_utilities.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -53,6 +54,26 @@ XCONFIGMGR_RESPONSE_T ParamChangedEvent(const QueuedEvent& event) {
                                event.value,
                                0,
                                kXConfigStreamBufferSize};
+}
+
+std::vector<char> EncodeEventBatch(
+    const std::vector<QueuedEvent>& events,
+    const std::function<bool(const XCONFIGMGR_REQUEST_T&, std::vector<char>&)>& buildStream) {
+  std::vector<char> bytes;
+  for (const QueuedEvent& event : events) {
+    if (event.text) {
+      std::vector<char> record;
+      if (buildStream(StreamChangedEvent(event), record))
+        bytes.insert(bytes.end(), record.begin(), record.end());
+      continue;
+    }
+    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
+    char record[sizeof changed];
+    Pack(changed, record);
+    ConnectionUtilities::Dump(changed);
+    bytes.insert(bytes.end(), record, record + sizeof record);
+  }
+  return bytes;
 }
 
 XCONFIGMGR_REQUEST_T StreamChangedEvent(const QueuedEvent& event) {

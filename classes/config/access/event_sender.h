@@ -65,6 +65,12 @@ XCONFIGMGR_RESPONSE_T ParamChangedEvent(const QueuedEvent& event);
 // The request from which a "Param String Changed Event" with the store's
 // current value is built.
 XCONFIGMGR_REQUEST_T StreamChangedEvent(const QueuedEvent& event);
+// The records of a batch of events, one after another, for one send:
+// integer changes packed here, string changes through `buildStream` (the
+// connection's own stream encoder; a record it refuses is left out).
+std::vector<char> EncodeEventBatch(
+    const std::vector<QueuedEvent>& events,
+    const std::function<bool(const XCONFIGMGR_REQUEST_T&, std::vector<char>&)>& buildStream);
 
 class EventSender {
  public:

@@ -367,20 +367,10 @@ void SocketConnection::CutOff(const char* why) {
 
 bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
   // Every record of the batch goes out in one send.
-  std::vector<char> bytes;
-  for (const QueuedEvent& event : events) {
-    if (event.text) {
-      std::vector<char> record;
-      if (BuildStreamResponse(StreamChangedEvent(event), record))
-        bytes.insert(bytes.end(), record.begin(), record.end());
-      continue;
-    }
-    XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(event);
-    char record[sizeof changed];
-    Pack(changed, record);
-    ConnectionUtilities::Dump(changed);
-    bytes.insert(bytes.end(), record, record + sizeof record);
-  }
+  std::vector<char> bytes =
+      EncodeEventBatch(events, [this](const XCONFIGMGR_REQUEST_T& request, std::vector<char>& out) {
+        return BuildStreamResponse(request, out);
+      });
   if (bytes.empty()) return false;
   SemaphoreHelper hold(&_send_lock);
   {
