@@ -154,6 +154,9 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   HttpReply down = Get("/api/groups/2");
   EXPECT_EQ(503, down.status);
   EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
+  HttpReply lost = Get("/api/health");
+  EXPECT_EQ(503, lost.status);
+  EXPECT_EQ("configd lost", lost.json.get<std::string>("message", ""));
 
   daemon.process = std::make_unique<tools_test::ChildProcess>();
   ASSERT_TRUE(daemon.process->Start(tools_test::ConfigdArgs(
@@ -213,15 +216,6 @@ TEST_F(WebTest, HealthSaysWhetherConfigdKeepsItsSettings) {
   EXPECT_EQ("false", bad.json.get<std::string>("ok", ""));
   EXPECT_EQ(failed, bad.json.get<std::string>("message", ""));
   EXPECT_TRUE(Has(Get("/").body, "/api/health")) << "the page shows it";
-
-  EventStream stream;
-  ASSERT_TRUE(stream.Open(server->GetPort()));
-  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
-  EXPECT_EQ(0, daemon.Stop(SIGTERM).exitCode);
-  ASSERT_TRUE(stream.WaitFor("\"connected\":false", kEventMs));
-  HttpReply lost = Get("/api/health");
-  EXPECT_EQ(503, lost.status);
-  EXPECT_EQ("configd lost", lost.json.get<std::string>("message", ""));
 }
 
 TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsClosedNotGrown) {
