@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "config/values/file.h"
+
 int FileSystem::Open(const std::string& path, int flags, mode_t mode) {
   return open(path.c_str(), flags | O_CLOEXEC, mode);
 }
@@ -61,14 +63,7 @@ bool FileSystem::MakePrivateFolder(const std::string& path, mode_t mode, std::st
 }
 
 int FileSystem::OpenRegular(const std::string& path, int flags, mode_t mode) {
-  int fd = Open(path, flags | O_NOFOLLOW | O_NONBLOCK, mode);
-  if (fd < 0) return -1;
-  struct stat info;
-  int error = fstat(fd, &info) != 0 ? errno : S_ISREG(info.st_mode) ? 0 : EINVAL;
-  if (error == 0) return fd;
-  Close(fd);
-  errno = error;
-  return -1;
+  return File::open_regular(path, flags, mode);
 }
 
 bool FileSystem::WriteAtomic(const std::string& path, const char* data, size_t size, mode_t mode,

@@ -352,9 +352,8 @@ bool NetworkTCPConnection::SendEvents(const std::vector<QueuedEvent>& events) {
   }
   if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
   // A send time-out (the client stopped reading) or a vanished client.
-  int error = errno;
   RateLimitedLog::Report("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
-                         error != 0 ? strerror(error) : "connection closed");
+                         FailureCause(errno));
   return false;
 }
 

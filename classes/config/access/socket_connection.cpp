@@ -380,9 +380,8 @@ bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
   }
   if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
   // A send time-out (the client stopped reading) or a vanished client.
-  int error = errno;
   RateLimitedLog::Report("SocketConnection::ParamChanged - unable to send event to socket: %s",
-                         error != 0 ? strerror(error) : "connection closed");
+                         FailureCause(errno));
   return false;
 }
 

@@ -7,29 +7,26 @@
 #include <cerrno>
 #include <cstdio>
 
-namespace {
-
-// Opens `path` for writing without following a symlink or blocking on a
-// FIFO, and truncates it only once it is known to be a regular file: the
-// hand-over folder is shared with the settings owner, which runs as root.
-int OpenRegularForWriting(const std::string& path) {
-  int fd = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0664);
+int File::open_regular(const std::string& path, int flags, mode_t mode) {
+  int fd = open(path.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, mode);
   if (fd < 0) return -1;
   struct stat info;
-  int error = fstat(fd, &info) != 0    ? errno
-              : !S_ISREG(info.st_mode) ? EINVAL
-              : ftruncate(fd, 0) != 0  ? errno
-                                       : 0;
+  int error = fstat(fd, &info) != 0 ? errno : S_ISREG(info.st_mode) ? 0 : EINVAL;
   if (error == 0) return fd;
   close(fd);
   errno = error;
   return -1;
 }
 
-}  // namespace
-
 bool File::write_file(const std::string& path, const char* data, unsigned int size) {
-  int fd = OpenRegularForWriting(path);
+  // Truncated only once it is known to be a regular file.
+  int fd = open_regular(path, O_RDWR | O_CREAT, 0664);
+  if (fd >= 0 && ftruncate(fd, 0) != 0) {
+    int error = errno;
+    close(fd);
+    errno = error;
+    fd = -1;
+  }
   if (fd < 0) {
     perror("open failed");
     fprintf(stderr, "File::write_file - open %s failed\n", path.c_str());

@@ -58,24 +58,17 @@ void PresetsParamVector::ClearData() {
 
 bool PresetsParamVector::Slurp(const std::string& path) {
   // The hand-over folder is shared: a symlink is not followed, and a FIFO
-  // or device there is refused (after a non-blocking open) like a file
-  // that cannot be opened.
-  int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  struct stat info;
-  bool opened = fd >= 0;
-  if (opened && fstat(fd, &info) != 0) {
-    close(fd);
-    fprintf(stderr, "PresetsParamVector::Slurp - fstat failed\n");
-    return false;
-  }
-  if (opened && !S_ISREG(info.st_mode)) {
-    close(fd);
-    errno = EINVAL;
-    opened = false;
-  }
-  if (!opened) {
+  // or device there is refused like a file that cannot be opened.
+  int fd = File::open_regular(path, O_RDONLY, 0);
+  if (fd < 0) {
     perror("open failed");
     fprintf(stderr, "PresetsParamVector::Slurp - open %s failed\n", path.c_str());
+    return false;
+  }
+  struct stat info;
+  if (fstat(fd, &info) != 0) {
+    close(fd);
+    fprintf(stderr, "PresetsParamVector::Slurp - fstat failed\n");
     return false;
   }
   if (static_cast<unsigned long long>(info.st_size) > 0xFFFFFFFFull) {
