@@ -113,12 +113,9 @@ int RunSet(const Arguments& arguments) {
   if (arguments.mapped) client = link.Map(client, nullptr);
   // A generic parameter follows the rule of the one it stands for now.
   const ParamDescriptor* target = EffectiveDescriptor(descriptor, client);
-  if (!arguments.force && IsUserReadOnly(target)) {
-    if (target == descriptor || target == nullptr)
-      Console::Error("%s is read-only", name.c_str());
-    else
-      Console::Error("%s is read-only (%s stands for it now)", target->GetParamIDName().c_str(),
-                     name.c_str());
+  std::string readOnly = arguments.force ? std::string() : ReadOnlyReason(descriptor, target);
+  if (!readOnly.empty()) {
+    Console::Error("%s", readOnly.c_str());
     return kExitFailure;
   }
   if (target != nullptr && target != descriptor && !CheckValue(target, requested, error)) {
@@ -192,12 +189,8 @@ int RunList(const Arguments& arguments) {
   } else {
     // The owner's own parameters are a protocol between configd and its
     // clients, not settings.
-    for (unsigned int id : GetParamIDs()) {
-      if (id == kOwnerRegisterRequestParamID || id == kOwnerRegisterOutcomesParamID ||
-          id == kOwnerHealthParamID)
-        continue;
-      descriptors.push_back(GetDescriptor(id));
-    }
+    for (unsigned int id : GetParamIDs())
+      if (!IsOwnerParam(id)) descriptors.push_back(GetDescriptor(id));
     std::sort(descriptors.begin(), descriptors.end(),
               [](const ParamDescriptor* a, const ParamDescriptor* b) {
                 return a->GetParamIDName() < b->GetParamIDName();

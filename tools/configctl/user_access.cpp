@@ -68,4 +68,11 @@ const ParamDescriptor* EffectiveDescriptor(const ParamDescriptor* descriptor, Co
   return mapped == descriptor->GetParamID() ? descriptor : GetDescriptor(mapped);
 }
 
+std::string ReadOnlyReason(const ParamDescriptor* descriptor, const ParamDescriptor* target) {
+  if (!IsUserReadOnly(target)) return std::string();
+  const std::string& name = descriptor->GetParamIDName();
+  if (target == nullptr || target == descriptor) return name + " is read-only";
+  return target->GetParamIDName() + " is read-only (" + name + " stands for it now)";
+}
+
 }  // namespace configctl

@@ -10,6 +10,8 @@
 #ifndef TOOLS_CONFIGCTL_USER_ACCESS_H
 #define TOOLS_CONFIGCTL_USER_ACCESS_H
 
+#include <string>
+
 class Config;
 class ParamDescriptor;
 
@@ -25,6 +27,12 @@ namespace configctl {
 // Null when the mapped ID is not in the catalogue.
 [[nodiscard]] const ParamDescriptor* EffectiveDescriptor(const ParamDescriptor* descriptor,
                                                          Config* config);
+
+// Why a user may not set `descriptor` when the set reaches `target` (its
+// EffectiveDescriptor): "NAME is read-only", or for a generic "SPECIFIC is
+// read-only (NAME stands for it now)". Empty when the user may.
+[[nodiscard]] std::string ReadOnlyReason(const ParamDescriptor* descriptor,
+                                         const ParamDescriptor* target);
 
 }  // namespace configctl
 

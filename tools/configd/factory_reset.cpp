@@ -10,9 +10,7 @@
 
 bool FactoryReset::Resets(const ParamDescriptor* descriptor, bool hard) {
   unsigned int id = descriptor->GetParamID();
-  if (RegisterHandler::IsCommand(id) || id == kOwnerRegisterRequestParamID ||
-      id == kOwnerRegisterOutcomesParamID || id == kOwnerHealthParamID)
-    return false;
+  if (RegisterHandler::IsCommand(id) || IsOwnerParam(id)) return false;
   if (hard) return true;
   // The saved presets stay, and so do their names.
   unsigned int presetNumber = 0;

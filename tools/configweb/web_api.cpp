@@ -15,9 +15,9 @@
 #include "config/descriptors/param_groups.h"
 #include "config/descriptors/param_ids.h"
 #include "config/values/presets_param_vector.h"
-#include "configctl/owner_request.h"
 #include "configctl/formatting.h"
 #include "configctl/json.h"
+#include "configctl/owner_request.h"
 #include "configctl/parameters.h"
 #include "configctl/user_access.h"
 #include "configweb/daemon_session.h"
@@ -180,22 +180,18 @@ WebReply WebApi::Status() {
 WebReply WebApi::Health() {
   std::string health;
   bool published = false;
-  if (!_session.WithConfig(
-          [&](Config* config) { published = config->Get(kOwnerHealthParamID, health); })) {
-    WebReply reply = Unreachable(_session);
-    reply.body = JsonText(Json{{"ok", false},
-                               {"message", "configd lost"},
-                               {"error", "configd is not reachable at " + _session.GetUri()}});
-    return reply;
-  }
-  if (!published || health.empty()) {
-    WebReply reply = Error(502, "configd does not publish its health");
-    reply.body = JsonText(Json{{"ok", false},
-                               {"message", "configd does not publish its health"},
-                               {"error", "configd does not publish its health"}});
-    return reply;
-  }
-  return JsonReply(Json{{"ok", health == kOwnerHealthOk}, {"message", health}});
+  bool connected = _session.WithConfig(
+      [&](Config* config) { published = config->Get(kOwnerHealthParamID, health); });
+  if (connected && published && !health.empty())
+    return JsonReply(Json{{"ok", health == kOwnerHealthOk}, {"message", health}});
+  // An error in the API's usual form, with the health fields the page reads.
+  WebReply reply;
+  std::string error = connected ? "configd does not publish its health"
+                                : "configd is not reachable at " + _session.GetUri();
+  reply.status = connected ? 502 : 503;
+  reply.body = JsonText(
+      Json{{"ok", false}, {"message", connected ? error : "configd lost"}, {"error", error}});
+  return reply;
 }
 
 WebReply WebApi::Groups() {
@@ -286,13 +282,8 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
     // A Get after a Set on the same connection sees the Set's outcome.
     done = sent && configctl::ReadValue(config, descriptor, after);
   });
-  if (connected && configctl::IsUserReadOnly(target)) {
-    std::string shown = target != nullptr ? target->GetParamIDName() : "its parameter";
-    return Error(
-        403, shown + " is read-only" +
-                 (target != descriptor ? " (" + descriptor->GetParamIDName() + " stands for it now)"
-                                       : ""));
-  }
+  std::string readOnly = connected ? configctl::ReadOnlyReason(descriptor, target) : "";
+  if (!readOnly.empty()) return Error(403, readOnly);
   if (!error.empty()) return Error(400, error);
   if (!connected) return Unreachable(_session);
   if (!done)
@@ -332,9 +323,11 @@ WebReply WebApi::Preset(const std::string& number, const std::string& operation)
   unsigned int state = request.GetState();
   auto* results = dynamic_cast<EnumDescriptor*>(GetDescriptor(command->result));
   std::string resultName = results != nullptr ? results->GetEnumValue(state) : "";
-  WebReply reply = JsonReply(
-      Json{{"preset", preset}, {"operation", operation}, {"state", state}, {"result", resultName},
-           {"message", request.GetMessage()}});
+  WebReply reply = JsonReply(Json{{"preset", preset},
+                                  {"operation", operation},
+                                  {"state", state},
+                                  {"result", resultName},
+                                  {"message", request.GetMessage()}});
   if (state != kRegisterDone) reply.status = 409;
   return reply;
 }

@@ -24,6 +24,11 @@ constexpr CatalogueRow kOwnerRows[] = {
 }  // namespace config
 }  // namespace zyn
 
+bool IsOwnerParam(unsigned int id) {
+  return id == kOwnerRegisterRequestParamID || id == kOwnerRegisterOutcomesParamID ||
+         id == kOwnerHealthParamID;
+}
+
 void AddOwnerDescriptors() {
   CreateDescriptors();
   if (IsValidParamID(kOwnerHealthParamID)) return;

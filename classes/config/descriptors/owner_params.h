@@ -41,6 +41,9 @@ constexpr const char* kOwnerOperations[] = {"save", "recall", "load", "store", "
 constexpr size_t kOwnerOutcomeLines = 32;
 constexpr const char* kOwnerHealthOk = "ok";
 
+// Whether `id` is one of the three owner parameters.
+[[nodiscard]] bool IsOwnerParam(unsigned int id);
+
 // Builds the catalogue if it is not built yet, then registers the three
 // descriptors and indexes their names. Idempotent.
 void AddOwnerDescriptors();
