@@ -16,23 +16,6 @@
 #include "test_config.h"
 #include "test_stderr.h"
 
-TEST(ConfigTest, OptionalSlotsAnswerNo) {
-  IntegerConfig config;
-  std::vector<eParam_t> ids;
-  unsigned int transaction = 7;
-  ConfigEvent event;
-  EXPECT_EQ(nullptr, config.GetSerializable(1));
-  EXPECT_FALSE(config.SetSerializable(1, nullptr) || config.AddConfigEventListener(nullptr) ||
-               config.AddConfigEventListener(1, nullptr) ||
-               config.AddConfigEventListener(std::list<eParam_t>{1}, nullptr) ||
-               config.RemoveConfigEventListener(nullptr) ||
-               config.WaitForConfigEvent(event, 0, 0) || config.Lock(1, Config::eParamLock_Write) ||
-               config.Unlock(1) || config.StartTransaction(ids, transaction) ||
-               config.Commit(transaction) || config.Rollback(transaction) ||
-               config.AddUpdatePrecondition(nullptr) || config.RemoveUpdatePrecondition(nullptr))
-      << "an optional slot answered yes";
-}
-
 TEST(ConfigDeathTest, DataAccessIsMandatory) {
   IntegerConfig config;
   std::string data;

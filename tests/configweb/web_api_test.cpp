@@ -180,7 +180,7 @@ TEST_F(WebTest, ReadOnlyAndBadValuesAreRefusedBeforeAnythingIsStored) {
       {"ReferenceAlarm", "{\"value\":1}", 403, "eParamID_ReferenceAlarm is read-only"},
       {"SoftwareVersion", "{\"value\":\"hacked\"}", 403, "is read-only"},
       // A generic parameter is as writable as the one it stands for (DHCP here).
-      {"IPAddress", "{\"value\":\"10.0.0.9\"}", 403,
+      {"IPAddress", "{\"value\":\"127.0.0.9\"}", 403,
        "eParamID_IPAddress_DHCP is read-only (eParamID_IPAddress stands for it now)"},
   };
   const std::string before = Ctl({"get", "SystemName", "ReferenceAlarm", "IPAddress_DHCP"}).out;

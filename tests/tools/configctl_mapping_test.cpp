@@ -21,15 +21,15 @@ TEST_F(ConfigctlDaemonTest, MapAndMappedCommandsFollowTheSelectorsConfigdHolds) 
       "eParamID_FrontPanelLock -> eParamID_FrontPanelLock\n",
       before.out);
   // A generic parameter is as writable as the one it stands for now.
-  Outcome dhcp = Ctl({"--mapped", "set", "IPAddress", "10.0.0.9"});
+  Outcome dhcp = Ctl({"--mapped", "set", "IPAddress", "127.0.0.9"});
   EXPECT_EQ(1, dhcp.exitCode);
   EXPECT_EQ(
       "configctl: eParamID_IPAddress_DHCP is read-only (eParamID_IPAddress stands for it now)\n",
       dhcp.err);
   ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
   ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
-  EXPECT_EQ(0, Ctl({"--mapped", "set", "IPAddress", "10.0.0.9"}).exitCode);
-  EXPECT_EQ("eParamID_IPAddress_Static = 10.0.0.9\n", Ctl({"get", "IPAddress_Static"}).out);
+  EXPECT_EQ(0, Ctl({"--mapped", "set", "IPAddress", "127.0.0.9"}).exitCode);
+  EXPECT_EQ("eParamID_IPAddress_Static = 127.0.0.9\n", Ctl({"get", "IPAddress_Static"}).out);
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain -> eParamID_Vid1YUVProcAmpGain_HDMI\n",
             Ctl({"map", "Vid1YUVProcAmpGain"}).out);
   EXPECT_EQ(

@@ -14,39 +14,6 @@ namespace {
 
 typedef std::vector<std::string> Names;
 
-TEST(ParamDescriptorTest, NewDescriptorsStartWithTheirDefaults) {
-  std::vector<std::unique_ptr<ParamDescriptor>> all;
-  all.emplace_back(new ParamDescriptor);
-  all.emplace_back(new IntegerDescriptor);
-  all.emplace_back(new EnumDescriptor);
-  all.emplace_back(new DecimalDescriptor);
-  all.emplace_back(new StringDescriptor);
-  for (size_t i = 0; i < all.size(); ++i) {
-    SCOPED_TRACE("descriptor class #" + std::to_string(i));
-    EXPECT_EQ(std::vector<int>({all[i]->GetParamType(), all[i]->GetFeatureType(),
-                                all[i]->GetFactoryResetType(), all[i]->GetPersistenceType(),
-                                all[i]->GetRegisterType(), all[i]->GetAccessType()}),
-              std::vector<int>({0, 3, 1, 0, 0, 0}))
-        << "paramType, featureType, factoryResetType, persistenceType, registerType, accessType";
-  }
-
-  IntegerDescriptor n;
-  EXPECT_EQ(std::vector<unsigned int>(
-                {n.GetAdjustBy(), n.GetScaleBy(), n.GetOffsetBy(), n.GetDisplayPrecision()}),
-            std::vector<unsigned int>({1, 1, 0, 0}))
-      << "adjustBy, scaleBy, offsetBy, displayPrecision";
-  EXPECT_EQ(n.GetUnits() + n.GetUnits2(), "");
-
-  StringDescriptor s;
-  EXPECT_EQ(std::vector<unsigned int>(
-                {s.GetMinLength(), s.GetMaxLength(), s.GetMinIndex(), s.GetMaxIndex()}),
-            std::vector<unsigned int>({0, 20, 0, 19}))
-      << "minLength, maxLength, minIndex, maxIndex";
-
-  s.SetShortName("FP Lock");
-  EXPECT_EQ(s.GetShortName(5), "FP Lock") << "the index is ignored";
-}
-
 TEST(ParamDescriptorTest, ClassNamesKeepInsertionOrderWithoutDuplicates) {
   ParamDescriptor d;
   d.AddClassName("a");

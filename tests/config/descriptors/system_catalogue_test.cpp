@@ -1,6 +1,6 @@
 // The system catalogue (its IDs and names are pinned by the generated
-// header's test): the rows whose contents clients rely on, the menus it
-// makes, and a store built from it.
+// header's test): its consistency, the rows the mapper and the unit's
+// identity rely on, the menus it makes, and a store built from it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,6 @@ using unit_catalogue::CatalogueIDs;
 using unit_catalogue::ClassesOf;
 using unit_catalogue::Find;
 using unit_catalogue::IntAttributeOf;
-using unit_catalogue::MenuPlaceOf;
 using unit_catalogue::ValuesOf;
 
 std::string DefaultTextOf(ParamDescriptor* d) {
@@ -34,103 +33,10 @@ std::string DefaultTextOf(ParamDescriptor* d) {
   return s != nullptr ? s->GetFactoryDefault() : "";
 }
 
-std::string TextAttribute(const std::string& id_name, const char* attribute) {
-  std::string value = "(none)";
-  if (ParamDescriptor* d = Find(id_name)) d->GetAttribute(attribute, value);
-  return value;
-}
-
-// The rows whose contents clients rely on, rendered: values, class names,
-// menu place and default text (strings).
-struct TellingRow {
-  const char* idName;
-  const char* values;
-  const char* classes;
-  const char* menu;
-  const char* text;
-};
-
-// clang-format off
-constexpr char kGPIOut[] = "0 No Action/NoAction, 1 Alarm, 2 No Video1/NoVideo1, 3 No Video2/NoVideo2, 4 No Ref, 5 PS Alarm/PSAlarm, 6 Temp Alarm/TmpAlarm";
-constexpr char kSuppress[] = "0 Normal, 1 Suppress";
-const TellingRow kTellingRows[] = {
-    {"eParamID_FrontPanelLock", "0 Unlocked, 1 Locked", "panel_hidden", "3:3.5", ""},
-    {"eParamID_IPConfig", "0 DHCP, 1 Static Addr/Static", "volatile network_config", "3:2.1", ""},
-    {"eParamID_IPAddress", "", "network_config", "3:2.2", "0.0.0.0"},
-    {"eParamID_IPAddress_DHCP", "", "readonly network_config", "", "0.0.0.0"},
-    {"eParamID_IPAddress_Actual", "", "readonly network_config", "5:6.4", "NOT CONFIGURED"},
-    {"eParamID_SubnetMask", "", "network_config", "3:2.3", "0.0.0.0"},
-    {"eParamID_SubnetMask_Actual", "", "readonly network_config", "5:6.5", "NOT CONFIGURED"},
-    {"eParamID_DefaultGateway", "", "volatile network_config", "3:2.4", "0.0.0.0"},
-    {"eParamID_DefaultGateway_Static", "", "volatile network_config", "", "192.168.0.1"},
-    {"eParamID_DefaultGateway_DHCP", "", "readonly volatile network_config", "", "0.0.0.0"},
-    {"eParamID_SystemName", "", "network_config", "3:1.1", "zyn-kr-9"},
-    {"eParamID_SNMPEnable", "0 Disabled, 1 Enable 1, 2 Enable Both, 3 Enable 2", "", "3:4.0", ""},
-    {"eParamID_SNMPTrapIP1", "", "", "3:4.1", "0.0.0.0"},
-    {"eParamID_SNMPPort1", "", "", "3:4.2", ""},
-    {"eParamID_SNMPTrapIP2", "", "", "3:4.3", "0.0.0.0"},
-    {"eParamID_SNMPPort2", "", "", "3:4.4", ""},
-    {"eParamID_RemoteControl", "0 Local+Remote/Loc+Rem, 1 Local Only/Local, 2 Remote Only/Remote", "", "1:1.0", ""},
-    {"eParamID_Authentication", "0 Disabled, 1 Login", "volatile", "1:1.1", ""},
-    {"eParamID_HiddenMenus", "0 Show All/ShowAll, 1 Hide Inactive/Hide", "", "3:3.3", ""},
-    {"eParamID_GPI1Out", kGPIOut, "", "1:3.1", ""},
-    {"eParamID_GPI2Out", kGPIOut, "", "1:3.2", ""},
-    {"eParamID_GPI3Out", kGPIOut, "", "1:3.3", ""},
-    {"eParamID_GPI4Out", kGPIOut, "", "1:3.4", ""},
-    {"eParamID_GPI_OUT_1", "0 Inactive, 1 Active", "gpio", "", ""},
-    {"eParamID_GPI_OUT_4", "0 Inactive, 1 Active", "gpio", "", ""},
-    {"eParamID_Vid1SuppressFormatAlarm", kSuppress, "alarm_suppress", "3:6.1", ""},
-    {"eParamID_Vid2SuppressFormatAlarm", kSuppress, "alarm_suppress", "3:6.2", ""},
-    {"eParamID_SuppressPSAlarm", kSuppress, "alarm_suppress", "3:6.3", ""},
-    {"eParamID_SuppressReferenceAlarm", kSuppress, "alarm_suppress", "3:6.4", ""},
-    {"eParamID_ScreenSaverEnable", "0 Off, 1 On (ZYN Logo)/On", "", "3:3.2", ""},
-    {"eParamID_FactorySettings", "0 Adj=Set, 1 FACTORY/wFACTORY[AdjPB=Recall], 2 HARD FACTORY/hFACTORY[AdjPB=Recall]", "panel_hidden", "3:7.3", ""},
-    {"eParamID_SoftwareReset", "0 Reboot?/Reboot[Both=Reboot], 1 Confirm?[Up to Confirm], 2 Rebooting/Rebootng", "", "3:7.2", ""},
-    {"eParamID_PauseFeatures", "0 Run, 1 Pause", "", "11:1.1", ""},
-    {"eParamID_CurrentlySelectedButton", "1 Remote, 2 System, 3 Config, 4 Preset, 5 Status, 6 Output, 7 Video Proc, 8 Video Output, 9 Audio Proc, 10 Audio Output", "hidden_param", "", ""},
-    {"eParamID_LastSelectedParam", "", "hidden_param", "", ""},
-    {"eParamID_LastSelectedParamAudioOutput", "", "hidden_param", "", ""},
-    {"eParamID_ProductID", "", "volatile", "", ""},
-    {"eParamID_NetworkServices", "", "", "", "[]"},
-    {"eParamID_SSDP_Enable_Host", "0 Disable, 1 Enable", "volatile", "3:5.1", ""},
-    {"eParamID_SSDP_Enable_Proxy", "0 Disable, 1 Enable", "volatile", "3:5.2", ""},
-    {"eParamID_SystemPassword", "", "volatile password rest_hidden", "", ""},
-    // Result values are the hand-over states of the preset exchange.
-    {"eParamID_RegisterRecallResult", "1 Recalling.../Loading, 2 Recall Complete/Complete, 4 Preset Empty/Empty, 3 Recall Failed/Failed", "readonly volatile", "", ""},
-    {"eParamID_RegisterExportResult", "1 Exporting.../Exportng, 2 Export Complete/Complete, 3 Export Failed/Failed", "readonly volatile", "", ""},
-    {"eParamID_RegisterImportResult", "1 Importing.../Importng, 2 Import Complete/Complete, 3 Import Failed/Failed", "readonly volatile", "", ""},
-    {"eParamID_RegisterLoadResult", "1 Exporting.../Exportng, 2 Export Complete/Complete, 4 Preset Empty/Empty, 3 Export Failed/Failed", "readonly volatile", "", ""},
-    {"eParamID_RegisterStoreResult", "1 Storing.../Storing, 2 Store Complete/Complete, 4 Store Rejected/Rejected, 3 Store Failed/Failed", "readonly volatile", "", ""},
-    {"eParamID_RegisterRecall", "", "volatile", "4:2.1", ""},
-    {"eParamID_RegisterLoad", "", "volatile", "", ""},
-};
-// clang-format on
-
 class SystemCatalogueTest : public testing::Test {
  protected:
   static void SetUpTestSuite() { CatalogueIDs(); }
 };
-
-TEST_F(SystemCatalogueTest, PresetNameRows) {
-  for (int n = 0; n < kPresetNameCount; ++n) {
-    const std::string id_name = "eParamID_PresetName_" + std::to_string(n);
-    StringDescriptor* d = dynamic_cast<StringDescriptor*>(Find(id_name));
-    ASSERT_NE(d, nullptr) << id_name;
-    EXPECT_EQ(d->GetMinLength(), 1u);
-    EXPECT_EQ(d->GetMaxLength(), 20u);
-    EXPECT_EQ(MenuPlaceOf(d), "4:1." + std::to_string(n));
-    EXPECT_EQ(IntAttributeOf(d, "presetNumber"), static_cast<unsigned int>(n));
-    if (n == 0) continue;
-    EXPECT_EQ(d->GetName() + "|" + d->GetShortName() + "|" + ClassesOf(d),
-              "Preset " + std::to_string(n) + "|Name Pre|");
-  }
-  ParamDescriptor* factory = GetDescriptor(kFactoryPresetNameParamID);
-  ASSERT_NE(factory, nullptr);
-  EXPECT_EQ(factory->GetParamIDName(), "eParamID_PresetName_0");
-  EXPECT_EQ(factory->GetName() + "|" + factory->GetShortName() + "|" + ClassesOf(factory) + "|" +
-                DefaultTextOf(factory),
-            "Factory Preset|Factory|readonly rest_hidden|Factory values");
-}
 
 // Every parameter found under its name (names and IDs are pinned by the
 // generated header's test), and every default one that the store accepts.
@@ -159,35 +65,6 @@ TEST_F(SystemCatalogueTest, WholeCatalogueIsConsistent) {
       EXPECT_EQ(s->GetMaxIndex() + 1, s->GetMaxLength()) << id_name;
     }
   }
-}
-
-TEST_F(SystemCatalogueTest, TellingRows) {
-  for (const TellingRow& row : kTellingRows) {
-    ParamDescriptor* d = Find(row.idName);
-    if (d == nullptr) continue;
-    EXPECT_EQ(ValuesOf(d), row.values) << row.idName;
-    EXPECT_EQ(ClassesOf(d), row.classes) << row.idName;
-    EXPECT_EQ(MenuPlaceOf(d), row.menu) << row.idName;
-    EXPECT_EQ(DefaultTextOf(d), row.text) << row.idName;
-  }
-  EXPECT_NE(TextAttribute("eParamID_ScreenSaverEnable", "description").find("3 minutes"),
-            std::string::npos);
-  EXPECT_EQ(TextAttribute("eParamID_ProductID", "description"),
-            "An identifier used for product specific features and behaviors");
-  EXPECT_EQ(TextAttribute("eParamID_NetworkServices", "description"),
-            "The value is a JSON array of Network Services discovered by the unit");
-}
-
-TEST_F(SystemCatalogueTest, FrontPanelLockRow) {
-  IntegerDescriptor* d = dynamic_cast<IntegerDescriptor*>(Find("eParamID_FrontPanelLock"));
-  ASSERT_NE(d, nullptr);
-  EXPECT_EQ(std::vector<long>({d->GetParamType(), d->GetFeatureType(), d->GetPersistenceType(),
-                               d->GetRegisterType(), d->GetFactoryResetType(), d->GetMinValue(),
-                               d->GetMaxValue(), d->GetFactoryDefault(), d->GetAdjustBy()}),
-            std::vector<long>({eCParam_IntegerValue, 2, ePersist, eRegister_Exclude,
-                               eFactoryReset_Exclude, 0, 1, 0, 1}))
-      << "type, feature, persistence, register, reset, min, max, default, step";
-  EXPECT_EQ(d->GetRegEx(), "*");
 }
 
 // What the parameter mapper reads here (the generics' storage and their
