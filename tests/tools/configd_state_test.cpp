@@ -69,7 +69,7 @@ TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {
   std::string list = Ctl({"preset", "list"}).out;
   EXPECT_TRUE(Has(list, " 0  Factory values        factory\n")) << list;
   EXPECT_TRUE(Has(list, "21  studio A              saved\n22  Preset 22             empty\n"));
-  // export and import go through PresetsParamVector::Load and ::Store.
+  // export and import hand the image over through /tmp/zyn as their own requests.
   EXPECT_EQ(0, Ctl({"preset", "export", "21", image}).exitCode);
   EXPECT_EQ(image + " imported as preset 22\n", Ctl({"preset", "import", "22", image}).out);
   EXPECT_EQ("preset 22 recalled\n", Ctl({"preset", "recall", "22"}).out);

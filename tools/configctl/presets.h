@@ -1,9 +1,8 @@
 // configctl's preset and factory-reset commands. Each sends its command to
-// configd through the register parameters (setting the result parameter to
-// "in progress" first, as the library's preset hand-over does), waits for
-// configd's answer in the result parameter, and exits non-zero with one
-// clear line when configd reports a failure, an empty preset or no answer.
-// export and import go through PresetsParamVector::Load and ::Store.
+// configd as a tokened request of its own (OwnerRequest), waits for
+// configd's answer to that request, and exits non-zero with one clear line
+// when configd reports a failure, an empty preset or no answer. export and
+// import hand the preset image over through /tmp/zyn.
 //
 // Run on configctl's main thread after the catalogue is built.
 #ifndef TOOLS_CONFIGCTL_PRESETS_H
@@ -15,7 +14,7 @@ namespace configctl {
 
 // preset save N [--name TEXT] | recall N | list | export N FILE | import N FILE
 int RunPreset(const Arguments& arguments);
-// factory-reset [--hard]; waits for eParamID_FactorySettings to return to idle.
+// factory-reset [--hard]; waits for configd's answer to the reset.
 int RunFactoryReset(const Arguments& arguments);
 
 }  // namespace configctl

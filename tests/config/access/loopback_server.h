@@ -5,7 +5,6 @@
 #define TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H
 
 #include <arpa/inet.h>
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
@@ -19,7 +18,6 @@
 #include <thread>
 #include <vector>
 
-#include "config/access/event_sender.h"
 #include "config/access/network_server.h"
 #include "config/access/network_tcp_connection.h"
 #include "config/access/socket.h"
@@ -239,66 +237,6 @@ std::vector<uint32_t> WordsOf(const Record& record) {
   std::vector<uint32_t> words(sizeof(Record) / 4);
   memcpy(words.data(), &record, sizeof(Record));
   return words;
-}
-
-inline int ThreadCount() {
-  int count = 0;
-  DIR* tasks = opendir("/proc/self/task");
-  while (dirent* task = readdir(tasks)) count += task->d_name[0] != '.';
-  closedir(tasks);
-  return count;
-}
-
-// Twenty listeners that never read and one that does, on a stream server of
-// either transport (`liveCount` counts its connections), with a short drain
-// limit. Writers go on while the stalled clients' queues wait, and each is
-// cut off (reported with `cutOffLine`); the reader hears every change in
-// order meanwhile.
-inline void CheckStalledListenersCutOff(Config* store, int port, int (*liveCount)(),
-                                        const std::string& cutOffLine) {
-  zyn::config::access::EventSender::SetDrainLimitMs(500);
-  constexpr int kStalled = 20;
-  std::vector<std::unique_ptr<RawPeer>> peers;
-  for (int i = 0; i <= kStalled; ++i) {  // the last one reads
-    peers.emplace_back(new RawPeer(port, i < kStalled ? 4096 : 0));
-    ASSERT_EQ(0u, peers.back()->Connect(0x00061000 + i));
-  }
-  const int idleThreads = ThreadCount();
-  for (auto& peer : peers) {
-    peer->Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
-        zyn::config::access::MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 1, 2, 0), 0});
-    peer->Send(
-        XCONFIGMGR_REQUEST_T{zyn::config::access::MakeHeader(XCFG_GET_PARAM_REQUEST, 1, 3, 0),
-                             test_catalogue::kRaw, 0, 0, 0});
-    XCONFIGMGR_RESPONSE_T response{};
-    ASSERT_TRUE(peer->ReadRecord(response));
-  }
-  EXPECT_EQ(idleThreads + kStalled + 1, ThreadCount())
-      << "one sender thread per listening connection, none before";
-
-  std::atomic<int> heard{0};
-  std::atomic<int> written{-1};  // the number of Sets once they are done
-  std::thread reader([&] {
-    XCONFIGMGR_RESPONSE_T event{};
-    while (heard != written && peers.back()->ReadRecord(event, 10000) &&
-           event.header.msgtype == 144 && event.value == static_cast<uint32_t>(heard.load()))
-      ++heard;
-  });
-  int writes = 0;
-  std::string err = Stderr([&] {
-    while (liveCount() > 1 && writes < 2000000) {
-      store->Set(test_catalogue::kRaw, writes++);
-      // The reader keeps up (its queue stays short); the others never read.
-      for (int waited = 0; writes - heard > 256 && waited < 50000; ++waited) usleep(200);
-    }
-    written = writes + 1;
-    store->Set(test_catalogue::kRaw, writes++);  // wakes a reader waiting for one more
-    reader.join();
-  });
-  zyn::config::access::EventSender::SetDrainLimitMs(0);
-  EXPECT_EQ(1, liveCount()) << "stalled clients were not all cut off after " << writes;
-  EXPECT_EQ(writes, heard.load()) << "the reader missed an event or heard it out of order";
-  EXPECT_NE(std::string::npos, err.find(cutOffLine)) << err;
 }
 
 // A writer that pipelines Sets as fast as a stream server on `port` takes

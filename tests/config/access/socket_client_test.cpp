@@ -69,9 +69,8 @@ class SocketClientTest : public testing::Test {
     uri = "socket://127.0.0.1:" + std::to_string(server.port) + "/configid=0";
   }
   SocketClient* Open() {
-    testing::internal::CaptureStderr();
-    SocketClient* client = dynamic_cast<SocketClient*>(factory.Connect(uri));
-    testing::internal::GetCapturedStderr();
+    SocketClient* client = nullptr;
+    Stderr([&] { client = dynamic_cast<SocketClient*>(factory.Connect(uri)); });
     EXPECT_NE(nullptr, client);
     return client;
   }
@@ -207,10 +206,10 @@ TEST_F(SocketClientTest, AnEventConnectionClosedByTheOwnerCountsAsLost) {
   WaitingListener listener;
   SocketClient* events = OpenListening(listener, requests);
   EXPECT_EQ(0u, events->LostEvents());
-  testing::internal::CaptureStderr();
-  SocketConnection::StopAll();
-  for (int i = 0; i < 500 && events->LostEvents() == 0; ++i) usleep(10000);
-  testing::internal::GetCapturedStderr();
+  Stderr([&] {
+    SocketConnection::StopAll();
+    for (int i = 0; i < 500 && events->LostEvents() == 0; ++i) usleep(10000);
+  });
   EXPECT_EQ(1u, events->LostEvents());
   EXPECT_EQ(0u, requests->LostEvents()) << "a request connection has no events to lose";
   delete events;

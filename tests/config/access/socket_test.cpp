@@ -92,38 +92,6 @@ TEST(SocketTest, SendallDeliversEverythingAndASendTimeoutBoundsIt) {
   EXPECT_LT(length, static_cast<int>(data.size())) << "*len holds what was sent";
 }
 
-TEST(SocketTest, FailuresReportTheirTexts) {
-  Socket socket(Socket::kInternetDomain, Socket::kStream);
-  char buffer[8];
-  EXPECT_EQ("Socket::bind: invalid socketnSocket::read_select - invalid socket\n", Stderr([&] {
-              EXPECT_FALSE(socket.bind(0) || socket.listen() || socket.connect("127.0.0.1", 1) ||
-                           socket.read_select(10) || socket.set_send_timeout(10));
-              EXPECT_EQ(-1, socket.close());
-            }));
-
-  // A listener closed at once: accept fails, and nobody listens on its port.
-  Socket listener(Socket::kInternetDomain, Socket::kStream),
-      into(Socket::kInternetDomain, Socket::kStream);
-  Socket datagram(Socket::kInternetDomain, Socket::kDatagram);
-  ASSERT_TRUE(socket.create() && listener.create() && listener.bind(0) && listener.listen());
-  int port = BoundPort(listener);
-  EXPECT_EQ(0, listener.close());
-  std::string err = Stderr([&] {
-    EXPECT_FALSE(listener.accept(&into));
-    EXPECT_EQ(-1, socket.recv(buffer, sizeof buffer)) << "not connected";
-    EXPECT_FALSE(socket.send("x", 1));
-    EXPECT_FALSE(socket.connect("127.0.0.1", port));
-    EXPECT_EQ(0, datagram.recv(buffer, sizeof buffer));
-  });
-  for (const char* text :
-       {"Socket::accept - socket <= 0: ", "Socket::recv - failed: ",
-        "Socket::recv - TCP version (this:0x", "Socket::send - failed: ",
-        "Socket::connect_inet - connect() failed: ", "Socket::recv - UDP version (this:0x"})
-    ExpectContains(err, text);
-  EXPECT_EQ(-1, into.get_fd());
-  EXPECT_EQ(0, socket.get_port()) << "a failed connect remembers nothing";
-}
-
 TEST(SocketTest, LocalBindReplacesAStaleFile) {
   const int port = 30000 + static_cast<int>(getpid() % 30000);
   const std::string path = "/tmp/zyn_" + std::to_string(port);
@@ -133,14 +101,15 @@ TEST(SocketTest, LocalBindReplacesAStaleFile) {
   Socket listener(Socket::kLocalDomain, Socket::kStream);
   Socket client(Socket::kLocalDomain, Socket::kStream);
   Socket server(Socket::kLocalDomain, Socket::kStream);
-  testing::internal::CaptureStderr();
-  listener.create();  // the kernel refuses TCP_NODELAY here; the descriptor stays usable
-  client.create();
-  bool bound = listener.bind(port);
-  struct stat info;
-  bool is_socket = stat(path.c_str(), &info) == 0 && S_ISSOCK(info.st_mode);
-  bool connected = listener.listen() && client.connect("ignored", port) && listener.accept(&server);
-  std::string err = testing::internal::GetCapturedStderr();
+  bool bound = false, is_socket = false, connected = false;
+  std::string err = Stderr([&] {
+    listener.create();  // the kernel refuses TCP_NODELAY here; the descriptor stays usable
+    client.create();
+    bound = listener.bind(port);
+    struct stat info;
+    is_socket = stat(path.c_str(), &info) == 0 && S_ISSOCK(info.st_mode);
+    connected = listener.listen() && client.connect("ignored", port) && listener.accept(&server);
+  });
   unlink(path.c_str());
 
   ASSERT_TRUE(bound && connected) << err;
@@ -167,21 +136,6 @@ TEST(SocketTest, DatagramRoundTrip) {
   EXPECT_EQ("datagram", std::string(buffer, 8));
   EXPECT_EQ(BoundPort(sender), ntohs(from.sin_port)) << "recvfrom names the sender";
   EXPECT_EQ(6, receiver.recv(buffer, sizeof buffer)) << "one datagram per recv";
-}
-
-TEST(SocketTest, BufferSizesAcceptOnlySendAndReceive) {
-  Socket socket(Socket::kInternetDomain, Socket::kDatagram);
-  ExpectContains(Stderr([&] {
-                   EXPECT_FALSE(socket.set_buffer_size(SO_KEEPALIVE, 4096));
-                   EXPECT_EQ(0, socket.get_buffer_size(SO_KEEPALIVE));
-                   EXPECT_FALSE(socket.set_buffer_size(SO_RCVBUF, 4096)) << "no descriptor";
-                   EXPECT_EQ(0, socket.get_buffer_size(SO_RCVBUF));
-                 }),
-                 "Socket::set_buffer_size: The option must be one of SO_RCVBUF or SO_SNDBUF\n"
-                 "Socket::get_buffer_size: The option must be one of SO_RCVBUF or SO_SNDBUF\n"
-                 "Socket::set_buffer_size:  Unable to set the buffer size: Bad file "
-                 "descriptor\n"
-                 "Socket::get_buffer_size:  Unable to get the buffer size: ");
 }
 
 TEST(SocketTest, ReadSelectWaitsForData) {

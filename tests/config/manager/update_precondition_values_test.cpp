@@ -1,5 +1,5 @@
-// The default precondition on its own: range validity and the front of the
-// queue. Forcing into ranges and the formula are checked through the store.
+// The default precondition on its own: the front of the queue. Ranges,
+// wrapped ones included, and the formula are checked through the store.
 #include "config/manager/update_precondition_values.h"
 
 #include <gtest/gtest.h>
@@ -11,19 +11,6 @@ using namespace test_catalogue;
 using zyn::config::IntegerUpdates;
 using zyn::config::StringUpdates;
 using zyn::config::UpdatePreconditionValues;
-
-// Which values of a wrapped range count as valid (how the store forces the
-// others is checked through it); the owner reports clamps by this answer.
-TEST(UpdatePreconditionValuesTest, WrappedRangeValidity) {
-  IntegerDescriptor wrapped;
-  wrapped.SetMinValue(0xFFFFFFF6);
-  wrapped.SetMaxValue(10);
-  UpdatePreconditionValues values;
-  for (unsigned int v : {0xFFFFFFF6u, 0xFFFFFFFFu, 0u})
-    EXPECT_TRUE(values.IsValidRange(&wrapped, v)) << std::hex << v;
-  for (unsigned int v : {1u, 10u, 50u, 0xFFFFFFF5u, 0x7FFFFFFFu})
-    EXPECT_FALSE(values.IsValidRange(&wrapped, v)) << std::hex << v;
-}
 
 TEST(UpdatePreconditionValuesTest, QueueFrontIsCheckedAndRepaired) {
   Register();
