@@ -47,18 +47,16 @@ NetworkTCPConnection::NetworkTCPConnection(Socket* s)
       registered(false),
       _listening(false),
       stopped(false),
-      _broken(false) {
-  SemaphoreHelper::InitSemaphore(&lock);
+      _broken(false),
+      _outbox(Outbox::Make(_fd, [this](const char* why) { CutOff(why); })) {
   SemaphoreHelper::InitSemaphore(&_state_lock);
-  // A client that stops reading must not hold the store's writers for long.
-  socket->set_send_timeout(kSendTimeoutMs);
   Live().Add(this);
 }
 
 NetworkTCPConnection::~NetworkTCPConnection() {
   Live().Remove(this);
+  _outbox->Close();  // no send on the descriptor after this
   delete socket;
-  SemaphoreHelper::DestroySemaphore(&lock);
   SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
 
@@ -91,12 +89,10 @@ void NetworkTCPConnection::Run() {
 void NetworkTCPConnection::ReleaseConfig() {
   if (config == nullptr) return;
   // Leaving the listeners waits for a notification in progress, so no
-  // callback reaches the connection after this; then the sender, which
-  // reads the store, ends before the store is given back.
+  // callback reaches the connection, and no writer reads the store for it,
+  // once the store is given back.
   if (_listening) config->RemoveConfigEventListener(this);
   _listening = false;
-  if (_events != nullptr) _events->Stop();  // joined while _events is still set
-  _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(config);
   config = nullptr;
 }
@@ -128,11 +124,7 @@ void NetworkTCPConnection::ProcessMessages() {
 }
 
 void NetworkTCPConnection::ReportBrokenRecord(const char* what) {
-  unsigned int id;
-  {
-    SemaphoreHelper hold(&_state_lock);
-    id = connectionID & 0xFFFF;
-  }
+  unsigned int id = connectionID & 0xFFFF;
   if (_reader.TimedOut()) {
     RateLimitedLog::Report(
         "NetworkTCPConnection::ProcessMessages - %s incomplete after the read time-out of %ld "
@@ -188,9 +180,9 @@ bool NetworkTCPConnection::Dispatch(uint32_t msgtype, const char* record) {
 
 bool NetworkTCPConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   ReleaseConfig();  // a second Connect Request moves the connection to its store
+  connectionID = request.header.connectionID;
   {
     SemaphoreHelper hold(&_state_lock);
-    connectionID = request.header.connectionID;
     _config_id = request.header.configID;
   }
   bool refused = false;
@@ -286,10 +278,6 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
   // Joining the store's listeners happens outside _state_lock: a writer
   // that notifies holds the store's listener lock and then takes it.
   if (!_listening) {
-    _events = EventSender::StartFor(
-        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
-        [this](const char* why) { CutOff(why); });
-    if (_events == nullptr) return false;
     _listening = true;
     config->AddConfigEventListener(this);
   }
@@ -301,9 +289,9 @@ bool NetworkTCPConnection::ProcessRemoveConfigEventListenerRequest(
   XCONFIGMGR_CONNECTION_RESPONSE_T response{
       AnswerHeader(request.header, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE), 0};
   {
-    // No events after the response (queued ones are dropped); the store
-    // registration is kept, so a later Add Listener Request only switches
-    // them on again.
+    // No events after the response (those handed over before it go
+    // first); the store registration is kept, so a later Add Listener
+    // Request only switches them on again.
     SemaphoreHelper hold(&_state_lock);
     registered = false;
   }
@@ -319,42 +307,32 @@ bool NetworkTCPConnection::ParamChanged(unsigned int paramID, unsigned int value
 }
 
 bool NetworkTCPConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
-  return PostEvent(true, paramID, 0);  // the payload is read when the event is sent
+  // The payload is the store's value when the event is made, on the writer's
+  // thread right after its change.
+  return PostEvent(true, paramID, 0);
 }
 
 bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned int value) {
   SemaphoreHelper hold(&_state_lock);
   if (!registered || _broken) return true;
-  return _events->Post(QueuedEvent{text, paramID, value, connectionID, _config_id});
+  if (text) {
+    std::vector<char> bytes;
+    if (!BuildStreamResponse(StreamChangedEventRequest(connectionID, _config_id, paramID), bytes))
+      return false;
+    return _outbox->Post(bytes.data(), bytes.size());
+  }
+  XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(connectionID, _config_id, paramID, value);
+  char record[sizeof changed];
+  Pack(changed, record);
+  ConnectionUtilities::Dump(changed);
+  return _outbox->Post(record, sizeof record);
 }
 
 void NetworkTCPConnection::CutOff(const char* why) {
-  // On the writer's thread, _state_lock held.
-  RateLimitedLog::Report(
-      "NetworkTCPConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
-      why, connectionID & 0xFFFF);
+  RateLimitedLog::Report("NetworkTCPConnection - client cut off, %s (connection pid = 0x%X)", why,
+                         connectionID & 0xFFFF);
   _broken = true;
-  ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
-}
-
-bool NetworkTCPConnection::SendEvents(const std::vector<QueuedEvent>& events) {
-  // Every record of the batch goes out in one send.
-  std::vector<char> bytes =
-      EncodeEventBatch(events, [this](const XCONFIGMGR_REQUEST_T& request, std::vector<char>& out) {
-        return BuildStreamResponse(request, out);
-      });
-  if (bytes.empty()) return false;
-  SemaphoreHelper hold(&lock);
-  {
-    // Removed meanwhile: nothing follows the Remove Listener Response.
-    SemaphoreHelper state(&_state_lock);
-    if (!registered || _broken) return true;
-  }
-  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
-  // A send time-out (the client stopped reading) or a vanished client.
-  RateLimitedLog::Report("NetworkTCPConnection::ParamChanged - unable to send event to socket: %s",
-                         FailureCause(errno));
-  return false;
+  ::shutdown(_fd, SHUT_RDWR);  // ends the reading loop
 }
 
 bool NetworkTCPConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
@@ -401,31 +379,14 @@ bool NetworkTCPConnection::SendErrorResponse(XCONFIGMGR_RESPONSE_T& response) {
 
 template <typename Record>
 bool NetworkTCPConnection::SendRecord(const Record& record) {
-  SemaphoreHelper hold(&lock);
-  return SendRecordLocked(record);
-}
-
-template <typename Record>
-bool NetworkTCPConnection::SendRecordLocked(const Record& record) {
   char bytes[sizeof(Record)];
   Pack(record, bytes);
   ConnectionUtilities::Dump(record);
-  return SendLocked(bytes, sizeof bytes);
+  return Send(bytes, sizeof bytes);
 }
 
 bool NetworkTCPConnection::Send(const char* bytes, size_t length) {
-  SemaphoreHelper hold(&lock);
-  return SendLocked(bytes, length);
-}
-
-bool NetworkTCPConnection::SendLocked(const char* bytes, size_t length) {
-  if (_broken) return false;
-  if (SendAll(_fd, bytes, length)) return true;
-  // A failed or timed-out send leaves the stream mid-record: the client is
-  // cut off and the reading loop ends.
-  _broken = true;
-  ::shutdown(_fd, SHUT_RDWR);
-  return false;
+  return !_broken && _outbox->Send(bytes, length);
 }
 
 }  // namespace access

@@ -14,14 +14,15 @@
 // owner wait until every connection thread is gone.
 //
 // Threads and locks: the connection's thread reads and answers; the store's
-// writers call ParamChanged on their own threads, which only queues the
-// event; the connection's EventSender, made when the client first registers,
-// sends the events on its own thread. `lock` guards the sending side of the
-// socket, so events and responses never interleave; _state_lock guards
-// `registered`, `paramIDs`, the connection ID and the store's ID. A client
-// that stops reading is cut off (its queue not drained in time, or a send
-// timed out: socket shut, its thread ends) and never makes a writer wait.
-// A client stalled mid-record is closed after the read time-out.
+// writers call ParamChanged on their own threads, which encodes the event
+// with the store's value at that moment and hands it to the connection's
+// Outbox; the process's send loop sends it. Responses go through the same
+// outbox, so records never interleave and keep their order. _state_lock
+// guards `registered`, `paramIDs` and the store's ID; a writer holds it
+// while it hands an event over, so no event follows a Remove Listener
+// Response. A client that stops reading is cut off (its queue not drained
+// in time: socket shut, its thread ends) and never makes a writer wait. A
+// client stalled mid-record is closed after the read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_NETWORK_TCP_CONNECTION_H
 
@@ -34,7 +35,7 @@
 #include <string>
 #include <vector>
 
-#include "config/access/event_sender.h"
+#include "config/access/outbox.h"
 #include "config/access/network_connection.h"
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
@@ -49,9 +50,6 @@ namespace access {
 
 class NetworkTCPConnection : public NetworkConnection, public ConfigEventListener {
  public:
-  // How long one event or response may take to send before the client is
-  // considered gone.
-  static constexpr int kSendTimeoutMs = 1000;
   // Stack of a connection thread: small, so thousands of connections fit.
   static constexpr size_t kThreadStackSize = 256 * 1024;
 
@@ -109,20 +107,15 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool SendStreamResponse(const XCONFIGMGR_REQUEST_T& request);
   // Sends the 44-byte record with no payload; warns when `error` is 0.
   bool SendErrorResponse(XCONFIGMGR_RESPONSE_T& response);
-  // Packs, traces and sends one record, taking `lock` or with it held.
+  // Packs, traces and sends one record.
   template <typename Record>
   bool SendRecord(const Record& record);
-  template <typename Record>
-  bool SendRecordLocked(const Record& record);
+  // Hands bytes to the outbox; false once the client is cut off.
   bool Send(const char* bytes, size_t length);
-  // A failed send cuts the client off: no more sends, the read ends.
-  bool SendLocked(const char* bytes, size_t length);
-  // Queues the change for the sender thread (the writer's thread).
+  // Encodes the change and hands it to the outbox (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends a batch of queued events in one send (the sender thread).
-  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
-  // Ends a client whose event queue was not drained in time, without
-  // waiting on it; `why` says which limit it passed.
+  // Ends a client the outbox gave up on, without waiting on it (any
+  // thread); `why` says which limit it passed or how a send failed.
   void CutOff(const char* why);
   void ReleaseConfig();
 
@@ -132,16 +125,14 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   int _fd;  // the socket's descriptor, fixed for the connection's life
   ::zyn::config::access::StreamReader _reader;
   long _read_timeout_ms = 0;  // set before Start
-  unsigned int connectionID;  // guarded by _state_lock
+  std::atomic<unsigned int> connectionID;  // set by the connection's thread
   uint32_t _config_id;        // the open store's ID, for events; guarded by _state_lock
   bool registered;            // guarded by _state_lock
   bool _listening;            // added to the store's listeners (connection's thread)
   std::atomic<bool> stopped;
   std::atomic<bool> _broken;  // cut off: no more sends
-  // Made on the first registration, before joining the store's listeners;
-  // stopped after leaving them (connection's thread).
-  std::unique_ptr<::zyn::config::access::EventSender> _events;
-  sem_t lock;
+  // Every byte to the client; closed before the socket is.
+  std::shared_ptr<::zyn::config::access::Outbox> _outbox;
   sem_t _state_lock;
 };
 

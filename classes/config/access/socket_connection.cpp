@@ -45,18 +45,16 @@ SocketConnection::SocketConnection(Socket* socket)
       _registered(false),
       _listening(false),
       _stop(false),
-      _broken(false) {
-  SemaphoreHelper::InitSemaphore(&_send_lock);
+      _broken(false),
+      _outbox(Outbox::Make(_fd, [this](const char* why) { CutOff(why); })) {
   SemaphoreHelper::InitSemaphore(&_state_lock);
-  // A client that stops reading must not hold the store's writers for long.
-  _socket->set_send_timeout(kSendTimeoutMs);
   Live().Add(this);
 }
 
 SocketConnection::~SocketConnection() {
   Live().Remove(this);
+  _outbox->Close();  // no send on the descriptor after this
   delete _socket;
-  SemaphoreHelper::DestroySemaphore(&_send_lock);
   SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
 
@@ -90,12 +88,10 @@ void SocketConnection::Run() {
 
 void SocketConnection::ReleaseStore() {
   if (_store == nullptr) return;
-  // Leaving the listeners waits for a notification in progress; then the
-  // sender, which reads the store, ends before the store is given back.
+  // Leaving the listeners waits for a notification in progress, so no
+  // writer reads the store for this connection once it is given back.
   if (_listening) _store->RemoveConfigEventListener(this);
   _listening = false;
-  if (_events != nullptr) _events->Stop();  // joined while _events is still set
-  _events.reset();
   ConfigFactoryImpl::GetInstance()->Disconnect(_store);
   _store = nullptr;
 }
@@ -131,12 +127,12 @@ void SocketConnection::ReportBrokenRecord(const char* what) {
     RateLimitedLog::Report(
         "SocketConnection::ProcessMessages - %s incomplete after the read time-out of %ld ms, "
         "connection closed (connection pid = 0x%X)",
-        what, _read_timeout_ms, _connection_id);
+        what, _read_timeout_ms, _connection_id.load());
     return;
   }
   RateLimitedLog::Report(
       "SocketConnection::ProcessMessages - error calling recv for %s (connection pid = 0x%X)", what,
-      _connection_id);
+      _connection_id.load());
 }
 
 bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
@@ -153,7 +149,7 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
     RateLimitedLog::Report(
         "SocketConnection::ProcessMessages - %s before XCFG_CONNECT_REQUEST "
         "(connection pid = 0x%X)",
-        SymbolicName(msgtype), _connection_id);
+        SymbolicName(msgtype), _connection_id.load());
     return false;
   }
   if (msgtype == XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST ||
@@ -183,10 +179,7 @@ bool SocketConnection::Dispatch(uint32_t msgtype, const char* record) {
 
 bool SocketConnection::ProcessConnectRequest(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   ReleaseStore();  // a second Connect Request moves the connection to its store
-  {
-    SemaphoreHelper lock(&_state_lock);
-    _connection_id = request.header.connectionID;
-  }
+  _connection_id = request.header.connectionID;
   bool refused = false;
   _store = ConfigFactoryImpl::GetInstance()->ConnectStore(request.header.configID, &refused);
   uint32_t error = 0;
@@ -309,10 +302,6 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
   // Joining the store's listeners happens outside _state_lock: a writer
   // notifying holds the store's listener lock and then takes _state_lock.
   if (!_listening) {
-    _events = EventSender::StartFor(
-        _fd, [this](const std::vector<QueuedEvent>& events) { return SendEvents(events); },
-        [this](const char* why) { CutOff(why); });
-    if (_events == nullptr) return false;
     _listening = true;
     _store->AddConfigEventListener(this);
   }
@@ -327,7 +316,7 @@ bool SocketConnection::ProcessRemoveConfigEventListenerRequest(
     SemaphoreHelper lock(&_state_lock);
     _registered = false;  // the filter and the store registration are kept
   }
-  // Queued events still unsent are dropped: none follows the response.
+  // Events handed over before it go first; none follows it.
   if (!SendRecord(response))
     RateLimitedLog::Report(
         "SocketConnection::ProcessRemoveConfigEventListenerRequest - Unable to send "
@@ -345,44 +334,38 @@ bool SocketConnection::ParamChanged(unsigned int paramID, unsigned int value, ti
 }
 
 bool SocketConnection::ParamChanged(unsigned int paramID, std::string, timeval) {
-  // The payload is the store's value at the time of sending.
+  // The payload is the store's value when the event is made, on the writer's
+  // thread right after its change.
   return PostEvent(true, paramID, 0);
 }
 
 bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int value) {
   SemaphoreHelper lock(&_state_lock);
   if (!WantsEvent(paramID)) return true;
-  return _events->Post(QueuedEvent{text, paramID, value, _connection_id,
-                                   static_cast<uint32_t>(_store->GetConfigID())});
+  const uint32_t configID = static_cast<uint32_t>(_store->GetConfigID());
+  if (text) {
+    std::vector<char> bytes;
+    if (!BuildStreamResponse(StreamChangedEventRequest(_connection_id, configID, paramID), bytes)) {
+      RateLimitedLog::Report(
+          "SocketConnection::ParamChanged - call to SendStreamResponse failed, unable to send "
+          "event to %d",
+          static_cast<int>(_connection_id));
+      return false;
+    }
+    return _outbox->Post(bytes.data(), bytes.size());
+  }
+  XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(_connection_id, configID, paramID, value);
+  char record[sizeof changed];
+  Pack(changed, record);
+  ConnectionUtilities::Dump(changed);
+  return _outbox->Post(record, sizeof record);
 }
 
 void SocketConnection::CutOff(const char* why) {
-  // On the writer's thread, _state_lock held.
-  RateLimitedLog::Report(
-      "SocketConnection::ParamChanged - event queue %s, client cut off (connection pid = 0x%X)",
-      why, _connection_id);
+  RateLimitedLog::Report("SocketConnection - client cut off, %s (connection pid = 0x%X)", why,
+                         static_cast<unsigned>(_connection_id));
   _broken = true;
-  ::shutdown(_fd, SHUT_RDWR);  // ends a blocked send and the reading loop
-}
-
-bool SocketConnection::SendEvents(const std::vector<QueuedEvent>& events) {
-  // Every record of the batch goes out in one send.
-  std::vector<char> bytes =
-      EncodeEventBatch(events, [this](const XCONFIGMGR_REQUEST_T& request, std::vector<char>& out) {
-        return BuildStreamResponse(request, out);
-      });
-  if (bytes.empty()) return false;
-  SemaphoreHelper hold(&_send_lock);
-  {
-    // Removed meanwhile: nothing follows the Remove Listener Response.
-    SemaphoreHelper state(&_state_lock);
-    if (!_registered || _broken) return true;
-  }
-  if (SendLocked(bytes.data(), bytes.size()) || _events->IsCutOff()) return true;
-  // A send time-out (the client stopped reading) or a vanished client.
-  RateLimitedLog::Report("SocketConnection::ParamChanged - unable to send event to socket: %s",
-                         FailureCause(errno));
-  return false;
+  ::shutdown(_fd, SHUT_RDWR);  // ends the reading loop
 }
 
 bool SocketConnection::BuildStreamResponse(const XCONFIGMGR_REQUEST_T& request,
@@ -455,31 +438,14 @@ bool SocketConnection::SendError(const Response& response) {
 
 template <typename Record>
 bool SocketConnection::SendRecord(const Record& record) {
-  SemaphoreHelper lock(&_send_lock);
-  return SendRecordLocked(record);
-}
-
-template <typename Record>
-bool SocketConnection::SendRecordLocked(const Record& record) {
   char bytes[sizeof(Record)];
   Pack(record, bytes);
   ConnectionUtilities::Dump(record);
-  return SendLocked(bytes, sizeof bytes);
+  return Send(bytes, sizeof bytes);
 }
 
 bool SocketConnection::Send(const char* bytes, size_t length) {
-  SemaphoreHelper lock(&_send_lock);
-  return SendLocked(bytes, length);
-}
-
-bool SocketConnection::SendLocked(const char* bytes, size_t length) {
-  if (_broken) return false;
-  if (SendAll(_fd, bytes, length)) return true;
-  // A failed or timed-out send leaves the stream mid-record: the client is
-  // cut off and the reading loop ends.
-  _broken = true;
-  ::shutdown(_fd, SHUT_RDWR);
-  return false;
+  return !_broken && _outbox->Send(bytes, length);
 }
 
 }  // namespace access

@@ -11,14 +11,15 @@
 // back, so a store never calls a deleted connection.
 //
 // Threads and locks: the connection's thread reads and answers; the store's
-// writers call ParamChanged on their own threads, which only queues the
-// event; the connection's EventSender, made when the client first registers,
-// sends the events on its own thread. _state_lock guards the registration
-// flag, the filter and the connection ID; _send_lock guards the sending side
-// of the socket, so events and responses never interleave. A client that
-// stops reading is cut off (its queue not drained in time, or a send timed
-// out) and never makes a writer wait. A client stalled mid-record is closed
-// after the read time-out.
+// writers call ParamChanged on their own threads, which encodes the event
+// with the store's value at that moment and hands it to the connection's
+// Outbox; the process's send loop sends it. Responses go through the same
+// outbox, so records never interleave and keep their order. _state_lock
+// guards the registration flag and the filter; a writer holds it while it
+// hands an event over, so no event follows a Remove Listener Response. A
+// client that stops reading is cut off (its queue not drained in time) and
+// never makes a writer wait. A client stalled mid-record is closed after the
+// read time-out.
 #ifndef CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 #define CLASSES_CONFIG_ACCESS_SOCKET_CONNECTION_H
 
@@ -31,7 +32,7 @@
 #include <string>
 #include <vector>
 
-#include "config/access/event_sender.h"
+#include "config/access/outbox.h"
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
@@ -46,9 +47,6 @@ namespace access {
 
 class SocketConnection : public ConfigEventListener, public Runnable {
  public:
-  // How long one event or response may take to send before the client is
-  // considered gone.
-  static constexpr int kSendTimeoutMs = 1000;
   // Stack of a connection thread: small, so thousands of connections fit.
   static constexpr size_t kThreadStackSize = 256 * 1024;
 
@@ -105,22 +103,17 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   bool SendErrorResponse(XCONFIGMGR_CONNECTION_RESPONSE_T& response);
   template <typename Response>
   bool SendError(const Response& response);
-  // Packs, traces and sends one record, taking _send_lock or with it held.
+  // Packs, traces and sends one record.
   template <typename Record>
   bool SendRecord(const Record& record);
-  template <typename Record>
-  bool SendRecordLocked(const Record& record);
-  // Sends bytes under _send_lock; a failure cuts the client off.
+  // Hands bytes to the outbox; false once the client is cut off.
   bool Send(const char* bytes, size_t length);
-  bool SendLocked(const char* bytes, size_t length);
   // True when an event for `paramID` goes to this client (under _state_lock).
   bool WantsEvent(unsigned int paramID);
-  // Queues the change for the sender thread (the writer's thread).
+  // Encodes the change and hands it to the outbox (the writer's thread).
   bool PostEvent(bool text, unsigned int paramID, unsigned int value);
-  // Sends a batch of queued events in one send (the sender thread).
-  bool SendEvents(const std::vector<::zyn::config::access::QueuedEvent>& events);
-  // Ends a client whose event queue was not drained in time, without
-  // waiting on it; `why` says which limit it passed.
+  // Ends a client the outbox gave up on, without waiting on it (any
+  // thread); `why` says which limit it passed or how a send failed.
   void CutOff(const char* why);
   void ReleaseStore();
 
@@ -129,16 +122,14 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   int _fd;                          // the socket's descriptor, fixed for the connection's life
   StreamReader _reader;             // the connection thread's reads
   long _read_timeout_ms = 0;        // set before Start
-  uint32_t _connection_id;          // guarded by _state_lock
+  std::atomic<uint32_t> _connection_id;  // set by the connection's thread
   bool _registered;                 // guarded by _state_lock
   bool _listening;                  // added to the store's listeners
   std::list<unsigned int> _filter;  // guarded by _state_lock; empty: all
   std::atomic<bool> _stop;
   std::atomic<bool> _broken;  // cut off: no more sends
-  // Made on the first registration, before joining the store's listeners;
-  // stopped after leaving them (connection's thread).
-  std::unique_ptr<EventSender> _events;
-  sem_t _send_lock;
+  // Every byte to the client; closed before the socket is.
+  std::shared_ptr<Outbox> _outbox;
   sem_t _state_lock;
 };
 

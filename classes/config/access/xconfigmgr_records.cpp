@@ -143,6 +143,24 @@ XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t ms
   return header;
 }
 
+XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID,
+                                        uint32_t paramID, uint32_t value) {
+  return XCONFIGMGR_RESPONSE_T{
+      MakeHeader(XCFG_PARAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, configID),
+      paramID,
+      0,
+      value,
+      0,
+      kXConfigStreamBufferSize};
+}
+
+XCONFIGMGR_REQUEST_T StreamChangedEventRequest(uint32_t connectionID, uint32_t configID,
+                                               uint32_t paramID) {
+  return XCONFIGMGR_REQUEST_T{
+      MakeHeader(XCFG_PARAM_STREAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, configID),
+      paramID, 0, 0, 0};
+}
+
 // Records are plain sequences of 32-bit words without padding, so their
 // wire form in host byte order is their memory image.
 template <typename Record>

@@ -146,6 +146,15 @@ XCONFIGMGR_HEADER_T MakeHeader(uint32_t msgtype, uint32_t connectionID, uint32_t
 // response's code, bufferSize 4096.
 XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype);
 
+// The "Param Changed Event" of an integer change, for the connection
+// `connectionID` of the store `configID`.
+XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID,
+                                        uint32_t paramID, uint32_t value);
+// The request a "Param String Changed Event" is built from, as a string
+// response is from its request.
+XCONFIGMGR_REQUEST_T StreamChangedEventRequest(uint32_t connectionID, uint32_t configID,
+                                               uint32_t paramID);
+
 // Packing into and out of the wire bytes of each record. Pack writes exactly
 // sizeof(record) bytes; Unpack reads exactly that many.
 template <typename Record>

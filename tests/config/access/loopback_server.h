@@ -20,6 +20,7 @@
 
 #include "config/access/network_server.h"
 #include "config/access/network_tcp_connection.h"
+#include "config/access/outbox.h"
 #include "config/access/socket.h"
 #include "config/access/socket_connection.h"
 #include "config/access/socket_server.h"
@@ -246,6 +247,8 @@ inline void CheckReaderKeepsUpWithPipelinedSets(int port, int (*liveCount)()) {
   using zyn::config::access::MakeHeader;
   constexpr uint32_t kSets = 20000;
   constexpr uint32_t kBase = 0x00700000;  // values no earlier test has set
+  // Connections made from here on cut a stalled client off sooner.
+  zyn::config::access::Outbox::SetDrainLimitMs(2000);
   RawPeer reader(port), stalled(port, 4096), writer(port);
   for (RawPeer* listener : {&reader, &stalled}) {
     ASSERT_EQ(0u, listener->Connect(0x00081000));
@@ -275,6 +278,7 @@ inline void CheckReaderKeepsUpWithPipelinedSets(int port, int (*liveCount)()) {
   // Cut off while it still does not read; only then is its end read.
   for (int waited = 0; liveCount() > 2 && waited < 1000; ++waited) usleep(10000);
   EXPECT_TRUE(stalled.ReadUntilClosed()) << "the listener that never reads was kept:\n" << err;
+  zyn::config::access::Outbox::SetDrainLimitMs(0);
 }
 
 // A stream server on `port` with a limit of `slots` connections and a short

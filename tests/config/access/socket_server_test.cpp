@@ -10,6 +10,7 @@
 #include <memory>
 #include <thread>
 
+#include "config/access/send_loop.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "loopback_server.h"
@@ -169,18 +170,22 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
       WordsOf(event));
   EXPECT_TRUE(events.Read(1, 200).empty()) << "one event per change, only the filtered ones";
 
-  // String events carry the store's value at the time of sending.
+  // String events carry the value of their own change, even when changes
+  // come faster than they are sent: none skipped, none repeated.
   events.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, 0));  // every parameter
   events.Sync();
-  server.store->Set(kName, std::string("Studio"));
-  ASSERT_TRUE(events.ReadRecord(event));
-  EXPECT_EQ(145u, event.header.msgtype);
-  EXPECT_EQ(kName, event.paramID);
-  std::vector<char> payload = events.Read(event.streamLength);
-  std::unique_ptr<ConfigValue> value(DecodePayload(payload.data(), payload.size()));
-  ASSERT_NE(nullptr, value);
-  EXPECT_EQ("configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio",
-            value->ToString());
+  for (int i = 0; i < 300; ++i) server.store->Set(kName, "Studio " + std::to_string(i));
+  for (int i = 0; i < 300; ++i) {
+    ASSERT_TRUE(events.ReadRecord(event)) << i;
+    EXPECT_EQ(145u, event.header.msgtype);
+    EXPECT_EQ(kName, event.paramID);
+    std::vector<char> payload = events.Read(event.streamLength);
+    std::unique_ptr<ConfigValue> value(DecodePayload(payload.data(), payload.size()));
+    ASSERT_NE(nullptr, value);
+    ASSERT_EQ("configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio " +
+                  std::to_string(i),
+              value->ToString());
+  }
 
   events.Send(Listener(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, 0));
   XCONFIGMGR_CONNECTION_RESPONSE_T removed{};
@@ -236,6 +241,7 @@ TEST_F(SocketServerTest, BadInputEndsOnlyThatConnection) {
 }
 
 TEST_F(SocketServerTest, ManyConnectionsAndCycles) {
+  zyn::config::access::SendLoop::Shared();  // the process's descriptors, not a connection's
   const int before = OpenDescriptors();
   {
     std::vector<std::unique_ptr<RawPeer>> peers;
