@@ -58,25 +58,16 @@ Outbox::Outbox(int fd, FailureFunction failure, long drainLimitMs, size_t bound,
 Outbox::~Outbox() = default;
 
 bool Outbox::Send(const char* bytes, size_t length) {
-  char why[96];
-  {
-    std::unique_lock<std::mutex> hold(_lock);
-    if (_closed || _cut_off) return false;
-    bool handed;
-    if (_sending || _blocked || _queued != 0) {
-      handed = AppendLocked(bytes, length, why, sizeof why);
-      if (handed && !_sending && !_blocked) ScheduleLocked();
-    } else {
-      handed = SendNowLocked(hold, bytes, length, why, sizeof why);
-    }
-    if (handed) return true;
-  }
-  FailWith(why);
-  return false;
+  std::unique_lock<std::mutex> hold(_lock);
+  if (_closed || _cut_off) return false;
+  if (!_sending && !_blocked && _queued == 0) return SendNowLocked(hold, bytes, length);
+  if (!AppendLocked(bytes, length)) return false;
+  if (!_sending && !_blocked) ScheduleLocked();
+  return true;
 }
 
-bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes, size_t length,
-                           char* why, size_t whySize) {
+bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes,
+                           size_t length) {
   _sending = true;
   hold.unlock();
   ssize_t sent = send(_fd, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL);
@@ -84,8 +75,9 @@ bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes
   hold.lock();
   bool wouldBlock = error == EAGAIN || error == EWOULDBLOCK;
   if (sent < 0 && !wouldBlock && error != EINTR && !_closed && !_cut_off) {
-    snprintf(why, whySize, "send failed: %s", FailureCause(error));
-    CutOffLocked();
+    char why[96];
+    snprintf(why, sizeof why, "send failed: %s", FailureCause(error));
+    CutOffLocked(why);
     ReleaseTurnLocked();
     return false;
   }
@@ -103,30 +95,24 @@ bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes
 }
 
 bool Outbox::Post(const char* bytes, size_t length) {
-  char why[96];
-  {
-    std::lock_guard<std::mutex> hold(_lock);
-    if (_closed || _cut_off) return false;
-    if (AppendLocked(bytes, length, why, sizeof why)) {
-      // A busy sender finds the bytes itself; a blocked socket waits for epoll.
-      if (!_sending && !_blocked) ScheduleLocked();
-      return true;
-    }
-  }
-  FailWith(why);
-  return false;
+  std::lock_guard<std::mutex> hold(_lock);
+  if (_closed || _cut_off || !AppendLocked(bytes, length)) return false;
+  // A busy sender finds the bytes itself; a blocked socket waits for epoll.
+  if (!_sending && !_blocked) ScheduleLocked();
+  return true;
 }
 
-bool Outbox::AppendLocked(const char* bytes, size_t length, char* why, size_t whySize) {
+bool Outbox::AppendLocked(const char* bytes, size_t length) {
+  char why[96];
   if (_queued == 0) {
     _undrained_since = Now();
   } else if (_queued + length > _bound) {
-    snprintf(why, whySize, "queue over %zu bytes", _bound);
-    CutOffLocked();
+    snprintf(why, sizeof why, "queue over %zu bytes", _bound);
+    CutOffLocked(why);
     return false;
   } else if (ElapsedMs(_undrained_since, Now()) > _drain_limit_ms) {
-    snprintf(why, whySize, "queue not drained for %ld ms", _drain_limit_ms);
-    CutOffLocked();
+    snprintf(why, sizeof why, "queue not drained for %ld ms", _drain_limit_ms);
+    CutOffLocked(why);
     return false;
   }
   if (_queue.empty() || _queue.back().size() + length > kBlockSize) {
@@ -139,7 +125,10 @@ bool Outbox::AppendLocked(const char* bytes, size_t length, char* why, size_t wh
   return true;
 }
 
-void Outbox::CutOffLocked() {
+void Outbox::CutOffLocked(const char* why) {
+  // Under the lock, so Close cannot return, and the connection go, while
+  // the callback still uses it.
+  if (_failure) _failure(why);
   _cut_off = true;
   _queue.clear();
   if (!_sending) {
@@ -240,7 +229,6 @@ int Outbox::SendWriting(int& error) {
 }
 
 void Outbox::Flush(bool writable) {
-  char why[96];
   {
     std::lock_guard<std::mutex> hold(_lock);
     if (writable) {
@@ -264,33 +252,24 @@ void Outbox::Flush(bool writable) {
       RefillLocked();
       continue;  // more came while sending
     }
-    bool failed = result < 0 && !_closed && !_cut_off;
-    if (failed) {
+    if (result < 0 && !_closed && !_cut_off) {
+      char why[96];
       snprintf(why, sizeof why, "send failed: %s", FailureCause(error));
-      CutOffLocked();
+      CutOffLocked(why);
     }
     if (result == 0) _blocked = true;
     ReleaseTurnLocked();
-    if (!failed) return;
-    break;
+    return;
   }
-  FailWith(why);
 }
 
 void Outbox::CheckDrained() {
+  std::lock_guard<std::mutex> hold(_lock);
+  if (_closed || _cut_off || _queued == 0) return;
+  if (ElapsedMs(_undrained_since, Now()) <= _drain_limit_ms) return;
   char why[96];
-  {
-    std::lock_guard<std::mutex> hold(_lock);
-    if (_closed || _cut_off || _queued == 0) return;
-    if (ElapsedMs(_undrained_since, Now()) <= _drain_limit_ms) return;
-    snprintf(why, sizeof why, "queue not drained for %ld ms", _drain_limit_ms);
-    CutOffLocked();
-  }
-  FailWith(why);
-}
-
-void Outbox::FailWith(const char* why) {
-  if (_failure) _failure(why);
+  snprintf(why, sizeof why, "queue not drained for %ld ms", _drain_limit_ms);
+  CutOffLocked(why);
 }
 
 }  // namespace access

@@ -21,9 +21,10 @@
 // is only a safety net against memory exhaustion, far above what a reading
 // client ever holds. A cut-off drops the queue and runs the failure callback
 // once, on the thread that found it, with the reason ("not drained for 5000
-// ms", "over 4194304 bytes", "send failed: Broken pipe"); the callback must
-// not block (the connection prints its line and shuts its socket down).
-// Every later hand-over is refused.
+// ms", "over 4194304 bytes", "send failed: Broken pipe"), with the outbox's
+// lock held so that Close waits for it: the callback must not block or
+// call the outbox (the connection prints its line and shuts its socket
+// down). Every later hand-over is refused.
 //
 // Ownership and threads: a connection makes its outbox with Make and
 // calls Close before it closes the socket. After Close returns no thread
@@ -103,11 +104,12 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
  private:
   Outbox(int fd, FailureFunction failure, long drainLimitMs, size_t bound, SendLoop* loop);
 
-  // Appends under _lock; false (and `why` set) when a limit is passed.
-  bool AppendLocked(const char* bytes, size_t length, char* why, size_t whySize);
-  // Drops the queue and marks the client cut off; the caller runs the
-  // failure callback with `why` once it has let go of _lock.
-  void CutOffLocked();
+  // Appends under _lock; false, and the client cut off, when a limit is
+  // passed.
+  bool AppendLocked(const char* bytes, size_t length);
+  // Runs the failure callback with `why`, drops the queue and marks the
+  // client cut off.
+  void CutOffLocked(const char* why);
   // Takes the sending turn's next bytes from _queue into _writing.
   void RefillLocked();
   // Sends from _writing until it is empty or the socket would block:
@@ -115,13 +117,11 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
   // only.
   int SendWriting(int& error);
   // Send's path when nothing is queued: sends now, queues what the socket
-  // did not take. False (and `why` set) when the send failed.
-  bool SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes, size_t length,
-                     char* why, size_t whySize);
+  // did not take. False, and the client cut off, when the send failed.
+  bool SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes, size_t length);
   // Gives the sending turn back; asks the loop for more when bytes wait.
   void ReleaseTurnLocked();
   void ScheduleLocked();
-  void FailWith(const char* why);
 
   const int _fd;
   const FailureFunction _failure;
