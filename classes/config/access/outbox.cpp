@@ -118,6 +118,8 @@ bool Outbox::AppendLocked(const char* bytes, size_t length) {
   if (_queue.empty() || _queue.back().size() + length > kBlockSize) {
     _queue.emplace_back(std::move(_spare));
     _spare = std::vector<char>();
+    // A backlog grows a block at a time, never by copying a block over.
+    if (_queued > kKeptSpare) _queue.back().reserve(kBlockSize);
   }
   std::vector<char>& block = _queue.back();
   block.insert(block.end(), bytes, bytes + length);
