@@ -48,14 +48,14 @@ NetworkTCPConnection::NetworkTCPConnection(Socket* s)
       _listening(false),
       stopped(false),
       _broken(false),
-      _outbox(Outbox::Make(_fd, [this](const char* why) { CutOff(why); })) {
+      _cut_off([this](const char* why) { CutOff(why); }) {
   SemaphoreHelper::InitSemaphore(&_state_lock);
   Live().Add(this);
 }
 
 NetworkTCPConnection::~NetworkTCPConnection() {
   Live().Remove(this);
-  _outbox->Close();  // no send on the descriptor after this
+  if (_outbox != nullptr) _outbox->Close();  // no send on the descriptor after this
   delete socket;
   SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
@@ -273,6 +273,9 @@ bool NetworkTCPConnection::ProcessAddConfigEventListenerRequest(
     } else if (std::find(paramIDs.begin(), paramIDs.end(), request.paramID) == paramIDs.end()) {
       paramIDs.push_back(request.paramID);
     }
+    // Events need the outbox; a connection that only asks and answers has
+    // none until a send would block.
+    if (_outbox == nullptr) _outbox = Outbox::Make(_fd, _cut_off);
     registered = true;
   }
   // Joining the store's listeners happens outside _state_lock: a writer
@@ -386,7 +389,7 @@ bool NetworkTCPConnection::SendRecord(const Record& record) {
 }
 
 bool NetworkTCPConnection::Send(const char* bytes, size_t length) {
-  return !_broken && _outbox->Send(bytes, length);
+  return !_broken && Outbox::Send(_outbox, _fd, _cut_off, bytes, length);
 }
 
 }  // namespace access

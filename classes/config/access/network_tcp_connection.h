@@ -131,7 +131,10 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   bool _listening;            // added to the store's listeners (connection's thread)
   std::atomic<bool> stopped;
   std::atomic<bool> _broken;  // cut off: no more sends
-  // Every byte to the client; closed before the socket is.
+  const ::zyn::config::access::Outbox::FailureFunction _cut_off;  // calls CutOff
+  // Every byte to the client once one was needed (registration, or a send
+  // that would block); set by the connection's thread before it registers,
+  // closed before the socket is.
   std::shared_ptr<::zyn::config::access::Outbox> _outbox;
   sem_t _state_lock;
 };

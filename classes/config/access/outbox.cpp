@@ -66,6 +66,28 @@ bool Outbox::Send(const char* bytes, size_t length) {
   return true;
 }
 
+bool Outbox::Send(std::shared_ptr<Outbox>& outbox, int fd, const FailureFunction& failure,
+                  const char* bytes, size_t length) {
+  if (outbox == nullptr) {
+    ssize_t sent;
+    do {
+      sent = send(fd, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL);
+    } while (sent < 0 && errno == EINTR);
+    if (sent == static_cast<ssize_t>(length)) return true;
+    if (sent < 0 && errno != EAGAIN && errno != EWOULDBLOCK) {
+      char why[96];
+      snprintf(why, sizeof why, "send failed: %s", FailureCause(errno));
+      failure(why);
+      return false;
+    }
+    size_t done = sent > 0 ? static_cast<size_t>(sent) : 0;
+    bytes += done;
+    length -= done;
+    outbox = Make(fd, failure);
+  }
+  return outbox->Send(bytes, length);
+}
+
 bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes,
                            size_t length) {
   _sending = true;

@@ -26,8 +26,8 @@
 // call the outbox (the connection prints its line and shuts its socket
 // down). Every later hand-over is refused.
 //
-// Ownership and threads: a connection makes its outbox with Make and
-// calls Close before it closes the socket. After Close returns no thread
+// Ownership and threads: a connection makes its outbox with Make when it
+// first needs one and calls Close before it closes the socket. After Close returns no thread
 // sends on the descriptor again; the loop may still hold the object (it is
 // shared) but never touches the socket. Post and Send may be called from any
 // thread. _lock guards every field below it in the class; the send itself
@@ -81,6 +81,13 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
   // else queued for the loop. False when the client was cut off or the
   // outbox closed.
   bool Send(const char* bytes, size_t length);
+  // A response of a connection that makes its outbox only when it needs
+  // one (an idle connection holds none): while `outbox` is null the bytes
+  // go straight out without waiting, and what the socket does not take
+  // makes `outbox` (Make with `fd` and `failure`) and queues there. False,
+  // after `failure`, when the send failed.
+  static bool Send(std::shared_ptr<Outbox>& outbox, int fd, const FailureFunction& failure,
+                   const char* bytes, size_t length);
   // An event: queued, and the loop woken if it is not already on its way.
   // False when the client was cut off, now or before, or the outbox closed.
   bool Post(const char* bytes, size_t length);

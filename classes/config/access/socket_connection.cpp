@@ -46,14 +46,14 @@ SocketConnection::SocketConnection(Socket* socket)
       _listening(false),
       _stop(false),
       _broken(false),
-      _outbox(Outbox::Make(_fd, [this](const char* why) { CutOff(why); })) {
+      _cut_off([this](const char* why) { CutOff(why); }) {
   SemaphoreHelper::InitSemaphore(&_state_lock);
   Live().Add(this);
 }
 
 SocketConnection::~SocketConnection() {
   Live().Remove(this);
-  _outbox->Close();  // no send on the descriptor after this
+  if (_outbox != nullptr) _outbox->Close();  // no send on the descriptor after this
   delete _socket;
   SemaphoreHelper::DestroySemaphore(&_state_lock);
 }
@@ -297,6 +297,9 @@ bool SocketConnection::ProcessAddConfigEventListenerRequest(
     } else if (std::find(_filter.begin(), _filter.end(), request.paramID) == _filter.end()) {
       _filter.push_back(request.paramID);
     }
+    // Events need the outbox; a connection that only asks and answers has
+    // none until a send would block.
+    if (_outbox == nullptr) _outbox = Outbox::Make(_fd, _cut_off);
     _registered = true;
   }
   // Joining the store's listeners happens outside _state_lock: a writer
@@ -445,7 +448,7 @@ bool SocketConnection::SendRecord(const Record& record) {
 }
 
 bool SocketConnection::Send(const char* bytes, size_t length) {
-  return !_broken && _outbox->Send(bytes, length);
+  return !_broken && Outbox::Send(_outbox, _fd, _cut_off, bytes, length);
 }
 
 }  // namespace access

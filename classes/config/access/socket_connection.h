@@ -128,7 +128,10 @@ class SocketConnection : public ConfigEventListener, public Runnable {
   std::list<unsigned int> _filter;  // guarded by _state_lock; empty: all
   std::atomic<bool> _stop;
   std::atomic<bool> _broken;  // cut off: no more sends
-  // Every byte to the client; closed before the socket is.
+  const ::zyn::config::access::Outbox::FailureFunction _cut_off;  // calls CutOff
+  // Every byte to the client once one was needed (registration, or a send
+  // that would block); set by the connection's thread before it registers,
+  // closed before the socket is.
   std::shared_ptr<Outbox> _outbox;
   sem_t _state_lock;
 };
