@@ -8,8 +8,9 @@
 // --op redis-get and redis-set drive an in-memory data server (a running
 // one, --port) through the same harness: GET, and SET with the GET that
 // confirms it, the counterparts of get and set.
-// --against OP runs OP as the baseline right after each run of --op, by the
-// same client code with the same connection count, and prints the ratio:
+// --against OP runs OP as the baseline, by the same client code with the
+// same connection count, the two taking five turns each of a fifth of the
+// seconds, and prints the ratio:
 //   ratio get/echo clients=50 ops/s=0.71x p50_us=1.38x p99_us=1.22x
 // --clients takes a list (1,50): each count is one pair of runs.
 #include <arpa/inet.h>
@@ -63,6 +64,8 @@ struct Options {
   // one of its catalogue's (the load parameters exist only in-process).
   unsigned int param = kLoadInteger;
 };
+
+constexpr int kTurns = 5;  // turns of an op and its baseline
 
 const char* const kOps[] = {"get", "set", "getstring", "event", "echo", "redis-get", "redis-set"};
 
@@ -275,23 +278,27 @@ class EventTimer : public ConfigEventListener {
 std::atomic<uint64_t> g_sets{0};
 
 // One client's loop: the operation, timed, until the deadline.
+// Its rate counts from its first timed operation, once it is connected.
 std::vector<double> RunClient(const std::string& op, const Options& options, int port,
                               const LoadRange& range, Clock::time_point deadline,
-                              std::atomic<int>& failures) {
+                              std::atomic<int>& failures, double& rate) {
   std::vector<double> latencies;
   latencies.reserve(200000);
   std::string uri = "socket://127.0.0.1:" + std::to_string(port) + "/configid=0";
   // Times `body` until the deadline or its first failure (a failed
   // exchange returns at once and would inflate the rate).
   auto time = [&](auto body) {
+    const Clock::time_point first = Clock::now();
     while (Clock::now() < deadline) {
       auto start = Clock::now();
       if (!body()) {
         ++failures;
-        return;
+        break;
       }
       latencies.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
     }
+    const double seconds = std::chrono::duration<double>(Clock::now() - first).count();
+    rate = seconds > 0 ? latencies.size() / seconds : 0;
   };
   if (op == "echo") {
     int fd = ConnectLoopback(port);
@@ -353,29 +360,48 @@ std::vector<double> RunClient(const std::string& op, const Options& options, int
   return latencies;
 }
 
-// `clients` threads of `op` against `port` for the run's seconds.
-Figures Run(const std::string& op, const Options& options, int port, const LoadRange& range,
-            int clients) {
+// What the runs of one op gathered: every latency, and the sum of the
+// clients' rates per run.
+struct Tally {
+  std::vector<double> latencies;
+  double rates = 0;
+  int runs = 0;
+  int failures = 0;
+};
+
+// `clients` threads of `op` against `port` for `seconds`, added to `tally`.
+void Run(const std::string& op, const Options& options, int port, const LoadRange& range,
+         int clients, double seconds, Tally& tally) {
   if (IsRedis(op)) {  // GET answers a stored value, as get does
     RedisConnection redis(port);
     redis.Exchange(RedisConnection::Command({"SET", "load:integer", "0"}), 1);
   }
   auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                     std::chrono::duration<double>(options.seconds));
+                                     std::chrono::duration<double>(seconds));
   std::vector<std::vector<double>> results(clients);
+  std::vector<double> rates(clients, 0.0);
   std::vector<std::thread> threads;
   std::atomic<int> failures{0};
   for (int i = 0; i < clients; ++i)
-    threads.emplace_back(
-        [&, i] { results[i] = RunClient(op, options, port, range, deadline, failures); });
+    threads.emplace_back([&, i] {
+      results[i] = RunClient(op, options, port, range, deadline, failures, rates[i]);
+    });
   for (std::thread& t : threads) t.join();
+  for (int i = 0; i < clients; ++i) {
+    tally.latencies.insert(tally.latencies.end(), results[i].begin(), results[i].end());
+    tally.rates += rates[i];
+  }
+  ++tally.runs;
+  tally.failures += failures.load();
+}
 
-  std::vector<double> all;
-  for (auto& r : results) all.insert(all.end(), r.begin(), r.end());
-  Figures figures = Summarise(std::move(all), options.seconds);
+// The line of one op: its rate is the mean of its runs' rates.
+Figures Report(const std::string& op, int clients, const Options& options, Tally& tally) {
+  Figures figures = Summarise(std::move(tally.latencies), 1);
+  figures.opsPerSecond = tally.runs > 0 ? tally.rates / tally.runs : 0;
   printf("op=%s clients=%d seconds=%g ops/s=%.0f p50_us=%.1f p99_us=%.1f failed_clients=%d\n",
          op.c_str(), clients, options.seconds, figures.opsPerSecond, figures.p50, figures.p99,
-         failures.load());
+         tally.failures);
   fflush(stdout);
   return figures;
 }
@@ -415,10 +441,20 @@ int main(int argc, char** argv) {
   };
 
   for (int clients : options.clients) {
-    Figures ours = Run(options.op, options, portOf(options.op, options.port), range, clients);
+    // With a baseline, each op runs in turns of a fifth of the seconds,
+    // alternating, so that a change in the machine's load falls on both.
+    const int turns = options.against.empty() ? 1 : kTurns;
+    Tally oursTally, baseTally;
+    for (int turn = 0; turn < turns; ++turn) {
+      Run(options.op, options, portOf(options.op, options.port), range, clients,
+          options.seconds / turns, oursTally);
+      if (!options.against.empty())
+        Run(options.against, options, portOf(options.against, options.againstPort), range,
+            clients, options.seconds / turns, baseTally);
+    }
+    Figures ours = Report(options.op, clients, options, oursTally);
     if (options.against.empty()) continue;
-    Figures base = Run(options.against, options, portOf(options.against, options.againstPort),
-                       range, clients);
+    Figures base = Report(options.against, clients, options, baseTally);
     auto ratio = [](double a, double b) { return b > 0 ? a / b : 0.0; };
     printf(
         "ratio %s/%s clients=%d ops/s=%.2fx p50_us=%.2fx p99_us=%.2fx (ops/s above 1 and "
