@@ -46,13 +46,12 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-
 struct Options {
   std::string transport = "socket";
   int listeners = 20;
   int writers = 1;
   double seconds = 5;
-  int intervalUs = 0;  // 0: a tight loop
+  int intervalUs = 0;    // 0: a tight loop
   double roundCap = 20;  // the longest stalled round, in seconds
 };
 
@@ -167,8 +166,7 @@ struct Summary {
   double p50, p99;
 };
 
-Summary Print(const char* label, int writers, int rounds, std::vector<float>& all,
-              double seconds) {
+Summary Print(const char* label, int writers, int rounds, std::vector<float>& all, double seconds) {
   std::sort(all.begin(), all.end());
   auto percentile = [&](double p) {
     return all.empty() ? 0.0 : all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];

@@ -211,8 +211,8 @@ bool SendRecord(int fd, const Record& record) {
 int ConnectClient(int port, uint32_t connectionID) {
   int fd = ConnectLoopback(port);
   char answer[sizeof(XCONFIGMGR_CONNECTION_RESPONSE_T)];
-  if (!SendRecord(fd, XCONFIGMGR_CONNECTION_REQUEST_T{
-                          MakeHeader(XCFG_CONNECT_REQUEST, connectionID, 1, 0)}) ||
+  if (!SendRecord(fd, XCONFIGMGR_CONNECTION_REQUEST_T{MakeHeader(XCFG_CONNECT_REQUEST, connectionID,
+                                                                 1, 0)}) ||
       RecvExact(fd, answer, sizeof answer) != sizeof answer)
     Fail("configd did not answer a Connect Request");
   return fd;
@@ -223,9 +223,10 @@ int ConnectClient(int port, uint32_t connectionID) {
 int ConnectListener(int port, uint32_t connectionID, unsigned int param) {
   int fd = ConnectClient(port, connectionID);
   char answer[sizeof(XCONFIGMGR_RESPONSE_T)];
-  if (!SendRecord(fd, XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
-                          MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, connectionID, 2, 0),
-                          param}) ||
+  if (!SendRecord(
+          fd,
+          XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+              MakeHeader(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, connectionID, 2, 0), param}) ||
       !SendRecord(fd, XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_GET_PARAM_REQUEST, connectionID, 3, 0),
                                            kIntegerParam, 0, 0, 0}) ||
       RecvExact(fd, answer, sizeof answer) != sizeof answer)
@@ -241,7 +242,8 @@ std::vector<char> SetBytes(bool text, uint64_t n, uint32_t connectionID, const L
   std::vector<char> payload;
   if (text) {
     // Two names of one length, in turn.
-    StringValue name(eConfigID_Default, kStringParam, eCParam_StringValue, n % 2 ? "fanout-a" : "fanout-b");
+    StringValue name(eConfigID_Default, kStringParam, eCParam_StringValue,
+                     n % 2 ? "fanout-a" : "fanout-b");
     payload = EncodePayload(&name);
     request.header.msgtype = XCFG_SET_STREAM_PARAM_REQUEST;
     request.paramID = kStringParam;
@@ -416,7 +418,8 @@ int main(int argc, char** argv) {
   // payload, framed as the Set's.
   uint64_t sets = 1;  // configd starts at the default; round 1 differs from round 2
   const size_t triggerSize = SetBytes(options.text, sets, writerID, range).size();
-  const size_t recordSize = sizeof(XCONFIGMGR_RESPONSE_T) + (triggerSize - sizeof(XCONFIGMGR_REQUEST_T));
+  const size_t recordSize =
+      sizeof(XCONFIGMGR_RESPONSE_T) + (triggerSize - sizeof(XCONFIGMGR_REQUEST_T));
   Readers ours(listeners, recordSize);
   FloorServer floor(options.listeners, triggerSize, recordSize);
   Readers floorReaders(floor.Clients(), recordSize);
@@ -430,11 +433,10 @@ int main(int argc, char** argv) {
     for (size_t i = 0; i < ours.Size(); ++i) {
       XCONFIGMGR_RESPONSE_T event;
       Unpack(ours.Record(i).data(), event);
-      const bool right = options.text
-                             ? event.header.msgtype == XCFG_PARAM_STREAM_CHANGED_EVENT &&
-                                   event.streamLength == recordSize - sizeof event
-                             : event.header.msgtype == XCFG_PARAM_CHANGED_EVENT &&
-                                   event.value == LoadValue(n, range);
+      const bool right = options.text ? event.header.msgtype == XCFG_PARAM_STREAM_CHANGED_EVENT &&
+                                            event.streamLength == recordSize - sizeof event
+                                      : event.header.msgtype == XCFG_PARAM_CHANGED_EVENT &&
+                                            event.value == LoadValue(n, range);
       if (event.paramID != param || !right) Fail("a configd listener read another record");
     }
     return us;
@@ -460,9 +462,8 @@ int main(int argc, char** argv) {
   for (auto [side, figures] : {std::make_pair("configd", a), std::make_pair("floor", b)})
     printf("side=%s listeners=%d rounds=%d record_bytes=%zu p50_us=%.1f p99_us=%.1f\n", side,
            options.listeners, options.rounds, recordSize, figures.p50, figures.p99);
-  printf(
-      "configd/floor p50=%.2fx (target <= 1.2) p99=%.2fx (target <= 1.5) (lower is better)\n",
-      b.p50 > 0 ? a.p50 / b.p50 : 0.0, b.p99 > 0 ? a.p99 / b.p99 : 0.0);
+  printf("configd/floor p50=%.2fx (target <= 1.2) p99=%.2fx (target <= 1.5) (lower is better)\n",
+         b.p50 > 0 ? a.p50 / b.p50 : 0.0, b.p99 > 0 ? a.p99 / b.p99 : 0.0);
   fflush(stdout);
   for (int fd : listeners) ::close(fd);
   ::close(writer);

@@ -55,7 +55,7 @@ constexpr unsigned int kLoadString = 0xFEEDD002;
 
 struct Options {
   std::string op = "get";
-  std::string against;       // the baseline op; empty: none
+  std::string against;  // the baseline op; empty: none
   std::vector<int> clients = {1};
   double seconds = 5;
   int port = 0;         // 0: start a server in this process
@@ -383,9 +383,8 @@ void Run(const std::string& op, const Options& options, int port, const LoadRang
   std::vector<std::thread> threads;
   std::atomic<int> failures{0};
   for (int i = 0; i < clients; ++i)
-    threads.emplace_back([&, i] {
-      results[i] = RunClient(op, options, port, range, deadline, failures, rates[i]);
-    });
+    threads.emplace_back(
+        [&, i] { results[i] = RunClient(op, options, port, range, deadline, failures, rates[i]); });
   for (std::thread& t : threads) t.join();
   for (int i = 0; i < clients; ++i) {
     tally.latencies.insert(tally.latencies.end(), results[i].begin(), results[i].end());
@@ -449,8 +448,8 @@ int main(int argc, char** argv) {
       Run(options.op, options, portOf(options.op, options.port), range, clients,
           options.seconds / turns, oursTally);
       if (!options.against.empty())
-        Run(options.against, options, portOf(options.against, options.againstPort), range,
-            clients, options.seconds / turns, baseTally);
+        Run(options.against, options, portOf(options.against, options.againstPort), range, clients,
+            options.seconds / turns, baseTally);
     }
     Figures ours = Report(options.op, clients, options, oursTally);
     if (options.against.empty()) continue;
