@@ -5,15 +5,20 @@
 //   stalled: N clients register for every event and never read again; the
 //            round lasts until the server has cut every one of them off, or
 //            --round-cap seconds (default 20) when it does not;
+//   reading: N clients that register for every event and read all they
+//            get, for as long (the cost of the fan-out itself; in a tight
+//            loop they may fall behind and be cut off too, which is
+//            reported);
 //   none:    no listener at all, for as long: the baseline.
 // Every Set changes the stored value (see LoadValue), so every one is an
 // event for the stalled clients.
 // By default each writer sets in a tight loop; --interval-us paces it to one
 // Set per interval, as a front panel or a control process writes.
-// It prints one line per kind of round and the ratio of the two p99s:
+// It prints one line per kind of round and the ratios of the p99s:
 //   listeners=20 writers=1 rounds=4 seconds=3.1 samples=2518269 ops/s=812345 p50_us=0.9 ...
+//   listeners=20-reading writers=1 rounds=4 seconds=3.1 samples=2718269 ...
 //   listeners=0 writers=1 rounds=4 seconds=3.1 samples=2897157 ops/s=934567 p50_us=0.8 ...
-//   p99 stalled/none=1.31x (target <= 2, lower is better) uncut_listeners=0
+//   p99 stalled/none=1.31x (target <= 2, lower is better) uncut_listeners=0 | ...
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -103,11 +108,12 @@ bool SendRecord(int fd, const Record& record) {
   return SendAll(fd, bytes, sizeof bytes);
 }
 
-// A client that connects, registers for every event, and never reads again.
-int ConnectStalled(int port, uint32_t connectionID) {
+// A client that connects and registers for every event; a stalled one
+// (with a small receive buffer) never reads again.
+int ConnectListener(int port, uint32_t connectionID, bool stalled) {
   int fd = ::socket(AF_INET, SOCK_STREAM, 0);
   int small = 4096;
-  setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+  if (stalled) setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<uint16_t>(port));
@@ -125,7 +131,7 @@ int ConnectStalled(int port, uint32_t connectionID) {
       !SendRecord(fd, XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_GET_PARAM_REQUEST, connectionID, 3, 0),
                                            kLoadInteger, 0, 0, 0}) ||
       RecvExact(fd, answer, sizeof answer) != sizeof answer) {
-    perror("event_stall_load: stalled client");
+    perror("event_stall_load: listener");
     exit(1);
   }
   return fd;
@@ -188,6 +194,8 @@ int main(int argc, char** argv) {
   if (getenv("EVENT_STALL_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
   const bool tcp = options.transport == "tcp";
   int (*liveCount)() = tcp ? &NetworkTCPConnection::LiveCount : &SocketConnection::LiveCount;
+  bool (*waitForAll)(long) =
+      tcp ? &NetworkTCPConnection::WaitForAll : &SocketConnection::WaitForAll;
 
   AddLoadIntegerDescriptor();
   IndexDescriptorNames();
@@ -208,17 +216,20 @@ int main(int argc, char** argv) {
     serverThread = socketServer->GetThread();
   }
 
-  std::vector<float> stalled, none;
+  std::vector<float> stalled, reading, none;
+  double readingSeconds = 0, letGo = 0;
+  int readersCut = 0;
   double stalledSeconds = 0, noneSeconds = 0;
   int rounds = 0, uncut = 0;
   uint32_t connectionID = 0x00081000;
   auto span = [](double s) {
     return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(s));
   };
-  while (stalledSeconds + noneSeconds < options.seconds) {
+  while (stalledSeconds + readingSeconds + noneSeconds < options.seconds) {
     std::vector<int> fds;
-    for (int i = 0; i < options.listeners; ++i) fds.push_back(ConnectStalled(port, connectionID++));
-    // Both kinds of round ask the same two questions after each Set.
+    for (int i = 0; i < options.listeners; ++i)
+      fds.push_back(ConnectListener(port, connectionID++, true));
+    // Every kind of round asks the same two questions after each Set.
     auto start = Clock::now();
     const auto cap = start + span(options.roundCap);
     std::vector<float> round = TimeSets(store, options.writers, options.intervalUs, [&] {
@@ -232,19 +243,56 @@ int main(int argc, char** argv) {
     stalled.insert(stalled.end(), round.begin(), round.end());
     ++rounds;
 
-    const auto end = Clock::now() + span(length);
+    // As many listeners that read everything, for as long.
+    fds.clear();
+    std::vector<std::thread> drains;
+    for (int i = 0; i < options.listeners; ++i) {
+      fds.push_back(ConnectListener(port, connectionID++, false));
+      drains.emplace_back([fd = fds.back()] {
+        char bytes[16384];
+        while (::recv(fd, bytes, sizeof bytes, 0) > 0) {
+        }
+      });
+    }
+    start = Clock::now();
+    auto end = start + span(length);
+    round = TimeSets(store, options.writers, options.intervalUs, [&] {
+      const bool cutOff = liveCount() == 0;
+      return Clock::now() >= end || cutOff;
+    });
+    readersCut += options.listeners - liveCount();
+    readingSeconds += std::chrono::duration<double>(Clock::now() - start).count();
+    for (int fd : fds) ::shutdown(fd, SHUT_RDWR);
+    for (std::thread& drain : drains) drain.join();
+    for (int fd : fds) ::close(fd);
+    reading.insert(reading.end(), round.begin(), round.end());
+
+    // No listener, for as long, once the server has let go of the last.
+    Clock::time_point closing = Clock::now();
+    if (!waitForAll(30000)) {
+      fprintf(stdout, "event_stall_load: the server kept closed listeners for 30 s\n");
+      return 1;
+    }
+    letGo = std::max(letGo, std::chrono::duration<double>(Clock::now() - closing).count());
+    start = Clock::now();
+    end = start + span(length);
     round = TimeSets(store, options.writers, options.intervalUs, [&] {
       const bool cutOff = liveCount() == 0;
       return Clock::now() >= end && cutOff;
     });
-    noneSeconds += length;
+    noneSeconds += std::chrono::duration<double>(Clock::now() - start).count();
     none.insert(none.end(), round.begin(), round.end());
   }
   std::string label = std::to_string(options.listeners);
   Summary withStalled = Print(label.c_str(), options.writers, rounds, stalled, stalledSeconds);
+  Summary withReading =
+      Print((label + "-reading").c_str(), options.writers, rounds, reading, readingSeconds);
   Summary baseline = Print("0", options.writers, rounds, none, noneSeconds);
-  printf("p99 stalled/none=%.2fx (target <= 2, lower is better) uncut_listeners=%d\n",
-         baseline.p99 > 0 ? withStalled.p99 / baseline.p99 : 0.0, uncut);
+  auto ratio = [&](const Summary& a) { return baseline.p99 > 0 ? a.p99 / baseline.p99 : 0.0; };
+  printf(
+      "p99 stalled/none=%.2fx (target <= 2, lower is better) uncut_listeners=%d | "
+      "reading/none=%.2fx cut_readers=%d | longest_close_s=%.2f\n",
+      ratio(withStalled), uncut, ratio(withReading), readersCut, letGo);
   fflush(stdout);
 
   if (tcp) {
