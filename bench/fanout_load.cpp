@@ -52,7 +52,7 @@ namespace {
 // Catalogue parameters of configd's: an integer with a range, and a text.
 constexpr unsigned int kIntegerParam = 0xA21E8942;  // eParamID_Vid1RGBProcAmpGainBlue
 constexpr unsigned int kStringParam = 0x663F2B65;   // eParamID_SystemName
-constexpr int kBlock = 100;                         // rounds per turn of a side
+constexpr int kBlock = 10;                          // rounds per turn of a side
 constexpr int kWarmup = 100;                        // untimed rounds per side
 
 struct Options {
