@@ -2,15 +2,23 @@
 // and a stream server (local socket, or --transport tcp for the network one)
 // in this process on a free loopback port and times the store's Set on W
 // writer threads in alternating rounds:
-//   stalled: N clients register for every event and never read; the round
-//            lasts until the server has cut every one of them off;
+//   stalled: N clients register for every event and never read again; the
+//            round lasts until the server has cut every one of them off, or
+//            --round-cap seconds (default 20) when it does not;
+//   reading: N clients that register for every event and read all they
+//            get, for as long (the cost of the fan-out itself; in a tight
+//            loop they may fall behind and be cut off too, which is
+//            reported);
 //   none:    no listener at all, for as long: the baseline.
+// Every Set changes the stored value (see LoadValue), so every one is an
+// event for the stalled clients.
 // By default each writer sets in a tight loop; --interval-us paces it to one
 // Set per interval, as a front panel or a control process writes.
-// It prints one line per kind of round and the ratio of the two p99s:
-//   listeners=20 writers=1 seconds=3.1 ops/s=812345 p50_us=0.9 p99_us=2.1 max_us=90
-//   listeners=0 writers=1 seconds=3.1 ops/s=934567 p50_us=0.8 p99_us=1.6 max_us=70
-//   p99_ratio=1.31
+// It prints one line per kind of round and the ratios of the p99s:
+//   listeners=20 writers=1 rounds=4 seconds=3.1 samples=2518269 ops/s=812345 p50_us=0.9 ...
+//   listeners=20-reading writers=1 rounds=4 seconds=3.1 samples=2718269 ...
+//   listeners=0 writers=1 rounds=4 seconds=3.1 samples=2897157 ops/s=934567 p50_us=0.8 ...
+//   p99 stalled/none=1.31x (target <= 2, lower is better) uncut_listeners=0 | ...
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -43,19 +51,19 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-
 struct Options {
   std::string transport = "socket";
   int listeners = 20;
   int writers = 1;
   double seconds = 5;
-  int intervalUs = 0;  // 0: a tight loop
+  int intervalUs = 0;    // 0: a tight loop
+  double roundCap = 20;  // the longest stalled round, in seconds
 };
 
 void Usage() {
   fprintf(stderr,
           "usage: event_stall_load [--transport socket|tcp] [--listeners N] [--writers W] "
-          "[--seconds S] [--interval-us U]\n");
+          "[--seconds S] [--interval-us U] [--round-cap S]\n");
   exit(2);
 }
 
@@ -63,6 +71,12 @@ Options Parse(int argc, char** argv) {
   Options options;
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
+    if (arg == "--help") {
+      printf(
+          "usage: event_stall_load [--transport socket|tcp] [--listeners N] [--writers W] "
+          "[--seconds S] [--interval-us U] [--round-cap S]\n");
+      exit(0);
+    }
     if (i + 1 >= argc) Usage();
     if (arg == "--transport") {
       options.transport = argv[++i];
@@ -74,12 +88,15 @@ Options Parse(int argc, char** argv) {
       options.seconds = atof(argv[++i]);
     } else if (arg == "--interval-us") {
       options.intervalUs = atoi(argv[++i]);
+    } else if (arg == "--round-cap") {
+      options.roundCap = atof(argv[++i]);
     } else {
       Usage();
     }
   }
   if ((options.transport != "socket" && options.transport != "tcp") || options.listeners < 1 ||
-      options.writers < 1 || options.seconds <= 0 || options.intervalUs < 0)
+      options.writers < 1 || options.seconds <= 0 || options.intervalUs < 0 ||
+      options.roundCap <= 0)
     Usage();
   return options;
 }
@@ -91,11 +108,12 @@ bool SendRecord(int fd, const Record& record) {
   return SendAll(fd, bytes, sizeof bytes);
 }
 
-// A client that connects, registers for every event, and never reads again.
-int ConnectStalled(int port, uint32_t connectionID) {
+// A client that connects and registers for every event; a stalled one
+// (with a small receive buffer) never reads again.
+int ConnectListener(int port, uint32_t connectionID, bool stalled) {
   int fd = ::socket(AF_INET, SOCK_STREAM, 0);
   int small = 4096;
-  setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+  if (stalled) setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<uint16_t>(port));
@@ -113,28 +131,32 @@ int ConnectStalled(int port, uint32_t connectionID) {
       !SendRecord(fd, XCONFIGMGR_REQUEST_T{MakeHeader(XCFG_GET_PARAM_REQUEST, connectionID, 3, 0),
                                            kLoadInteger, 0, 0, 0}) ||
       RecvExact(fd, answer, sizeof answer) != sizeof answer) {
-    perror("event_stall_load: stalled client");
+    perror("event_stall_load: listener");
     exit(1);
   }
   return fd;
 }
 
+// Numbers every Set of the run, across writers and rounds (see LoadValue).
+std::atomic<uint64_t> g_sets{1};
+
 // W writers time Sets until `done` says the round is over.
 template <typename Done>
 std::vector<float> TimeSets(Config* store, int writers, int intervalUs, Done done) {
+  const LoadRange range = RangeOf(kLoadInteger);
   std::vector<std::vector<float>> results(writers);
   std::vector<std::thread> threads;
   for (int w = 0; w < writers; ++w) {
     threads.emplace_back([&, w] {
-      unsigned int n = static_cast<unsigned int>(w) * 100000u;
       auto next = Clock::now();
-      while (!done(results[w].size())) {
+      while (!done()) {
         if (intervalUs > 0) {
           next += std::chrono::microseconds(intervalUs);
           std::this_thread::sleep_until(next);
         }
+        const unsigned int value = LoadValue(g_sets++, range);
         auto start = Clock::now();
-        store->Set(kLoadInteger, ++n % 1000000);
+        store->Set(kLoadInteger, value);
         results[w].push_back(
             std::chrono::duration<float, std::micro>(Clock::now() - start).count());
       }
@@ -150,15 +172,17 @@ struct Summary {
   double p50, p99;
 };
 
-Summary Print(const char* label, int writers, std::vector<float>& all, double seconds) {
+Summary Print(const char* label, int writers, int rounds, std::vector<float>& all, double seconds) {
   std::sort(all.begin(), all.end());
   auto percentile = [&](double p) {
     return all.empty() ? 0.0 : all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];
   };
   Summary summary{percentile(0.50), percentile(0.99)};
-  printf("listeners=%s writers=%d seconds=%.2f ops/s=%.0f p50_us=%.2f p99_us=%.2f max_us=%.0f\n",
-         label, writers, seconds, all.size() / seconds, summary.p50, summary.p99,
-         all.empty() ? 0.0 : all.back());
+  printf(
+      "listeners=%s writers=%d rounds=%d seconds=%.2f samples=%zu ops/s=%.0f p50_us=%.2f "
+      "p99_us=%.2f max_us=%.0f\n",
+      label, writers, rounds, seconds, all.size(), all.size() / seconds, summary.p50, summary.p99,
+      all.empty() ? 0.0 : all.back());
   return summary;
 }
 
@@ -170,6 +194,8 @@ int main(int argc, char** argv) {
   if (getenv("EVENT_STALL_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
   const bool tcp = options.transport == "tcp";
   int (*liveCount)() = tcp ? &NetworkTCPConnection::LiveCount : &SocketConnection::LiveCount;
+  bool (*waitForAll)(long) =
+      tcp ? &NetworkTCPConnection::WaitForAll : &SocketConnection::WaitForAll;
 
   AddLoadIntegerDescriptor();
   IndexDescriptorNames();
@@ -190,31 +216,83 @@ int main(int argc, char** argv) {
     serverThread = socketServer->GetThread();
   }
 
-  std::vector<float> stalled, none;
+  std::vector<float> stalled, reading, none;
+  double readingSeconds = 0, letGo = 0;
+  int readersCut = 0;
   double stalledSeconds = 0, noneSeconds = 0;
+  int rounds = 0, uncut = 0;
   uint32_t connectionID = 0x00081000;
-  while (stalledSeconds + noneSeconds < options.seconds) {
+  auto span = [](double s) {
+    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(s));
+  };
+  while (stalledSeconds + readingSeconds + noneSeconds < options.seconds) {
     std::vector<int> fds;
-    for (int i = 0; i < options.listeners; ++i) fds.push_back(ConnectStalled(port, connectionID++));
+    for (int i = 0; i < options.listeners; ++i)
+      fds.push_back(ConnectListener(port, connectionID++, true));
+    // Every kind of round asks the same two questions after each Set.
     auto start = Clock::now();
-    std::vector<float> round = TimeSets(store, options.writers, options.intervalUs, [&](size_t) {
-      return liveCount() == 0;  // every stalled client cut off
+    const auto cap = start + span(options.roundCap);
+    std::vector<float> round = TimeSets(store, options.writers, options.intervalUs, [&] {
+      const bool cutOff = liveCount() == 0;  // every stalled client cut off
+      return Clock::now() >= cap || cutOff;
     });
     const double length = std::chrono::duration<double>(Clock::now() - start).count();
+    uncut += liveCount();
     stalledSeconds += length;
     for (int fd : fds) ::close(fd);
     stalled.insert(stalled.end(), round.begin(), round.end());
+    ++rounds;
 
-    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                        std::chrono::duration<double>(length));
-    round = TimeSets(store, options.writers, options.intervalUs, [&](size_t) { return Clock::now() >= end; });
-    noneSeconds += length;
+    // As many listeners that read everything, for as long.
+    fds.clear();
+    std::vector<std::thread> drains;
+    for (int i = 0; i < options.listeners; ++i) {
+      fds.push_back(ConnectListener(port, connectionID++, false));
+      drains.emplace_back([fd = fds.back()] {
+        char bytes[16384];
+        while (::recv(fd, bytes, sizeof bytes, 0) > 0) {
+        }
+      });
+    }
+    start = Clock::now();
+    auto end = start + span(length);
+    round = TimeSets(store, options.writers, options.intervalUs, [&] {
+      const bool cutOff = liveCount() == 0;
+      return Clock::now() >= end || cutOff;
+    });
+    readersCut += options.listeners - liveCount();
+    readingSeconds += std::chrono::duration<double>(Clock::now() - start).count();
+    for (int fd : fds) ::shutdown(fd, SHUT_RDWR);
+    for (std::thread& drain : drains) drain.join();
+    for (int fd : fds) ::close(fd);
+    reading.insert(reading.end(), round.begin(), round.end());
+
+    // No listener, for as long, once the server has let go of the last.
+    Clock::time_point closing = Clock::now();
+    if (!waitForAll(30000)) {
+      fprintf(stdout, "event_stall_load: the server kept closed listeners for 30 s\n");
+      return 1;
+    }
+    letGo = std::max(letGo, std::chrono::duration<double>(Clock::now() - closing).count());
+    start = Clock::now();
+    end = start + span(length);
+    round = TimeSets(store, options.writers, options.intervalUs, [&] {
+      const bool cutOff = liveCount() == 0;
+      return Clock::now() >= end && cutOff;
+    });
+    noneSeconds += std::chrono::duration<double>(Clock::now() - start).count();
     none.insert(none.end(), round.begin(), round.end());
   }
   std::string label = std::to_string(options.listeners);
-  Summary withStalled = Print(label.c_str(), options.writers, stalled, stalledSeconds);
-  Summary baseline = Print("0", options.writers, none, noneSeconds);
-  printf("p99_ratio=%.2f\n", baseline.p99 > 0 ? withStalled.p99 / baseline.p99 : 0.0);
+  Summary withStalled = Print(label.c_str(), options.writers, rounds, stalled, stalledSeconds);
+  Summary withReading =
+      Print((label + "-reading").c_str(), options.writers, rounds, reading, readingSeconds);
+  Summary baseline = Print("0", options.writers, rounds, none, noneSeconds);
+  auto ratio = [&](const Summary& a) { return baseline.p99 > 0 ? a.p99 / baseline.p99 : 0.0; };
+  printf(
+      "p99 stalled/none=%.2fx (target <= 2, lower is better) uncut_listeners=%d | "
+      "reading/none=%.2fx cut_readers=%d | longest_close_s=%.2f\n",
+      ratio(withStalled), uncut, ratio(withReading), readersCut, letGo);
   fflush(stdout);
 
   if (tcp) {

@@ -7,7 +7,12 @@
 //   tcp_get vs socket_get    a network TCP Get against the local socket Get
 //   fanout udp vs tcp        one Set to 100 listening clients: time until the
 //                            last client's listener has run
-// Usage: network_load [--ops N] [--rounds R]
+// Each case runs for S seconds (--seconds, default 3); a Get case and its
+// baseline alternate in 100 ms slices, so that both see the same load.
+// Ratios are ours / baseline: for ops/s above 1 is better, for latencies
+// below 1 is better. A fan-out round that not every client heard (a lost
+// datagram) is counted, not timed.
+// Usage: network_load [--seconds S] [--help]
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -25,6 +30,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "config/access/network_factory.h"
@@ -47,26 +53,60 @@ namespace {
 
 constexpr int kFanout = 100;
 
-// Times `ops` calls of `op`, in microseconds each.
-Figures Time(int ops, const std::function<void()>& op) {
-  for (int i = 0; i < ops / 10; ++i) op();  // warm up
-  std::vector<double> samples;
-  samples.reserve(ops);
-  Clock::time_point start = Clock::now();
-  for (int i = 0; i < ops; ++i) {
-    Clock::time_point before = Clock::now();
-    op();
-    samples.push_back(std::chrono::duration<double, std::micro>(Clock::now() - before).count());
+// Times calls of `ours` and of `base` for `seconds` each, in microseconds,
+// in alternating slices of 100 ms so that a change in the machine's load
+// falls on both alike, after a warm-up of a tenth of that. A failed call
+// ends that side (it would return at once and inflate the rate) and is
+// counted in `failures`. Returns {ours, base}.
+std::pair<Figures, Figures> TimePair(double seconds, int& failures,
+                                     const std::function<bool()>& ours,
+                                     const std::function<bool()>& base) {
+  auto span = [](double s) {
+    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(s));
+  };
+  for (const auto* op : {&ours, &base})
+    for (Clock::time_point end = Clock::now() + span(seconds / 20); Clock::now() < end;)
+      if (!(*op)()) break;
+  struct Side {
+    const std::function<bool()>* op;
+    std::vector<double> samples;
+    Clock::duration spent{};
+    bool failed = false;
+  } sides[2] = {{&ours, {}, {}, false}, {&base, {}, {}, false}};
+  const Clock::duration slice = std::chrono::milliseconds(100), total = span(seconds);
+  while ((sides[0].spent < total && !sides[0].failed) ||
+         (sides[1].spent < total && !sides[1].failed)) {
+    for (Side& side : sides) {
+      if (side.spent >= total || side.failed) continue;
+      Clock::time_point start = Clock::now(), end = start + std::min(slice, total - side.spent);
+      for (Clock::time_point before = start; before < end; before = Clock::now()) {
+        if (!(*side.op)()) {
+          ++failures;
+          side.failed = true;
+          break;
+        }
+        side.samples.push_back(
+            std::chrono::duration<double, std::micro>(Clock::now() - before).count());
+      }
+      side.spent += Clock::now() - start;
+    }
   }
-  return Summarise(samples, std::chrono::duration<double>(Clock::now() - start).count());
+  auto figures = [](Side& side) {
+    return Summarise(std::move(side.samples), std::chrono::duration<double>(side.spent).count());
+  };
+  return {figures(sides[0]), figures(sides[1])};
 }
 
-void Print(const char* name, const Figures& measured, const char* baseName, const Figures& base) {
+double Ratio(double ours, double base) { return base > 0 ? ours / base : 0.0; }
+
+void Print(const char* name, const Figures& measured, const char* baseName, const Figures& base,
+           int failures) {
   printf(
       "case=%s ops/s=%.0f p50_us=%.1f p99_us=%.1f | %s ops/s=%.0f p50_us=%.1f p99_us=%.1f | "
-      "ratio_p50=%.3f ratio_ops=%.3f\n",
+      "%s/%s ops/s=%.2fx (higher is better) p50=%.2fx p99=%.2fx (lower is better) failed=%d\n",
       name, measured.opsPerSecond, measured.p50, measured.p99, baseName, base.opsPerSecond,
-      base.p50, base.p99, measured.p50 / base.p50, base.opsPerSecond / measured.opsPerSecond);
+      base.p50, base.p99, name, baseName, Ratio(measured.opsPerSecond, base.opsPerSecond),
+      Ratio(measured.p50, base.p50), Ratio(measured.p99, base.p99), failures);
   fflush(stdout);
 }
 
@@ -126,9 +166,13 @@ class FanoutListener : public ConfigEventListener {
   Round& _round;
 };
 
-// Sets a new value through `writer` `rounds` times and times each until
-// every one of the listening clients has heard it (milliseconds).
-Figures Fanout(Config* writer, std::vector<NetworkClient*>& clients, int rounds) {
+// Sets a new value through `writer`, round after round for `seconds`, and
+// times each until every one of the listening clients has heard it
+// (milliseconds). A round that not every client heard within a second (a
+// lost datagram) has no time: it is counted in `lost`. Untimed rounds come
+// first, until one reaches every client (the multicast clients' receivers
+// are up).
+Figures Fanout(Config* writer, std::vector<NetworkClient*>& clients, double seconds, int& lost) {
   FanoutListener::Round round;
   std::vector<std::unique_ptr<FanoutListener>> listeners;
   for (NetworkClient* client : clients) {
@@ -137,25 +181,37 @@ Figures Fanout(Config* writer, std::vector<NetworkClient*>& clients, int rounds)
     // A TCP Get answered after the Add Listener Request: registered.
     if (dynamic_cast<NetworkTCPClient*>(client) != nullptr) client->Get(kLoadInteger);
   }
-  std::vector<double> samples;
-  Clock::time_point start = Clock::now();
-  for (int i = 0; i < rounds; ++i) {
+  static uint64_t sets = 1;  // the store starts at 0: the first Set changes it
+  auto oneRound = [&] {
+    const unsigned int value = LoadValue(sets++, RangeOf(kLoadInteger));
     {
       std::lock_guard<std::mutex> hold(round.lock);
-      round.value = 1000 + i;
+      round.value = value;
       round.seen = 0;
     }
-    Clock::time_point before = Clock::now();
-    writer->Set(kLoadInteger, 1000 + i);
+    writer->Set(kLoadInteger, value);
     std::unique_lock<std::mutex> hold(round.lock);
-    if (!round.done.wait_for(hold, std::chrono::seconds(5), [&] { return round.seen == kFanout; }))
-      fprintf(stderr, "network_load - round %d: only %d clients heard the Set\n", i, round.seen);
-    samples.push_back(std::chrono::duration<double, std::milli>(Clock::now() - before).count());
+    return round.done.wait_for(hold, std::chrono::seconds(1),
+                               [&] { return round.seen == kFanout; });
+  };
+  for (int i = 0; i < 20 && !oneRound(); ++i) {
   }
-  double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  std::vector<double> samples;
+  lost = 0;
+  Clock::time_point start = Clock::now();
+  Clock::time_point end =
+      start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+  while (Clock::now() < end) {
+    Clock::time_point before = Clock::now();
+    if (oneRound())
+      samples.push_back(std::chrono::duration<double, std::milli>(Clock::now() - before).count());
+    else
+      ++lost;
+  }
+  double took = std::chrono::duration<double>(Clock::now() - start).count();
   for (size_t i = 0; i < clients.size(); ++i)
     clients[i]->RemoveConfigEventListener(listeners[i].get());
-  return Summarise(samples, seconds);
+  return Summarise(samples, took);
 }
 
 NetworkServer* StartServer(int type, int eventPort) {
@@ -171,10 +227,19 @@ NetworkServer* StartServer(int type, int eventPort) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  int ops = 20000, rounds = 200;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    if (strcmp(argv[i], "--ops") == 0) ops = atoi(argv[i + 1]);
-    if (strcmp(argv[i], "--rounds") == 0) rounds = atoi(argv[i + 1]);
+  double seconds = 3;
+  const char* usage = "usage: network_load [--seconds S] [--help]\n";
+  for (int i = 1; i < argc; ++i) {
+    char* end = nullptr;
+    if (strcmp(argv[i], "--help") == 0) {
+      printf("%s", usage);
+      return 0;
+    } else if (strcmp(argv[i], "--seconds") == 0 && i + 1 < argc &&
+               (seconds = strtod(argv[++i], &end)) > 0 && *end == '\0') {
+      continue;
+    }
+    fprintf(stderr, "%s", usage);
+    return 2;
   }
   AddLoadIntegerDescriptor();
   IndexDescriptorNames();
@@ -213,17 +278,23 @@ int main(int argc, char** argv) {
     to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     ::connect(fd, reinterpret_cast<sockaddr*>(&to), sizeof to);
     char request[40] = {}, response[44];
-    Figures bare = Time(ops, [&] {
-      ::send(fd, request, sizeof request, 0);
-      ::recv(fd, response, sizeof response, 0);
-    });
-    Figures get = Time(ops, [&] { udp->Get(kLoadInteger); });
-    Print("udp_get", get, "udp_echo", bare);
+    int failures = 0;
+    unsigned int value = 0;
+    auto [get, bare] = TimePair(
+        seconds, failures, [&] { return udp->Get(kLoadInteger, value); },
+        [&] {
+          return ::send(fd, request, sizeof request, 0) == sizeof request &&
+                 ::recv(fd, response, sizeof response, 0) == sizeof response;
+        });
+    Print("udp_get", get, "udp_echo", bare, failures);
     ::close(fd);
   }
-  Figures socketGet = Time(ops, [&] { local->Get(kLoadInteger); });
-  Figures tcpGet = Time(ops, [&] { tcp->Get(kLoadInteger); });
-  Print("tcp_get", tcpGet, "socket_get", socketGet);
+  int failures = 0;
+  unsigned int value = 0;
+  auto [tcpGet, socketGet] = TimePair(
+      seconds, failures, [&] { return tcp->Get(kLoadInteger, value); },
+      [&] { return local->Get(kLoadInteger, value); });
+  Print("tcp_get", tcpGet, "socket_get", socketGet, failures);
 
   std::vector<NetworkClient*> multicast, streams;
   for (int i = 0; i < kFanout; ++i) {
@@ -233,13 +304,15 @@ int main(int argc, char** argv) {
   if (!eventPort.add_membership(kXConfigEventGroup, kXConfigEventInterface)) {
     printf("case=fanout skipped: no multicast on the loopback interface\n");
   } else {
-    Figures overTcp = Fanout(tcp.get(), streams, rounds);
-    Figures overUdp = Fanout(udp.get(), multicast, rounds);
+    int lostTcp = 0, lostUdp = 0;
+    Figures overTcp = Fanout(tcp.get(), streams, seconds, lostTcp);
+    Figures overUdp = Fanout(udp.get(), multicast, seconds, lostUdp);
     printf(
-        "case=fanout_udp_100 p50_ms=%.3f p99_ms=%.3f | fanout_tcp_100 p50_ms=%.3f "
-        "p99_ms=%.3f | ratio_p50=%.3f ratio_p99=%.3f\n",
-        overUdp.p50, overUdp.p99, overTcp.p50, overTcp.p99, overUdp.p50 / overTcp.p50,
-        overUdp.p99 / overTcp.p99);
+        "case=fanout_udp_100 rounds/s=%.0f p50_ms=%.3f p99_ms=%.3f lost_rounds=%d | "
+        "fanout_tcp_100 rounds/s=%.0f p50_ms=%.3f p99_ms=%.3f lost_rounds=%d | udp/tcp "
+        "p50=%.2fx p99=%.2fx (lower is better)\n",
+        overUdp.opsPerSecond, overUdp.p50, overUdp.p99, lostUdp, overTcp.opsPerSecond, overTcp.p50,
+        overTcp.p99, lostTcp, Ratio(overUdp.p50, overTcp.p50), Ratio(overUdp.p99, overTcp.p99));
   }
   for (NetworkClient* client : multicast) factory.Disconnect(client);
   for (NetworkClient* client : streams) factory.Disconnect(client);
