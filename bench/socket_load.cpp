@@ -3,8 +3,9 @@
 // given with --port), runs N client threads, each with its own factory and
 // connection, for S seconds, and prints one line per run:
 //   op=get clients=1 seconds=5 ops/s=41234 p50_us=23.1 p99_us=40.2
-// --op echo times a bare 40-byte request / 44-byte response over TCP with
-// the same harness: the floor any request/response protocol pays here.
+// --op echo times the same client's Gets against a bare responder in this
+// process (a thread per connection that answers each record at once, with
+// no store behind it): the floor any server of this protocol pays here.
 // --op redis-get and redis-set drive an in-memory data server (a running
 // one, --port) through the same harness: GET, and SET with the GET that
 // confirms it, the counterparts of get and set.
@@ -139,7 +140,9 @@ void RegisterLoadParameters() {
   IndexDescriptorNames();
 }
 
-// A bare TCP responder: reads a 40-byte request, writes a 44-byte answer.
+// A bare responder of the protocol: a thread per connection that answers a
+// Connect or Disconnect Request (24 bytes) with its 28-byte response and
+// any other 40-byte request with a 44-byte Get Response, headers echoed.
 class EchoServer {
  public:
   EchoServer() {
@@ -159,13 +162,35 @@ class EchoServer {
         int one = 1;
         setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
         std::thread([fd] {
-          char request[40], response[44] = {};
-          while (RecvExact(fd, request, sizeof request) == sizeof request)
-            if (!SendAll(fd, response, sizeof response)) break;
+          Answer(fd);
           ::close(fd);
         }).detach();
       }
     });
+  }
+  static void Answer(int fd) {
+    char request[sizeof(XCONFIGMGR_REQUEST_T)];
+    while (RecvExact(fd, request, 4) == 4) {
+      uint32_t type = PeekMessageType(request);
+      if (type == XCFG_CONNECT_REQUEST || type == XCFG_DISCONNECT_REQUEST) {
+        XCONFIGMGR_CONNECTION_REQUEST_T connect;
+        if (RecvExact(fd, request + 4, sizeof connect - 4) != sizeof connect - 4) return;
+        Unpack(request, connect);
+        XCONFIGMGR_CONNECTION_RESPONSE_T answer{AnswerHeader(connect.header, type + 16), 0};
+        char bytes[sizeof answer];
+        Pack(answer, bytes);
+        if (!SendAll(fd, bytes, sizeof bytes)) return;
+        continue;
+      }
+      XCONFIGMGR_REQUEST_T get;
+      if (RecvExact(fd, request + 4, sizeof get - 4) != sizeof get - 4) return;
+      Unpack(request, get);
+      XCONFIGMGR_RESPONSE_T answer{AnswerHeader(get.header, XCFG_GET_PARAM_RESPONSE), get.paramID,
+                                   0, 0, 0, 0};
+      char bytes[sizeof answer];
+      Pack(answer, bytes);
+      if (!SendAll(fd, bytes, sizeof bytes)) return;
+    }
   }
   ~EchoServer() {
     ::shutdown(listenFd, SHUT_RDWR);
@@ -300,16 +325,6 @@ std::vector<double> RunClient(const std::string& op, const Options& options, int
     const double seconds = std::chrono::duration<double>(Clock::now() - first).count();
     rate = seconds > 0 ? latencies.size() / seconds : 0;
   };
-  if (op == "echo") {
-    int fd = ConnectLoopback(port);
-    char request[40] = {}, response[44];
-    time([&] {
-      return SendAll(fd, request, sizeof request) &&
-             RecvExact(fd, response, sizeof response) == sizeof response;
-    });
-    ::close(fd);
-    return latencies;
-  }
   if (IsRedis(op)) {
     RedisConnection redis(port);
     const std::string get = RedisConnection::Command({"GET", "load:integer"});
@@ -333,7 +348,7 @@ std::vector<double> RunClient(const std::string& op, const Options& options, int
   }
   unsigned int value = 0;
   std::string text;
-  if (op == "get") {
+  if (op == "get" || op == "echo") {  // the same Gets, against the store or the bare responder
     time([&] { return client->Get(options.param, value); });
   } else if (op == "set") {
     // A Set is not answered: time it together with the Get that confirms it.
