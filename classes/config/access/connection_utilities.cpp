@@ -163,6 +163,13 @@ void ConnectionUtilities::Dump(const XCONFIGMGR_RESPONSE_T& response, const char
     Write(FormatLine(response, payload, length));
 }
 
+void ConnectionUtilities::PackChangedEvent(uint32_t connectionID, uint32_t configID,
+                                           uint32_t paramID, uint32_t value, char* out) {
+  XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(connectionID, configID, paramID, value);
+  Pack(changed, out);
+  Dump(changed);
+}
+
 void ConnectionUtilities::Dump(const XCONFIGMGR_CONNECTION_REQUEST_T& request) {
   if (Logger::GetLogger()->IsEnabled()) Write(FormatLine(request));
 }

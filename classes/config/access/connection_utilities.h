@@ -52,6 +52,10 @@ class ConnectionUtilities {
   static void Dump(const XCONFIGMGR_RESPONSE_T& response, const char* payload = nullptr,
                    size_t length = 0);
   static void Dump(const XCONFIGMGR_CONNECTION_REQUEST_T& request);
+  // Packs the "Param Changed Event" of an integer change into `out` (44
+  // bytes) and traces it.
+  static void PackChangedEvent(uint32_t connectionID, uint32_t configID, uint32_t paramID,
+                               uint32_t value, char* out);
   static void Dump(const XCONFIGMGR_CONNECTION_RESPONSE_T& response);
   static void Dump(const XCONFIGMGR_EVENT_HANDLER_REQUEST_T& request);
 

@@ -324,10 +324,8 @@ bool NetworkTCPConnection::PostEvent(bool text, unsigned int paramID, unsigned i
       return false;
     return _outbox->Post(bytes.data(), bytes.size());
   }
-  XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(connectionID, _config_id, paramID, value);
-  char record[sizeof changed];
-  Pack(changed, record);
-  ConnectionUtilities::Dump(changed);
+  char record[sizeof(XCONFIGMGR_RESPONSE_T)];
+  ConnectionUtilities::PackChangedEvent(connectionID, _config_id, paramID, value, record);
   return _outbox->Post(record, sizeof record);
 }
 

@@ -357,10 +357,8 @@ bool SocketConnection::PostEvent(bool text, unsigned int paramID, unsigned int v
     }
     return _outbox->Post(bytes.data(), bytes.size());
   }
-  XCONFIGMGR_RESPONSE_T changed = ParamChangedEvent(_connection_id, configID, paramID, value);
-  char record[sizeof changed];
-  Pack(changed, record);
-  ConnectionUtilities::Dump(changed);
+  char record[sizeof(XCONFIGMGR_RESPONSE_T)];
+  ConnectionUtilities::PackChangedEvent(_connection_id, configID, paramID, value, record);
   return _outbox->Post(record, sizeof record);
 }
 
