@@ -20,11 +20,11 @@
 // loop's periodic check when nothing more comes. kMaxQueuedBytes
 // is only a safety net against memory exhaustion, far above what a reading
 // client ever holds. A cut-off drops the queue and runs the failure callback
-// once, on the thread that found it, with the reason ("not drained for 5000
-// ms", "over 4194304 bytes", "send failed: Broken pipe"), with the outbox's
-// lock held so that Close waits for it: the callback must not block or
-// call the outbox (the connection prints its line and shuts its socket
-// down). Every later hand-over is refused.
+// once, on the thread that found it, with the reason ("queue not drained
+// for 5000 ms", "queue over 12582912 bytes", "send failed: Broken pipe"),
+// with the outbox's lock held so that Close waits for it: the callback must
+// not block or call the outbox (the connection prints its line and shuts
+// its socket down). Every later hand-over is refused.
 //
 // Ownership and threads: a connection makes its outbox with Make when it
 // first needs one and calls Close before it closes the socket. After Close returns no thread
@@ -57,8 +57,9 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
   // How long a client's queue may stay unemptied before it is cut off.
   static constexpr long kDefaultDrainLimitMs = 5000;
   // The safety net: queued bytes past which a client is cut off at once
-  // (about 95,000 integer events).
-  static constexpr size_t kMaxQueuedBytes = 4 * 1024 * 1024;
+  // (about 286,000 integer events: a burst of a writer's maximum that a
+  // reading client works through stays far below it).
+  static constexpr size_t kMaxQueuedBytes = 12 * 1024 * 1024;
   // Queued bytes are kept in blocks of up to this size, so a long queue
   // grows without copying what it already holds.
   static constexpr size_t kBlockSize = 64 * 1024;
