@@ -8,9 +8,18 @@ namespace configweb {
 bool Subscriber::Next(std::string& frames, long timeoutMs) {
   std::unique_lock<std::mutex> hold(_lock);
   _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs),
-                  [this] { return _closed || !_frames.empty(); });
-  if (_closed || _frames.empty()) return false;
+                  [this] { return _closed || _resync || !_frames.empty(); });
+  if (_closed || (!_resync && _frames.empty())) return false;
   frames.clear();
+  if (_resync) {
+    // Rendered after the flag is cleared: whatever is published from here
+    // on is queued behind it, and what was dropped is in the values.
+    _resync = false;
+    hold.unlock();
+    frames = _resyncSource ? _resyncSource()
+                           : EventFrame("resync", "{\"connected\":true,\"values\":[]}");
+    return true;
+  }
   for (const std::string& frame : _frames) frames += frame;
   _frames.clear();
   return true;
@@ -25,12 +34,22 @@ void Subscriber::Push(const std::string& frame, size_t limit) {
   {
     std::lock_guard<std::mutex> hold(_lock);
     if (_closed) return;
+    if (_resync) return;  // the resync frame will carry it
     if (_frames.size() >= limit) {
-      _closed = true;
+      _resync = true;
       _frames.clear();
     } else {
       _frames.push_back(frame);
     }
+  }
+  _ready.notify_one();
+}
+
+void Subscriber::Resync() {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    _resync = true;
+    _frames.clear();
   }
   _ready.notify_one();
 }
@@ -46,7 +65,7 @@ void Subscriber::Close() {
 std::shared_ptr<Subscriber> EventHub::Subscribe() {
   std::lock_guard<std::mutex> hold(_lock);
   if (_closed) return nullptr;
-  _subscribers.push_back(std::make_shared<Subscriber>());
+  _subscribers.push_back(std::make_shared<Subscriber>(_resyncSource));
   return _subscribers.back();
 }
 
@@ -60,6 +79,11 @@ void EventHub::Publish(const std::string& frame) {
   std::lock_guard<std::mutex> hold(_lock);
   for (const std::shared_ptr<Subscriber>& subscriber : _subscribers)
     subscriber->Push(frame, kQueueLimit);
+}
+
+void EventHub::ResyncAll() {
+  std::lock_guard<std::mutex> hold(_lock);
+  for (const std::shared_ptr<Subscriber>& subscriber : _subscribers) subscriber->Resync();
 }
 
 void EventHub::Close() {
