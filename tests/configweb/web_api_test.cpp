@@ -2,7 +2,14 @@
 // menu order, get and set with the store's clamping and refusals, every
 // kind of bad request, changes made elsewhere arriving on the stream, and
 // the loss and return of configd.
+#include <arpa/inet.h>
+#include <dirent.h>
+#include <netinet/in.h>
 #include <signal.h>
+#include <sys/socket.h>
+
+#include "config/access/socket_factory.h"
+#include "config/config.h"
 
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_groups.h"
@@ -17,6 +24,26 @@ namespace {
 constexpr int kEventMs = 10000;
 
 std::string Value(const HttpReply& reply) { return reply.json.get<std::string>("value", "?"); }
+
+// Shuts down every socket of this process connected to 127.0.0.1:`port`:
+// configweb's link to configd breaks as when configd cuts it, while configd
+// stays up. The number of sockets cut.
+int CutConnectionsTo(int port) {
+  int cut = 0;
+  DIR* fds = opendir("/proc/self/fd");
+  if (fds == nullptr) return 0;
+  while (dirent* entry = readdir(fds)) {
+    int fd = atoi(entry->d_name);
+    sockaddr_in peer{};
+    socklen_t length = sizeof peer;
+    if (fd <= 2 || getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+    if (peer.sin_family == AF_INET && ntohs(peer.sin_port) == port &&
+        ::shutdown(fd, SHUT_RDWR) == 0)
+      ++cut;
+  }
+  closedir(fds);
+  return cut;
+}
 
 }  // namespace
 
@@ -165,6 +192,68 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
   EXPECT_EQ(200, Get("/api/groups/2").status);
+}
+
+// A writer pipelining Sets as fast as configd takes them: every stream ends
+// on the last value, and none is told configd was lost.
+TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
+  std::vector<std::unique_ptr<EventStream>> streams(3);
+  for (auto& stream : streams) {
+    stream = std::make_unique<EventStream>();
+    ASSERT_TRUE(stream->Open(server->GetPort()));
+    ASSERT_TRUE(stream->WaitFor("\"connected\":true", kEventMs));
+  }
+  zyn::config::access::SocketFactory factory;
+  Config* writer = factory.Connect(daemon.Uri());
+  ASSERT_NE(nullptr, writer);
+  constexpr int kSets = 20000;
+  for (int i = 0; i < kSets; ++i)
+    ASSERT_TRUE(writer->Set(tools_test::kSystemName, "fast-" + std::to_string(i)));
+  std::string last = "\"fast-" + std::to_string(kSets - 1) + "\"";
+  for (size_t i = 0; i < streams.size(); ++i) {
+    EXPECT_TRUE(streams[i]->WaitFor(last, 60000)) << "stream " << i << " missed the last value";
+    EXPECT_EQ(0, streams[i]->lostFrames) << "stream " << i << " was told configd was lost";
+  }
+  factory.Disconnect(writer);
+}
+
+TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  ASSERT_EQ(200, Put("/api/params/SystemName", "{\"value\":\"before-cut\"}").status);
+  ASSERT_TRUE(stream.WaitFor("before-cut", kEventMs));
+  ASSERT_GT(CutConnectionsTo(daemon.port), 0);
+  std::string data;
+  ASSERT_TRUE(stream.WaitFor("\"values\":", kEventMs, &data)) << "no resync frame";
+  EXPECT_TRUE(Has(data, "\"connected\":true")) << data;
+  EXPECT_TRUE(Has(data, "\"value\":\"before-cut\"")) << "values the page was sent: " << data;
+  bool seen = false;  // the new event registration is taken asynchronously
+  for (int attempt = 0; attempt < 50 && !seen; ++attempt) {
+    Ctl({"set", "SystemName", "after-cut-" + std::to_string(attempt)});
+    seen = stream.WaitFor("after-cut-", 200);
+  }
+  EXPECT_TRUE(seen) << "changes after the cut did not arrive";
+  EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
+}
+
+// Open streams have their own limit: at it, a request is still served and
+// only another stream is refused.
+TEST_F(WebTest, StreamsAtTheirLimitDoNotKeepRequestsOut) {
+  configweb::EventHub otherHub;
+  configweb::HttpServer limited(
+      *api, otherHub, [this] { return session->StatusFrame(); },
+      configweb::HttpServer::kMaxConnections);
+  ASSERT_TRUE(limited.Start("127.0.0.1", 0));
+  std::vector<std::unique_ptr<EventStream>> streams(configweb::HttpServer::kMaxConnections);
+  for (auto& stream : streams) {
+    stream = std::make_unique<EventStream>();
+    ASSERT_TRUE(stream->Open(limited.GetPort()));
+    ASSERT_TRUE(stream->WaitFor("\"connected\":true", kEventMs));
+  }
+  EXPECT_EQ(200, Request(limited.GetPort(), "GET", "/api/params/SystemName").status);
+  EXPECT_EQ(503, Request(limited.GetPort(), "GET", "/api/events").status);
+  limited.Stop();
 }
 
 TEST_F(WebTest, ReadOnlyAndBadValuesAreRefusedBeforeAnythingIsStored) {
