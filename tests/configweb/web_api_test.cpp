@@ -163,6 +163,12 @@ TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
   }
   ASSERT_TRUE(seen) << "no change arrived";
   EXPECT_NE(std::string::npos, data.find("\"param\":\"eParamID_SystemName\"")) << data;
+  // Reads are answered from values the events keep current: once the page
+  // has the change, so has a read.
+  Get("/api/params/SystemName");
+  Ctl({"set", "SystemName", "read-after"});
+  ASSERT_TRUE(stream.WaitFor("read-after", kEventMs));
+  EXPECT_EQ("read-after", Value(Get("/api/params/SystemName")));
 
   EventStream second;
   ASSERT_TRUE(second.Open(server->GetPort()));

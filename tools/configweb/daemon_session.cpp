@@ -53,6 +53,7 @@ bool DaemonSession::Forwarder::ParamChanged(eParam_t id, unsigned int value, tim
   change.id = id;
   change.value.number = value;
   change.when = when;
+  _cache.Changed(id, change.value);
   _batcher.Record(std::move(change));
   return true;
 }
@@ -63,6 +64,7 @@ bool DaemonSession::Forwarder::ParamChanged(eParam_t id, std::string value, time
   change.value.isString = true;
   change.value.text = std::move(value);
   change.when = when;
+  _cache.Changed(id, change.value);
   _batcher.Record(std::move(change));
   return true;
 }
@@ -72,7 +74,7 @@ DaemonSession::DaemonSession(std::string uri, EventHub& hub, long checkMs)
       _hub(hub),
       _checkMs(checkMs),
       _batcher(hub, [this] { return _linked.load(); }),
-      _forwarder(_batcher) {}
+      _forwarder(_batcher, _cache) {}
 
 DaemonSession::~DaemonSession() { Stop(); }
 
@@ -110,6 +112,23 @@ bool DaemonSession::WithConfig(const std::function<void(Config*)>& work) {
   return true;
 }
 
+bool DaemonSession::ReadValue(const ParamDescriptor* descriptor, ParamValue& value, bool& read) {
+  unsigned int id = descriptor->GetParamID();
+  if (_cache.Find(id, value)) {
+    read = true;
+    return true;
+  }
+  std::lock_guard<std::mutex> hold(_lock);
+  if (!_connected) return false;
+  uint64_t ticket = _cache.Ticket();
+  read = configctl::ReadValue(_link.requests, descriptor, value);
+  // A generic parameter's value follows its selector, which its events do
+  // not cover: it is always read.
+  auto* mapping = dynamic_cast<zyn::boxline::config::access::MappingConfig*>(_link.requests);
+  if (read && mapping != nullptr && mapping->MapID(id) == id) _cache.Fill(id, value, ticket);
+  return true;
+}
+
 bool DaemonSession::IsConnected() {
   std::lock_guard<std::mutex> hold(_lock);
   return _connected;
@@ -139,6 +158,7 @@ bool DaemonSession::ConnectLocked() {
 void DaemonSession::DropLocked() {
   if (_link.events != nullptr) _link.events->RemoveConfigEventListener(&_forwarder);
   ClosePageLink(_factory, _link);
+  _cache.Reset();
   _connected = false;
   _linked = false;
 }

@@ -30,8 +30,10 @@
 #include "config/access/socket_factory.h"
 #include "config/config_event_listener.h"
 #include "configweb/change_batcher.h"
+#include "configweb/value_cache.h"
 
 class Config;
+class ParamDescriptor;
 class EventLossCounter;
 
 namespace zyn {
@@ -93,6 +95,12 @@ class DaemonSession {
   // Runs `work` on the request connection while holding it; false (and
   // `work` not run) when configd is not connected.
   bool WithConfig(const std::function<void(Config*)>& work);
+  // The current value of `descriptor`'s parameter, from the value cache
+  // when it holds it, else read through the request connection. False when
+  // configd is not connected; otherwise `read` says whether a value came.
+  bool ReadValue(const ParamDescriptor* descriptor, configctl::ParamValue& value, bool& read);
+  // Makes the next read of `id` go to configd (after a set through it).
+  void ForgetValue(unsigned int id) { _cache.Forget(id); }
   bool IsConnected();
   const std::string& GetUri() const { return _uri; }
   // The "daemon" frame for the current state, which a new stream starts with.
@@ -101,12 +109,13 @@ class DaemonSession {
  private:
   class Forwarder : public ConfigEventListener {
    public:
-    explicit Forwarder(ChangeBatcher& batcher) : _batcher(batcher) {}
+    Forwarder(ChangeBatcher& batcher, ValueCache& cache) : _batcher(batcher), _cache(cache) {}
     bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
     bool ParamChanged(eParam_t id, std::string value, timeval when) override;
 
    private:
     ChangeBatcher& _batcher;
+    ValueCache& _cache;
   };
 
   // Both connections, or neither; call with _lock held.
@@ -124,6 +133,7 @@ class DaemonSession {
   EventHub& _hub;
   const long _checkMs;
   ChangeBatcher _batcher;
+  ValueCache _cache;  // valid only while _link is; reset with it
   Forwarder _forwarder;  // registered with _link.events while connected
   zyn::config::access::SocketFactory _factory;
 
