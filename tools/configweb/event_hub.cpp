@@ -5,24 +5,47 @@
 
 namespace configweb {
 
+void Subscriber::SetDirectWriter(DirectWriter writer) {
+  std::lock_guard<std::mutex> hold(_lock);
+  _direct = std::move(writer);
+}
+
 bool Subscriber::Next(std::string& frames, long timeoutMs) {
   std::unique_lock<std::mutex> hold(_lock);
-  _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs),
-                  [this] { return _closed || _resync || !_frames.empty(); });
-  if (_closed || (!_resync && _frames.empty())) return false;
-  frames.clear();
+  auto pending = [this] { return !_partial.empty() || _resync || !_frames.empty(); };
+  _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs), [&] {
+    return _closed || (pending() && _writer != Writer::kPublisher);
+  });
+  // A direct write is a non-blocking send: it ends at once.
+  _ready.wait(hold, [this] { return _closed || _writer != Writer::kPublisher; });
+  if (_closed) return false;
+  _writer = Writer::kStream;
+  frames.swap(_partial);
+  _partial.clear();
   if (_resync) {
     // Rendered after the flag is cleared: whatever is published from here
     // on is queued behind it, and what was dropped is in the values.
     _resync = false;
     hold.unlock();
-    frames = _resyncSource ? _resyncSource()
-                           : EventFrame("resync", "{\"connected\":true,\"values\":[]}");
+    frames += _resyncSource ? _resyncSource()
+                            : EventFrame("resync", "{\"connected\":true,\"values\":[]}");
+    return true;
+  }
+  if (frames.empty() && _frames.empty()) {
+    frames = ": idle\n\n";
     return true;
   }
   for (const std::string& frame : _frames) frames += frame;
   _frames.clear();
   return true;
+}
+
+void Subscriber::Written() {
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    _writer = Writer::kNone;
+  }
+  _ready.notify_one();
 }
 
 bool Subscriber::Closed() {
@@ -32,10 +55,27 @@ bool Subscriber::Closed() {
 
 void Subscriber::Push(const std::string& frame, size_t limit) {
   {
-    std::lock_guard<std::mutex> hold(_lock);
+    std::unique_lock<std::mutex> hold(_lock);
     if (_closed) return;
     if (_resync) return;  // the resync frame will carry it
-    if (_frames.size() >= limit) {
+    if (_direct && _writer == Writer::kNone && _partial.empty() && _frames.empty()) {
+      _writer = Writer::kPublisher;
+      hold.unlock();
+      long sent = _direct(frame.data(), frame.size());
+      hold.lock();
+      _writer = Writer::kNone;
+      if (sent > 0) {
+        // Begun on the wire: the rest goes out before anything else.
+        _partial = frame.substr(static_cast<size_t>(sent));
+        if (_partial.empty()) {
+          hold.unlock();
+          _ready.notify_one();  // the stream thread may wait for the writer
+          return;
+        }
+      } else {
+        _frames.push_back(frame);
+      }
+    } else if (_frames.size() >= limit) {
       _resync = true;
       _frames.clear();
     } else {

@@ -29,28 +29,45 @@ namespace configweb {
 
 class Subscriber {
  public:
+  // Writes bytes to the stream's peer without blocking: how many went out,
+  // or -1.
+  using DirectWriter = std::function<long(const char* bytes, size_t length)>;
+
   explicit Subscriber(std::function<std::string()> resyncSource)
       : _resyncSource(std::move(resyncSource)) {}
 
+  // Lets Publish write a frame straight to the peer when nothing is queued
+  // and the stream thread is not writing, which spares a thread wake-up per
+  // frame; what does not go out at once is queued as usual. Set once, from
+  // the stream thread, before the first Next.
+  void SetDirectWriter(DirectWriter writer);
   // Waits up to `timeoutMs` for frames and moves all pending ones, joined,
-  // into `frames` (a resync frame alone when the queue was dropped). False
-  // when none came in time or the subscriber is closed (then Closed() says
-  // so).
+  // into `frames` (a resync frame alone when the queue was dropped), or an
+  // idle comment when none came in time. The caller then writes `frames`
+  // and calls Written; until then no frame is written directly. False when
+  // the subscriber is closed.
   bool Next(std::string& frames, long timeoutMs);
+  void Written();
   bool Closed();
 
  private:
   friend class EventHub;
+  // Who is writing to the peer.
+  enum class Writer { kNone, kStream, kPublisher };
+
   void Push(const std::string& frame, size_t limit);
   void Resync();
   void Close();
 
   const std::function<std::string()> _resyncSource;
+  DirectWriter _direct;  // set once under _lock, then only read
   std::mutex _lock;
   std::condition_variable _ready;
+  std::string _partial;             // the unsent end of a direct write; guarded by _lock
   std::deque<std::string> _frames;  // guarded by _lock
   bool _resync = false;             // guarded by _lock; _frames is then empty
   bool _closed = false;             // guarded by _lock
+  Writer _writer = Writer::kNone;   // guarded by _lock
 };
 
 class EventHub {

@@ -270,15 +270,18 @@ void HttpServer::Stream(Connection& connection) {
       "Cache-Control: no-store\r\nConnection: close\r\n\r\nretry: 1000\n\n" +
       _greeting();
   bool open = WriteAll(connection, head);
+  // Until Unsubscribe returns, the socket is open: the connection closes it
+  // only after this.
+  int fd = connection.fd;
+  subscriber->SetDirectWriter([fd](const char* bytes, size_t length) {
+    return static_cast<long>(::send(fd, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL));
+  });
+  // Next gives an idle comment when nothing came for a while, which also
+  // finds clients that have gone away.
   std::string frames;
-  while (open) {
-    if (subscriber->Next(frames, kStreamIdleMs)) {
-      open = WriteAll(connection, frames);
-    } else if (subscriber->Closed()) {
-      break;
-    } else {
-      open = WriteAll(connection, ": idle\n\n");
-    }
+  while (open && subscriber->Next(frames, kStreamIdleMs)) {
+    open = WriteAll(connection, frames);
+    subscriber->Written();
   }
   _hub.Unsubscribe(subscriber);
 }
