@@ -177,7 +177,8 @@ void DaemonSession::ResyncLocked() {
     ChangeBatcher::Change change;
     change.id = id;
     change.when = now;
-    if (configctl::ReadValue(_link.requests, GetDescriptor(id), change.value))
+    const ParamDescriptor* descriptor = GetDescriptor(id);
+    if (descriptor != nullptr && configctl::ReadValue(_link.requests, descriptor, change.value))
       current.push_back(std::move(change));
   }
   _batcher.Resync(current);
