@@ -242,12 +242,13 @@ void RunPhase(const char* name, Phase& phase, int sets, long paceUs, Config* wri
   }
   Figures stream = Summarise(streamUs, seconds);
   Figures listener = Summarise(listenerUs, seconds);
-  printf("op=%s sets=%d write_sets/s=%.0f streams=%zu on_final=%d/%zu lost_frames=%d "
-         "closed=%d resyncs=%d samples=%zu stream_p50_us=%.1f stream_p99_us=%.1f "
-         "listener_p50_us=%.1f listener_p99_us=%.1f p50_ratio=%.2f\n",
-         name, sets, sets / writeSeconds, readers.size(), onFinal, readers.size(), lost, closed,
-         resyncs, streamUs.size(), stream.p50, stream.p99, listener.p50, listener.p99,
-         listener.p50 > 0 ? stream.p50 / listener.p50 : 0.0);
+  printf(
+      "op=%s sets=%d write_sets/s=%.0f streams=%zu on_final=%d/%zu lost_frames=%d "
+      "closed=%d resyncs=%d samples=%zu stream_p50_us=%.1f stream_p99_us=%.1f "
+      "listener_p50_us=%.1f listener_p99_us=%.1f p50_ratio=%.2f\n",
+      name, sets, sets / writeSeconds, readers.size(), onFinal, readers.size(), lost, closed,
+      resyncs, streamUs.size(), stream.p50, stream.p99, listener.p50, listener.p99,
+      listener.p50 > 0 ? stream.p50 / listener.p50 : 0.0);
   fflush(stdout);
 }
 

@@ -87,11 +87,16 @@ int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
     bool value = i + 1 < argc;
-    if (arg == "--probe") options.probe = true;
-    else if (arg == "--port" && value) options.port = atoi(argv[++i]);
-    else if (arg == "--path" && value) options.path = argv[++i];
-    else if (arg == "--connections" && value) options.connections = atoi(argv[++i]);
-    else if (arg == "--seconds" && value) options.seconds = atof(argv[++i]);
+    if (arg == "--probe")
+      options.probe = true;
+    else if (arg == "--port" && value)
+      options.port = atoi(argv[++i]);
+    else if (arg == "--path" && value)
+      options.path = argv[++i];
+    else if (arg == "--connections" && value)
+      options.connections = atoi(argv[++i]);
+    else if (arg == "--seconds" && value)
+      options.seconds = atof(argv[++i]);
     else {
       fprintf(stderr,
               "usage: http_get_load --port P [--path PATH] [--connections K] [--seconds S] "
@@ -149,9 +154,10 @@ int main(int argc, char** argv) {
   std::vector<double> all;
   for (const auto& one : latencies) all.insert(all.end(), one.begin(), one.end());
   Figures figures = Summarise(all, seconds);
-  printf("op=get connections=%d seconds=%.1f ops/s=%.0f p50_us=%.1f p99_us=%.1f body_bytes=%zu "
-         "failures=%ld\n",
-         options.connections, seconds, figures.opsPerSecond, figures.p50, figures.p99,
-         bodyBytes.load(), failures.load());
+  printf(
+      "op=get connections=%d seconds=%.1f ops/s=%.0f p50_us=%.1f p99_us=%.1f body_bytes=%zu "
+      "failures=%ld\n",
+      options.connections, seconds, figures.opsPerSecond, figures.p50, figures.p99,
+      bodyBytes.load(), failures.load());
   return failures == 0 ? 0 : 1;
 }

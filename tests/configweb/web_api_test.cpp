@@ -10,7 +10,6 @@
 
 #include "config/access/socket_factory.h"
 #include "config/config.h"
-
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_groups.h"
 #include "web_fixture.h"

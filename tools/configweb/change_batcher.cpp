@@ -82,8 +82,8 @@ std::string ChangeBatcher::ResyncFrame() {
     std::lock_guard<std::mutex> hold(_lock);
     latest = _latest;
   }
-  std::string data = std::string("{\"connected\":") + (_connected() ? "true" : "false") +
-                     ",\"values\":[";
+  std::string data =
+      std::string("{\"connected\":") + (_connected() ? "true" : "false") + ",\"values\":[";
   AppendChanges(data, latest);
   return EventFrame("resync", data + "]}");
 }

@@ -187,8 +187,7 @@ void DaemonSession::ResyncLocked() {
 void DaemonSession::ReconnectLocked() {
   DropLocked();
   if (ConnectLocked()) {
-    fprintf(stderr, "configweb: the link to configd at %s broke; connected again\n",
-            _uri.c_str());
+    fprintf(stderr, "configweb: the link to configd at %s broke; connected again\n", _uri.c_str());
     ResyncLocked();
     return;
   }

@@ -133,7 +133,7 @@ class DaemonSession {
   EventHub& _hub;
   const long _checkMs;
   ChangeBatcher _batcher;
-  ValueCache _cache;  // valid only while _link is; reset with it
+  ValueCache _cache;     // valid only while _link is; reset with it
   Forwarder _forwarder;  // registered with _link.events while connected
   zyn::config::access::SocketFactory _factory;
 

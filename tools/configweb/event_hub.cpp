@@ -13,9 +13,8 @@ void Subscriber::SetDirectWriter(DirectWriter writer) {
 bool Subscriber::Next(std::string& frames, long timeoutMs) {
   std::unique_lock<std::mutex> hold(_lock);
   auto pending = [this] { return !_partial.empty() || _resync || !_frames.empty(); };
-  _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs), [&] {
-    return _closed || (pending() && _writer != Writer::kPublisher);
-  });
+  _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                  [&] { return _closed || (pending() && _writer != Writer::kPublisher); });
   // A direct write is a non-blocking send: it ends at once.
   _ready.wait(hold, [this] { return _closed || _writer != Writer::kPublisher; });
   if (_closed) return false;

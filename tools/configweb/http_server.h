@@ -97,8 +97,8 @@ class HttpServer {
   std::mutex _lock;
   std::condition_variable _wake;
   std::list<std::unique_ptr<Connection>> _connections;  // guarded by _lock
-  size_t _streams = 0;  // connections serving a stream; guarded by _lock
-  bool _stopping = false;                               // guarded by _lock
+  size_t _streams = 0;     // connections serving a stream; guarded by _lock
+  bool _stopping = false;  // guarded by _lock
 };
 
 // Splits "ADDR:PORT" ("[::1]:8080" for IPv6). False when it is malformed.
