@@ -339,6 +339,37 @@ TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorCl
   EXPECT_EQ(nullptr, hub.Subscribe()) << "a closed hub takes no subscribers";
 }
 
+// Frames written straight to an idle stream's peer: what the socket did not
+// take goes out first, and nothing is written directly while the stream
+// thread writes.
+TEST(EventHubTest, DirectWritesKeepTheStreamsBytesInOrder) {
+  configweb::EventHub hub;
+  auto subscriber = hub.Subscribe();
+  std::string wire;
+  long room = 3;
+  subscriber->SetDirectWriter([&](const char* bytes, size_t length) {
+    long n = std::min(room, static_cast<long>(length));
+    wire.append(bytes, static_cast<size_t>(n));
+    room -= n;
+    return n > 0 ? n : -1;
+  });
+  hub.Publish("abcde");
+  hub.Publish("fg");
+  std::string frames;
+  ASSERT_TRUE(subscriber->Next(frames, 0));
+  EXPECT_EQ("abc", wire);
+  EXPECT_EQ("defg", frames) << "the rest of a cut frame comes first";
+  room = 100;
+  hub.Publish("h");
+  EXPECT_EQ("abc", wire) << "written directly while the stream thread writes";
+  subscriber->Written();
+  ASSERT_TRUE(subscriber->Next(frames, 0));
+  EXPECT_EQ("h", frames);
+  subscriber->Written();
+  hub.Publish("i");
+  EXPECT_EQ("abci", wire);
+}
+
 TEST(ListenAddressTest, AddressAndPortAreSplitAndChecked) {
   std::string address;
   int port = 0;
