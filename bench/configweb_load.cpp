@@ -1,33 +1,37 @@
 // Load tool for configweb's event stream. It starts a store and a socket
 // server in this process, configweb's session, API and HTTP server on free
-// loopback ports, and opens N event streams (default 20). Two runs, one
-// line each:
-//   op=stream streams=20 seconds=3 ops/s=... per_stream_ops/s=... lost=0
-//     a writer sets a string parameter as fast as the store takes it; ops/s
-//     is the events every stream received per second (the slowest stream),
-//   op=latency streams=20 sets=2000 p50_us=... p99_us=...
-//     one set at a time through a socket client (the path configctl takes),
-//     timed until the change has arrived on every stream,
-// and a baseline line, op=latency-listener, for the same sets seen by a
-// plain event connection of the library without configweb in between.
+// loopback ports, N event streams (default 20, SSE over HTTP) and, as the
+// baseline of the same run, one plain listener: the library's socket client
+// registered with the server directly. Every value set carries its number,
+// and the send time of each number is kept, so that every change a reader
+// sees is a latency sample. Two phases, one line each:
+//   op=flood   a writer pipelines --sets string Sets (default 100000, the
+//              writer's maximum) without waiting for anything;
+//   op=paced   --paced Sets (default 500), one every --pace-ms (default 20),
+//              the rate of a person or a panel working the unit.
+// Each line says how many streams ended on the final value, the frames that
+// falsely said configd was lost and the streams closed under the reader
+// (both must be 0), the resync frames, and the streams' p50/p99 latency
+// against the plain listener's for the same changes, with the p50 ratio.
+// Streams coalesce: they see the latest value per frame, not every one, so
+// the listener is sampled at exactly the changes the streams saw.
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "config/access/socket_client.h"
 #include "config/access/socket_connection.h"
 #include "config/access/socket_factory.h"
 #include "config/access/socket_server.h"
@@ -40,6 +44,7 @@
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
 #include "configweb/web_api.h"
+#include "load_figures.h"
 
 using namespace zyn::config::access;
 using Clock = std::chrono::steady_clock;
@@ -47,25 +52,45 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr int kMaxSets = 100000;
+constexpr long kSettleMs = 20000;  // how long the readers may take to catch up
 
 long long NowUs() {
   return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now().time_since_epoch())
       .count();
 }
 
-// The send time of each numbered set, read by the stream readers.
-std::vector<std::atomic<long long>> g_sentUs(kMaxSets);
+// One phase: the value prefix, the send time of each number and when the
+// plain listener saw it.
+struct Phase {
+  explicit Phase(const char* valuePrefix)
+      : prefix(valuePrefix), sentUs(kMaxSets), listenerUs(kMaxSets) {}
+  const std::string prefix;  // "f-" or "p-"
+  std::vector<std::atomic<long long>> sentUs;
+  std::vector<std::atomic<long long>> listenerUs;
+};
 
-// The number after `tag` in a text value ("lat-17"), or -1.
-long SetNumber(const char* text, size_t length, const char* tag) {
-  std::string view(text, length);
-  size_t at = view.find(tag);
-  if (at == std::string::npos) return -1;
-  return strtol(view.c_str() + at + strlen(tag), nullptr, 10);
+std::atomic<Phase*> g_phase{nullptr};
+// Readers signal progress here; the main thread blocks on it.
+std::mutex g_progressLock;
+std::condition_variable g_progress;
+
+void Progress() {
+  { std::lock_guard<std::mutex> hold(g_progressLock); }
+  g_progress.notify_all();
 }
 
-// One page's stream: counts throughput frames and records each latency set
-// it sees.
+// Every number after `tag` in `text` (a frame may hold several changes).
+template <typename Each>
+void ForEachNumber(const char* text, size_t length, const std::string& tag, Each each) {
+  std::string view(text, length);
+  for (size_t at = view.find(tag); at != std::string::npos; at = view.find(tag, at + 1)) {
+    char* end = nullptr;
+    long number = strtol(view.c_str() + at + tag.size(), &end, 10);
+    if (end != nullptr && *end == '"' && number >= 0 && number < kMaxSets) each(number);
+  }
+}
+
+// One page's stream, read on its own thread with blocking reads.
 class PageStream {
  public:
   bool Open(int port) {
@@ -81,13 +106,29 @@ class PageStream {
     return true;
   }
   void Close() {
+    closing = true;
     shutdown(_fd, SHUT_RDWR);
     if (_thread.joinable()) _thread.join();
     close(_fd);
   }
-  std::atomic<long> throughputFrames{0};
-  std::atomic<long> lastLatencySet{-1};
-  std::vector<float> latenciesUs;  // written by the reader, read after Close
+  // Starts a phase's counts afresh; call while no phase is being written.
+  void Reset() {
+    std::lock_guard<std::mutex> hold(lock);
+    last = -1;
+    lostFrames = resyncFrames = 0;
+    samples.clear();
+    latencyUs.clear();
+  }
+
+  std::atomic<bool> connected{false};
+  std::atomic<bool> closedUnderUs{false};
+  std::atomic<bool> closing{false};
+  std::mutex lock;
+  long last = -1;  // the last number seen this phase; guarded by lock
+  int lostFrames = 0;
+  int resyncFrames = 0;
+  std::vector<long> samples;      // numbers seen, in order; guarded by lock
+  std::vector<double> latencyUs;  // guarded by lock
 
  private:
   void Run() {
@@ -95,73 +136,135 @@ class PageStream {
     char chunk[65536];
     for (;;) {
       ssize_t n = recv(_fd, chunk, sizeof chunk, 0);
-      if (n <= 0) return;
+      if (n <= 0) {
+        if (!closing) closedUnderUs = true;
+        Progress();
+        return;
+      }
       long long now = NowUs();
       buffer.append(chunk, static_cast<size_t>(n));
       size_t start = 0;
       size_t end;
-      while ((end = buffer.find("\n\n", start)) != std::string::npos) {
-        const char* frame = buffer.data() + start;
-        size_t length = end - start;
-        if (SetNumber(frame, length, "\"tp-") >= 0) ++throughputFrames;
-        long set = SetNumber(frame, length, "\"lat-");
-        if (set >= 0 && set < kMaxSets) {
-          latenciesUs.push_back(static_cast<float>(now - g_sentUs[set].load()));
-          lastLatencySet = set;
+      Phase* phase = g_phase;
+      {
+        std::lock_guard<std::mutex> hold(lock);
+        while ((end = buffer.find("\n\n", start)) != std::string::npos) {
+          const char* frame = buffer.data() + start;
+          size_t length = end - start;
+          std::string text(frame, length);
+          if (text.find("\"connected\":true") != std::string::npos) connected = true;
+          if (text.find("\"connected\":false") != std::string::npos) ++lostFrames;
+          if (text.compare(0, 13, "event: resync") == 0) ++resyncFrames;
+          if (phase != nullptr)
+            ForEachNumber(frame, length, "\"" + phase->prefix, [&](long number) {
+              latencyUs.push_back(static_cast<double>(now - phase->sentUs[number].load()));
+              samples.push_back(number);
+              last = number;
+            });
+          start = end + 2;
         }
-        start = end + 2;
       }
       buffer.erase(0, start);
+      Progress();
     }
   }
   int _fd = -1;
   std::thread _thread;
 };
 
-// The baseline: the library's own event connection.
+// The baseline: the library's own event connection, straight to the server.
 class Baseline : public ConfigEventListener {
  public:
   bool ParamChanged(eParam_t, unsigned int, timeval) override { return true; }
   bool ParamChanged(eParam_t, std::string value, timeval) override {
-    long set = SetNumber(value.data(), value.size(), "lat-");
-    if (set >= 0 && set < kMaxSets) {
-      latenciesUs.push_back(static_cast<float>(NowUs() - g_sentUs[set].load()));
-      last = set;
+    long long now = NowUs();
+    Phase* phase = g_phase;
+    if (phase == nullptr) return true;
+    if (value.compare(0, phase->prefix.size(), phase->prefix) != 0) return true;
+    long number = strtol(value.c_str() + phase->prefix.size(), nullptr, 10);
+    if (number >= 0 && number < kMaxSets) {
+      phase->listenerUs[number] = now - phase->sentUs[number].load();
+      last = number;
+      Progress();
     }
     return true;
   }
-  std::vector<float> latenciesUs;
   std::atomic<long> last{-1};
 };
 
-float Percentile(std::vector<float> all, double p) {
-  if (all.empty()) return 0;
-  std::sort(all.begin(), all.end());
-  return all[std::min(all.size() - 1, static_cast<size_t>(p * all.size()))];
-}
-
-// Waits until `done` holds, at most `ms`.
+// Blocks until `done` holds or `ms` pass; readers call Progress on news.
 template <typename Done>
 bool WaitUntil(Done done, long ms) {
-  auto deadline = Clock::now() + std::chrono::milliseconds(ms);
-  while (!done()) {
-    if (Clock::now() > deadline) return false;
-    std::this_thread::yield();
+  std::unique_lock<std::mutex> hold(g_progressLock);
+  return g_progress.wait_for(hold, std::chrono::milliseconds(ms), done);
+}
+
+// Writes `sets` values of `phase`, `paceUs` apart (0: pipelined, as fast as
+// the connection takes them), waits for the readers and prints the line.
+void RunPhase(const char* name, Phase& phase, int sets, long paceUs, Config* writer,
+              Baseline& baseline, std::vector<std::unique_ptr<PageStream>>& readers) {
+  for (auto& reader : readers) reader->Reset();
+  g_phase = &phase;
+  auto start = Clock::now();
+  for (int i = 0; i < sets; ++i) {
+    if (paceUs > 0) std::this_thread::sleep_until(start + std::chrono::microseconds(paceUs * i));
+    phase.sentUs[i] = NowUs();
+    writer->Set(eParamID_SystemName, phase.prefix + std::to_string(i));
   }
-  return true;
+  double writeSeconds = std::chrono::duration<double>(Clock::now() - start).count();
+  long final = sets - 1;
+  auto ended = [&] {
+    if (baseline.last < final) return false;
+    for (auto& reader : readers) {
+      if (reader->closedUnderUs) continue;
+      std::lock_guard<std::mutex> hold(reader->lock);
+      if (reader->last != final) return false;
+    }
+    return true;
+  };
+  WaitUntil(ended, kSettleMs);
+  double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  g_phase = nullptr;
+
+  int onFinal = 0, lost = 0, closed = 0, resyncs = 0;
+  std::vector<double> streamUs, listenerUs;
+  for (auto& reader : readers) {
+    std::lock_guard<std::mutex> hold(reader->lock);
+    onFinal += reader->last == final;
+    lost += reader->lostFrames;
+    closed += reader->closedUnderUs;
+    resyncs += reader->resyncFrames;
+    streamUs.insert(streamUs.end(), reader->latencyUs.begin(), reader->latencyUs.end());
+    for (long number : reader->samples) {
+      long long heard = phase.listenerUs[number];
+      if (heard > 0) listenerUs.push_back(static_cast<double>(heard));
+    }
+  }
+  Figures stream = Summarise(streamUs, seconds);
+  Figures listener = Summarise(listenerUs, seconds);
+  printf(
+      "op=%s sets=%d write_sets/s=%.0f streams=%zu on_final=%d/%zu lost_frames=%d "
+      "closed=%d resyncs=%d samples=%zu stream_p50_us=%.1f stream_p99_us=%.1f "
+      "listener_p50_us=%.1f listener_p99_us=%.1f p50_ratio=%.2f\n",
+      name, sets, sets / writeSeconds, readers.size(), onFinal, readers.size(), lost, closed,
+      resyncs, streamUs.size(), stream.p50, stream.p99, listener.p50, listener.p99,
+      listener.p50 > 0 ? stream.p50 / listener.p50 : 0.0);
+  fflush(stdout);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   int streams = 20;
-  double seconds = 3;
-  int sets = 2000;
+  int sets = kMaxSets;
+  int paced = 500;
+  long paceMs = 20;
   for (int i = 1; i + 1 < argc; i += 2) {
     std::string option = argv[i];
     if (option == "--streams") streams = atoi(argv[i + 1]);
-    if (option == "--seconds") seconds = atof(argv[i + 1]);
     if (option == "--sets") sets = std::min(atoi(argv[i + 1]), kMaxSets);
+    if (option == "--paced") paced = std::min(atoi(argv[i + 1]), kMaxSets);
+    if (option == "--pace-ms") paceMs = atol(argv[i + 1]);
   }
   if (getenv("CONFIGWEB_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
 
@@ -176,73 +279,49 @@ int main(int argc, char** argv) {
   configweb::EventHub hub;
   configweb::DaemonSession session(uri, hub);
   configweb::WebApi api(session);
-  configweb::HttpServer web(api, hub, [&session] { return session.StatusFrame(); });
+  configweb::HttpServer web(
+      api, hub, [&session] { return session.StatusFrame(); }, static_cast<size_t>(streams));
   if (!session.Start() || !web.Start("127.0.0.1", 0)) return 1;
   std::vector<std::unique_ptr<PageStream>> readers;
   for (int i = 0; i < streams; ++i) {
     readers.push_back(std::make_unique<PageStream>());
     if (!readers.back()->Open(web.GetPort())) return 1;
   }
-  WaitUntil([&] { return hub.SubscriberCount() == static_cast<size_t>(streams); }, 5000);
+  WaitUntil(
+      [&] {
+        for (auto& reader : readers)
+          if (!reader->connected) return false;
+        return true;
+      },
+      5000);
 
   SocketFactory factory;
   Config* writer = factory.Connect(uri);
   SocketFactory baselineFactory;
   Config* listener = baselineFactory.Connect(uri);
   Baseline baseline;
-  listener->AddConfigEventListener(eParamID_SystemName, &baseline);
-
-  // Throughput: sets as fast as the store takes them.
-  long sent = 0;
-  auto start = Clock::now();
-  auto stop =
-      start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-  // Each set is followed by a read, as configctl does, which paces the
-  // writer at the store's request rate.
-  std::string kept;
-  while (Clock::now() < stop) {
-    writer->Set(eParamID_SystemName, "tp-" + std::to_string(sent++));
-    writer->Get(eParamID_SystemName, kept);
+  if (writer == nullptr || listener == nullptr ||
+      !listener->AddConfigEventListener(eParamID_SystemName, &baseline))
+    return 1;
+  // The registrations are taken asynchronously: one change seen by all
+  // before anything is measured.
+  Phase warm("w-");
+  g_phase = &warm;
+  for (int i = 0; i < 50 && baseline.last < 0; ++i) {
+    warm.sentUs[i] = NowUs();
+    writer->Set(eParamID_SystemName, "w-" + std::to_string(i));
+    WaitUntil([&] { return baseline.last >= 0; }, 100);
   }
-  WaitUntil(
-      [&] {
-        for (auto& reader : readers)
-          if (reader->throughputFrames < sent) return false;
-        return true;
-      },
-      5000);
-  double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
-  long slowest = sent;
-  for (auto& reader : readers) slowest = std::min(slowest, reader->throughputFrames.load());
-  printf("op=stream streams=%d seconds=%g sets/s=%.0f ops/s=%.0f per_stream_ops/s=%.0f lost=%ld\n",
-         streams, seconds, sent / elapsed, slowest * streams / elapsed, slowest / elapsed,
-         sent - slowest);
+  g_phase = nullptr;
 
-  // Latency: one set at a time, until every stream and the baseline have it.
-  int missed = 0;
-  for (int set = 0; set < sets && missed < 3; ++set) {
-    g_sentUs[set] = NowUs();
-    writer->Set(eParamID_SystemName, "lat-" + std::to_string(set));
-    missed += !WaitUntil(
-        [&] {
-          if (baseline.last < set) return false;
-          for (auto& reader : readers)
-            if (reader->lastLatencySet < set) return false;
-          return true;
-        },
-        2000);
-  }
+  auto flood = std::make_unique<Phase>("f-");
+  RunPhase("flood", *flood, sets, 0, writer, baseline, readers);
+  baseline.last = -1;
+  auto steady = std::make_unique<Phase>("p-");
+  RunPhase("paced", *steady, paced, paceMs * 1000, writer, baseline, readers);
+
   for (auto& reader : readers) reader->Close();
-  std::vector<float> all;
-  for (auto& reader : readers)
-    all.insert(all.end(), reader->latenciesUs.begin(), reader->latenciesUs.end());
   listener->RemoveConfigEventListener(&baseline);
-  printf("op=latency streams=%d sets=%d p50_us=%.1f p99_us=%.1f missed=%d\n", streams, sets,
-         Percentile(all, 0.50), Percentile(all, 0.99), missed);
-  printf("op=latency-listener sets=%d p50_us=%.1f p99_us=%.1f\n", sets,
-         Percentile(baseline.latenciesUs, 0.50), Percentile(baseline.latenciesUs, 0.99));
-  fflush(stdout);
-
   baselineFactory.Disconnect(listener);
   factory.Disconnect(writer);
   web.Stop();

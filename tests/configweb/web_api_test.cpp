@@ -2,8 +2,14 @@
 // menu order, get and set with the store's clamping and refusals, every
 // kind of bad request, changes made elsewhere arriving on the stream, and
 // the loss and return of configd.
+#include <arpa/inet.h>
+#include <dirent.h>
+#include <netinet/in.h>
 #include <signal.h>
+#include <sys/socket.h>
 
+#include "config/access/socket_factory.h"
+#include "config/config.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_groups.h"
 #include "web_fixture.h"
@@ -17,6 +23,26 @@ namespace {
 constexpr int kEventMs = 10000;
 
 std::string Value(const HttpReply& reply) { return reply.json.get<std::string>("value", "?"); }
+
+// Shuts down every socket of this process connected to 127.0.0.1:`port`:
+// configweb's link to configd breaks as when configd cuts it, while configd
+// stays up. The number of sockets cut.
+int CutConnectionsTo(int port) {
+  int cut = 0;
+  DIR* fds = opendir("/proc/self/fd");
+  if (fds == nullptr) return 0;
+  while (dirent* entry = readdir(fds)) {
+    int fd = atoi(entry->d_name);
+    sockaddr_in peer{};
+    socklen_t length = sizeof peer;
+    if (fd <= 2 || getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+    if (peer.sin_family == AF_INET && ntohs(peer.sin_port) == port &&
+        ::shutdown(fd, SHUT_RDWR) == 0)
+      ++cut;
+  }
+  closedir(fds);
+  return cut;
+}
 
 }  // namespace
 
@@ -136,6 +162,12 @@ TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
   }
   ASSERT_TRUE(seen) << "no change arrived";
   EXPECT_NE(std::string::npos, data.find("\"param\":\"eParamID_SystemName\"")) << data;
+  // Reads are answered from values the events keep current: once the page
+  // has the change, so has a read.
+  Get("/api/params/SystemName");
+  Ctl({"set", "SystemName", "read-after"});
+  ASSERT_TRUE(stream.WaitFor("read-after", kEventMs));
+  EXPECT_EQ("read-after", Value(Get("/api/params/SystemName")));
 
   EventStream second;
   ASSERT_TRUE(second.Open(server->GetPort()));
@@ -165,6 +197,68 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   ASSERT_TRUE(daemon.process->ReadLine(ready, tools_test::kStartMs)) << "configd did not restart";
   EXPECT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
   EXPECT_EQ(200, Get("/api/groups/2").status);
+}
+
+// A writer pipelining Sets as fast as configd takes them: every stream ends
+// on the last value, and none is told configd was lost.
+TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
+  std::vector<std::unique_ptr<EventStream>> streams(3);
+  for (auto& stream : streams) {
+    stream = std::make_unique<EventStream>();
+    ASSERT_TRUE(stream->Open(server->GetPort()));
+    ASSERT_TRUE(stream->WaitFor("\"connected\":true", kEventMs));
+  }
+  zyn::config::access::SocketFactory factory;
+  Config* writer = factory.Connect(daemon.Uri());
+  ASSERT_NE(nullptr, writer);
+  constexpr int kSets = 20000;
+  for (int i = 0; i < kSets; ++i)
+    ASSERT_TRUE(writer->Set(tools_test::kSystemName, "fast-" + std::to_string(i)));
+  std::string last = "\"fast-" + std::to_string(kSets - 1) + "\"";
+  for (size_t i = 0; i < streams.size(); ++i) {
+    EXPECT_TRUE(streams[i]->WaitFor(last, 60000)) << "stream " << i << " missed the last value";
+    EXPECT_EQ(0, streams[i]->lostFrames) << "stream " << i << " was told configd was lost";
+  }
+  factory.Disconnect(writer);
+}
+
+TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
+  EventStream stream;
+  ASSERT_TRUE(stream.Open(server->GetPort()));
+  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  ASSERT_EQ(200, Put("/api/params/SystemName", "{\"value\":\"before-cut\"}").status);
+  ASSERT_TRUE(stream.WaitFor("before-cut", kEventMs));
+  ASSERT_GT(CutConnectionsTo(daemon.port), 0);
+  std::string data;
+  ASSERT_TRUE(stream.WaitFor("\"values\":", kEventMs, &data)) << "no resync frame";
+  EXPECT_TRUE(Has(data, "\"connected\":true")) << data;
+  EXPECT_TRUE(Has(data, "\"value\":\"before-cut\"")) << "values the page was sent: " << data;
+  bool seen = false;  // the new event registration is taken asynchronously
+  for (int attempt = 0; attempt < 50 && !seen; ++attempt) {
+    Ctl({"set", "SystemName", "after-cut-" + std::to_string(attempt)});
+    seen = stream.WaitFor("after-cut-", 200);
+  }
+  EXPECT_TRUE(seen) << "changes after the cut did not arrive";
+  EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
+}
+
+// Open streams have their own limit: at it, a request is still served and
+// only another stream is refused.
+TEST_F(WebTest, StreamsAtTheirLimitDoNotKeepRequestsOut) {
+  configweb::EventHub otherHub;
+  configweb::HttpServer limited(
+      *api, otherHub, [this] { return session->StatusFrame(); },
+      configweb::HttpServer::kMaxConnections);
+  ASSERT_TRUE(limited.Start("127.0.0.1", 0));
+  std::vector<std::unique_ptr<EventStream>> streams(configweb::HttpServer::kMaxConnections);
+  for (auto& stream : streams) {
+    stream = std::make_unique<EventStream>();
+    ASSERT_TRUE(stream->Open(limited.GetPort()));
+    ASSERT_TRUE(stream->WaitFor("\"connected\":true", kEventMs));
+  }
+  EXPECT_EQ(200, Request(limited.GetPort(), "GET", "/api/params/SystemName").status);
+  EXPECT_EQ(503, Request(limited.GetPort(), "GET", "/api/events").status);
+  limited.Stop();
 }
 
 TEST_F(WebTest, ReadOnlyAndBadValuesAreRefusedBeforeAnythingIsStored) {
@@ -218,8 +312,9 @@ TEST_F(WebTest, HealthSaysWhetherConfigdKeepsItsSettings) {
   EXPECT_TRUE(Has(Get("/").body, "/api/health")) << "the page shows it";
 }
 
-TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsClosedNotGrown) {
+TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorClosed) {
   configweb::EventHub hub;
+  hub.SetResyncSource([] { return std::string("R"); });
   auto slow = hub.Subscribe();
   auto other = hub.Subscribe();
   std::string frames;
@@ -227,12 +322,52 @@ TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsClosedNotGrown) {
   ASSERT_TRUE(other->Next(frames, 0));
   EXPECT_EQ(configweb::EventHub::kQueueLimit, frames.size()) << "frames are joined in order";
   hub.Publish("g");
-  EXPECT_TRUE(slow->Closed());
-  EXPECT_FALSE(slow->Next(frames, 0));
-  EXPECT_FALSE(other->Closed());
+  hub.Publish("h");
+  EXPECT_FALSE(slow->Closed());
+  ASSERT_TRUE(slow->Next(frames, 0));
+  EXPECT_EQ("R", frames) << "the overflowing queue is replaced by one resync frame";
+  hub.Publish("i");
+  ASSERT_TRUE(slow->Next(frames, 0));
+  EXPECT_EQ("i", frames) << "frames after the resync follow it";
+  ASSERT_TRUE(other->Next(frames, 0));
+  EXPECT_EQ("ghi", frames) << "a subscriber that keeps up loses nothing";
+  hub.ResyncAll();
+  ASSERT_TRUE(other->Next(frames, 0));
+  EXPECT_EQ("R", frames);
   hub.Close();
   EXPECT_TRUE(other->Closed());
   EXPECT_EQ(nullptr, hub.Subscribe()) << "a closed hub takes no subscribers";
+}
+
+// Frames written straight to an idle stream's peer: what the socket did not
+// take goes out first, and nothing is written directly while the stream
+// thread writes.
+TEST(EventHubTest, DirectWritesKeepTheStreamsBytesInOrder) {
+  configweb::EventHub hub;
+  auto subscriber = hub.Subscribe();
+  std::string wire;
+  long room = 3;
+  subscriber->SetDirectWriter([&](const char* bytes, size_t length) {
+    long n = std::min(room, static_cast<long>(length));
+    wire.append(bytes, static_cast<size_t>(n));
+    room -= n;
+    return n > 0 ? n : -1;
+  });
+  hub.Publish("abcde");
+  hub.Publish("fg");
+  std::string frames;
+  ASSERT_TRUE(subscriber->Next(frames, 0));
+  EXPECT_EQ("abc", wire);
+  EXPECT_EQ("defg", frames) << "the rest of a cut frame comes first";
+  room = 100;
+  hub.Publish("h");
+  EXPECT_EQ("abc", wire) << "written directly while the stream thread writes";
+  subscriber->Written();
+  ASSERT_TRUE(subscriber->Next(frames, 0));
+  EXPECT_EQ("h", frames);
+  subscriber->Written();
+  hub.Publish("i");
+  EXPECT_EQ("abci", wire);
 }
 
 TEST(ListenAddressTest, AddressAndPortAreSplitAndChecked) {

@@ -77,6 +77,7 @@ bool EventStream::WaitFor(const std::string& text, int timeoutMs, std::string* d
       std::string frame = _buffer.substr(0, end);
       _buffer.erase(0, end + 2);
       size_t line = frame.find("data: ");
+      if (frame.find("\"connected\":false") != std::string::npos) ++lostFrames;
       if (line == std::string::npos || frame.find(text, line) == std::string::npos) continue;
       if (data != nullptr) *data = frame.substr(line + 6);
       return true;

@@ -37,6 +37,8 @@ class EventStream {
   // Reads frames until one whose data contains `text` arrives (true) or
   // `timeoutMs` pass; the frame's data line goes to `data`.
   bool WaitFor(const std::string& text, int timeoutMs, std::string* data = nullptr);
+  // Frames read so far that said configd was lost.
+  int lostFrames = 0;
 
  private:
   Socket _socket{Socket::kInternetDomain, Socket::kStream};

@@ -1,5 +1,8 @@
 #include "configweb/daemon_session.h"
 
+#include <sys/time.h>
+
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -46,22 +49,32 @@ void ClosePageLink(SocketFactory& factory, PageLink& link) {
 }
 
 bool DaemonSession::Forwarder::ParamChanged(eParam_t id, unsigned int value, timeval when) {
-  ParamValue change;
-  change.number = value;
-  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  ChangeBatcher::Change change;
+  change.id = id;
+  change.value.number = value;
+  change.when = when;
+  _cache.Changed(id, change.value);
+  _batcher.Record(std::move(change));
   return true;
 }
 
 bool DaemonSession::Forwarder::ParamChanged(eParam_t id, std::string value, timeval when) {
-  ParamValue change;
-  change.isString = true;
-  change.text = std::move(value);
-  _hub.Publish(EventFrame("", configctl::EventJson(when, id, GetDescriptor(id), change)));
+  ChangeBatcher::Change change;
+  change.id = id;
+  change.value.isString = true;
+  change.value.text = std::move(value);
+  change.when = when;
+  _cache.Changed(id, change.value);
+  _batcher.Record(std::move(change));
   return true;
 }
 
 DaemonSession::DaemonSession(std::string uri, EventHub& hub, long checkMs)
-    : _uri(std::move(uri)), _hub(hub), _checkMs(checkMs), _forwarder(hub) {}
+    : _uri(std::move(uri)),
+      _hub(hub),
+      _checkMs(checkMs),
+      _batcher(hub, [this] { return _linked.load(); }),
+      _forwarder(_batcher, _cache) {}
 
 DaemonSession::~DaemonSession() { Stop(); }
 
@@ -73,6 +86,7 @@ bool DaemonSession::Start() {
     _stopping = false;
   }
   if (!connected) fprintf(stderr, "configweb: configd is not reachable at %s yet\n", _uri.c_str());
+  _batcher.Start();
   _supervisor = std::thread(&DaemonSession::Supervise, this);
   return connected;
 }
@@ -84,14 +98,34 @@ void DaemonSession::Stop() {
   }
   _wake.notify_all();
   if (_supervisor.joinable()) _supervisor.join();
-  std::lock_guard<std::mutex> hold(_lock);
-  DropLocked();
+  {
+    std::lock_guard<std::mutex> hold(_lock);
+    DropLocked();
+  }
+  _batcher.Stop();
 }
 
 bool DaemonSession::WithConfig(const std::function<void(Config*)>& work) {
   std::lock_guard<std::mutex> hold(_lock);
   if (!_connected) return false;
   work(_link.requests);
+  return true;
+}
+
+bool DaemonSession::ReadValue(const ParamDescriptor* descriptor, ParamValue& value, bool& read) {
+  unsigned int id = descriptor->GetParamID();
+  if (_cache.Find(id, value)) {
+    read = true;
+    return true;
+  }
+  std::lock_guard<std::mutex> hold(_lock);
+  if (!_connected) return false;
+  uint64_t ticket = _cache.Ticket();
+  read = configctl::ReadValue(_link.requests, descriptor, value);
+  // A generic parameter's value follows its selector, which its events do
+  // not cover: it is always read.
+  auto* mapping = dynamic_cast<zyn::boxline::config::access::MappingConfig*>(_link.requests);
+  if (read && mapping != nullptr && mapping->MapID(id) == id) _cache.Fill(id, value, ticket);
   return true;
 }
 
@@ -117,36 +151,71 @@ bool DaemonSession::ConnectLocked() {
     return false;
   }
   _connected = true;
+  _linked = true;
   return true;
 }
 
 void DaemonSession::DropLocked() {
   if (_link.events != nullptr) _link.events->RemoveConfigEventListener(&_forwarder);
   ClosePageLink(_factory, _link);
+  _cache.Reset();
   _connected = false;
+  _linked = false;
 }
 
 bool DaemonSession::HeartbeatLocked() {
-  // configd closes an event connection that does not keep up with its
-  // changes; the pages would miss everything after that.
   if (_link.loss != nullptr && _link.loss->LostEvents() != 0) return false;
   std::string name;
   return _link.requests->Get(eParamID_SystemName, name);
 }
 
+void DaemonSession::ResyncLocked() {
+  std::vector<ChangeBatcher::Change> current;
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  for (unsigned int id : _batcher.KnownIds()) {
+    ChangeBatcher::Change change;
+    change.id = id;
+    change.when = now;
+    const ParamDescriptor* descriptor = GetDescriptor(id);
+    if (descriptor != nullptr && configctl::ReadValue(_link.requests, descriptor, change.value))
+      current.push_back(std::move(change));
+  }
+  _batcher.Resync(current);
+}
+
+void DaemonSession::ReconnectLocked() {
+  DropLocked();
+  if (ConnectLocked()) {
+    fprintf(stderr, "configweb: the link to configd at %s broke; connected again\n", _uri.c_str());
+    ResyncLocked();
+    return;
+  }
+  fprintf(stderr, "configweb: lost the connection to configd at %s\n", _uri.c_str());
+  _hub.Publish(StatusFrameLocked());
+}
+
 void DaemonSession::Supervise() {
+  using Clock = std::chrono::steady_clock;
   std::unique_lock<std::mutex> hold(_lock);
+  Clock::time_point nextCheck = Clock::now() + std::chrono::milliseconds(_checkMs);
   while (!_stopping) {
-    _wake.wait_for(hold, std::chrono::milliseconds(_checkMs), [this] { return _stopping; });
+    _wake.wait_for(hold, std::chrono::milliseconds(std::min(kLossCheckMs, _checkMs)),
+                   [this] { return _stopping; });
     if (_stopping) break;
+    // configd closes an event connection that does not keep up with its
+    // changes; the pages would miss everything after that.
+    bool lost = _connected && _link.loss != nullptr && _link.loss->LostEvents() != 0;
+    bool due = Clock::now() >= nextCheck;
+    if (!lost && !due) continue;
+    nextCheck = Clock::now() + std::chrono::milliseconds(_checkMs);
     if (_connected) {
-      if (HeartbeatLocked()) continue;
-      fprintf(stderr, "configweb: lost the connection to configd at %s\n", _uri.c_str());
-      DropLocked();
-      _hub.Publish(StatusFrameLocked());
+      if (!lost && HeartbeatLocked()) continue;
+      ReconnectLocked();
     } else if (ConnectLocked()) {
       fprintf(stderr, "configweb: connected to configd at %s\n", _uri.c_str());
       _hub.Publish(StatusFrameLocked());
+      ResyncLocked();
     }
   }
 }

@@ -1,20 +1,26 @@
 // DaemonSession is configweb's link to configd: a request connection that
-// the HTTP handlers share, and an event connection whose listener publishes
-// every change to the EventHub. A supervisor thread checks the link with a
-// heartbeat read and the event connection's loss count; when configd goes
-// away, or has closed the event connection, it drops both connections,
-// tells the pages ("daemon" frame; they read their values again when it
-// says connected), and connects again once configd is there.
+// the HTTP handlers share, and an event connection whose listener hands
+// every change to the ChangeBatcher, which publishes them to the EventHub.
+// A supervisor thread watches the event connection's loss count every
+// kLossCheckMs and checks the link with a heartbeat read every `checkMs`.
+// When the link breaks (configd closed the event connection, or a read
+// failed) it connects again at once; if configd answers, it reads the
+// values the pages have been sent again and gives every stream a resync
+// frame, and the pages never hear of the gap as a loss. Only when configd
+// does not answer are the pages told ("daemon" frame, connected false);
+// the supervisor then retries every `checkMs` and says so when it is back.
 //
 // Locks: _lock guards the two connections and _connected, and is held for
 // the whole of each WithConfig call, so requests from different HTTP threads
-// take turns (the connection's factory serialises exchanges anyway). The
-// listener runs on the event connection's thread and takes only the hub's
-// locks. Start and Stop belong to main's thread; WithConfig and IsConnected
-// may be called from any thread.
+// take turns (the connection's factory serialises exchanges anyway).
+// _linked mirrors _connected for readers that must not wait behind a
+// request (the resync frame). The listener runs on the event connection's
+// thread and takes only the batcher's lock. Start and Stop belong to main's
+// thread; WithConfig and IsConnected may be called from any thread.
 #ifndef TOOLS_CONFIGWEB_DAEMON_SESSION_H
 #define TOOLS_CONFIGWEB_DAEMON_SESSION_H
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -23,8 +29,11 @@
 
 #include "config/access/socket_factory.h"
 #include "config/config_event_listener.h"
+#include "configweb/change_batcher.h"
+#include "configweb/value_cache.h"
 
 class Config;
+class ParamDescriptor;
 class EventLossCounter;
 
 namespace zyn {
@@ -68,6 +77,9 @@ class DaemonSession {
  public:
   // How often the supervisor checks the link or retries a lost one.
   static constexpr long kDefaultCheckMs = 500;
+  // How often the supervisor looks at the event connection's loss count (a
+  // counter read, no traffic).
+  static constexpr long kLossCheckMs = 10;
 
   DaemonSession(std::string uri, EventHub& hub, long checkMs = kDefaultCheckMs);
   ~DaemonSession();
@@ -83,6 +95,12 @@ class DaemonSession {
   // Runs `work` on the request connection while holding it; false (and
   // `work` not run) when configd is not connected.
   bool WithConfig(const std::function<void(Config*)>& work);
+  // The current value of `descriptor`'s parameter, from the value cache
+  // when it holds it, else read through the request connection. False when
+  // configd is not connected; otherwise `read` says whether a value came.
+  bool ReadValue(const ParamDescriptor* descriptor, configctl::ParamValue& value, bool& read);
+  // Makes the next read of `id` go to configd (after a set through it).
+  void ForgetValue(unsigned int id) { _cache.Forget(id); }
   bool IsConnected();
   const std::string& GetUri() const { return _uri; }
   // The "daemon" frame for the current state, which a new stream starts with.
@@ -91,24 +109,31 @@ class DaemonSession {
  private:
   class Forwarder : public ConfigEventListener {
    public:
-    explicit Forwarder(EventHub& hub) : _hub(hub) {}
+    Forwarder(ChangeBatcher& batcher, ValueCache& cache) : _batcher(batcher), _cache(cache) {}
     bool ParamChanged(eParam_t id, unsigned int value, timeval when) override;
     bool ParamChanged(eParam_t id, std::string value, timeval when) override;
 
    private:
-    EventHub& _hub;
+    ChangeBatcher& _batcher;
+    ValueCache& _cache;
   };
 
   // Both connections, or neither; call with _lock held.
   bool ConnectLocked();
   void DropLocked();
   bool HeartbeatLocked();
+  // After a break: connects again and resynchronises the streams, or
+  // tells them configd is lost.
+  void ReconnectLocked();
+  void ResyncLocked();
   void Supervise();
   std::string StatusFrameLocked() const;
 
   const std::string _uri;
   EventHub& _hub;
   const long _checkMs;
+  ChangeBatcher _batcher;
+  ValueCache _cache;     // valid only while _link is; reset with it
   Forwarder _forwarder;  // registered with _link.events while connected
   zyn::config::access::SocketFactory _factory;
 
@@ -117,6 +142,7 @@ class DaemonSession {
   PageLink _link;           // guarded by _lock
   bool _connected = false;  // guarded by _lock
   bool _stopping = false;   // guarded by _lock
+  std::atomic<bool> _linked{false};
   std::thread _supervisor;
 };
 

@@ -54,8 +54,13 @@ bool ParseListenAddress(const std::string& text, std::string& address, int& port
   return !address.empty();
 }
 
-HttpServer::HttpServer(WebApi& api, EventHub& hub, std::function<std::string()> greeting)
-    : _api(api), _hub(hub), _greeting(std::move(greeting)), _acceptor(_context) {}
+HttpServer::HttpServer(WebApi& api, EventHub& hub, std::function<std::string()> greeting,
+                       size_t maxStreams)
+    : _api(api),
+      _hub(hub),
+      _greeting(std::move(greeting)),
+      _maxStreams(maxStreams),
+      _acceptor(_context) {}
 
 HttpServer::~HttpServer() { Stop(); }
 
@@ -139,7 +144,7 @@ void HttpServer::AcceptLoop() {
     ReapLocked();
     connection->fd = connection->socket.native_handle();
     connection->server = this;
-    if (_connections.size() >= kMaxConnections) {
+    if (_connections.size() - _streams >= kMaxConnections) {
       hold.unlock();
       boost::asio::write(
           connection->socket,
@@ -222,7 +227,19 @@ void HttpServer::Serve(Connection& connection) {
     std::string target(request.target());
     if (request.method() == http::verb::get &&
         target.substr(0, target.find('?')) == "/api/events") {
+      bool room;
+      {
+        std::lock_guard<std::mutex> hold(_lock);
+        room = _streams < _maxStreams;
+        if (room) ++_streams;
+      }
+      if (!room) {
+        WriteAll(connection, PlainReply(503, "Service Unavailable", "too many event streams"));
+        return;
+      }
       Stream(connection);
+      std::lock_guard<std::mutex> hold(_lock);
+      --_streams;
       return;
     }
     WebReply reply = _api.Handle(std::string(request.method_string()), target, request.body());
@@ -253,15 +270,18 @@ void HttpServer::Stream(Connection& connection) {
       "Cache-Control: no-store\r\nConnection: close\r\n\r\nretry: 1000\n\n" +
       _greeting();
   bool open = WriteAll(connection, head);
+  // Until Unsubscribe returns, the socket is open: the connection closes it
+  // only after this.
+  int fd = connection.fd;
+  subscriber->SetDirectWriter([fd](const char* bytes, size_t length) {
+    return static_cast<long>(::send(fd, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL));
+  });
+  // Next gives an idle comment when nothing came for a while, which also
+  // finds clients that have gone away.
   std::string frames;
-  while (open) {
-    if (subscriber->Next(frames, kStreamIdleMs)) {
-      open = WriteAll(connection, frames);
-    } else if (subscriber->Closed()) {
-      break;
-    } else {
-      open = WriteAll(connection, ": idle\n\n");
-    }
+  while (open && subscriber->Next(frames, kStreamIdleMs)) {
+    open = WriteAll(connection, frames);
+    subscriber->Written();
   }
   _hub.Unsubscribe(subscriber);
 }

@@ -3,8 +3,11 @@
 // thread that shuts down any connection whose read or write has outlived
 // its deadline, so a stalled or silent client cannot hold a thread for
 // ever. Requests go to WebApi; GET /api/events becomes a Server-Sent Events
-// stream fed by the EventHub. Headers and bodies are bounded, and beyond
-// kMaxConnections a new connection gets 503 and is closed.
+// stream fed by the EventHub. Headers and bodies are bounded. Streams and
+// requests have limits of their own: beyond kMaxConnections connections
+// that are not streams a new connection gets 503 and is closed, and beyond
+// `maxStreams` open streams a new stream request gets 503; open streams
+// never keep a request out.
 //
 // Ownership: the server owns its connections and their threads; the API, the
 // hub and the greeting callback are the caller's and must outlive Stop.
@@ -34,6 +37,7 @@ class WebApi;
 class HttpServer {
  public:
   static constexpr size_t kMaxConnections = 64;
+  static constexpr size_t kDefaultMaxStreams = 64;
   static constexpr size_t kHeaderLimit = 8 * 1024;
   static constexpr size_t kBodyLimit = 8 * 1024;
   static constexpr long kReadTimeoutMs = 30000;
@@ -44,7 +48,8 @@ class HttpServer {
   static constexpr size_t kThreadStackSize = 256 * 1024;
 
   // `greeting` gives the frame every new stream starts with.
-  HttpServer(WebApi& api, EventHub& hub, std::function<std::string()> greeting);
+  HttpServer(WebApi& api, EventHub& hub, std::function<std::string()> greeting,
+             size_t maxStreams = kDefaultMaxStreams);
   ~HttpServer();
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
@@ -81,6 +86,7 @@ class HttpServer {
   WebApi& _api;
   EventHub& _hub;
   std::function<std::string()> _greeting;
+  const size_t _maxStreams;
   boost::asio::io_context _context;
   boost::asio::ip::tcp::acceptor _acceptor;
   int _port = 0;
@@ -91,7 +97,8 @@ class HttpServer {
   std::mutex _lock;
   std::condition_variable _wake;
   std::list<std::unique_ptr<Connection>> _connections;  // guarded by _lock
-  bool _stopping = false;                               // guarded by _lock
+  size_t _streams = 0;     // connections serving a stream; guarded by _lock
+  bool _stopping = false;  // guarded by _lock
 };
 
 // Splits "ADDR:PORT" ("[::1]:8080" for IPv6). False when it is malformed.

@@ -30,7 +30,7 @@ std::string DefaultUri() { return "socket://127.0.0.1:" + std::to_string(kXConfi
 
 void PrintUsage(FILE* out) {
   fprintf(out,
-          "Usage: configweb [--uri URI] [--listen ADDR:PORT]\n"
+          "Usage: configweb [--uri URI] [--listen ADDR:PORT] [--max-streams N]\n"
           "Serves the unit's settings as a web page and a JSON API, through configd.\n"
           "\n"
           "  --uri URI           configd's address (default %s)\n"
@@ -38,8 +38,10 @@ void PrintUsage(FILE* out) {
           "                      system choose). configd's protocol has no\n"
           "                      authentication: listening beyond loopback gives\n"
           "                      everyone who can reach the port control of the unit.\n"
+          "  --max-streams N     open event streams allowed at once (default %zu);\n"
+          "                      API requests have a limit of their own\n"
           "  --help              this text\n",
-          DefaultUri().c_str(), kDefaultListen);
+          DefaultUri().c_str(), kDefaultListen, configweb::HttpServer::kDefaultMaxStreams);
 }
 
 int UsageError(const std::string& message) {
@@ -72,6 +74,7 @@ bool OptionValue(int argc, char** argv, int& i, const std::string& name, std::st
 int main(int argc, char** argv) {
   std::string uri = DefaultUri();
   std::string listen = kDefaultListen;
+  std::string maxStreamsText = std::to_string(configweb::HttpServer::kDefaultMaxStreams);
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
     if (arg == "--help" || arg == "-h") {
@@ -80,7 +83,8 @@ int main(int argc, char** argv) {
     }
     std::string error;
     if (!OptionValue(argc, argv, i, "--uri", uri, error) &&
-        !OptionValue(argc, argv, i, "--listen", listen, error))
+        !OptionValue(argc, argv, i, "--listen", listen, error) &&
+        !OptionValue(argc, argv, i, "--max-streams", maxStreamsText, error))
       return UsageError("unknown argument '" + arg + "'");
     if (!error.empty()) return UsageError(error);
   }
@@ -88,6 +92,9 @@ int main(int argc, char** argv) {
   int port = 0;
   if (!configweb::ParseListenAddress(listen, address, port))
     return UsageError("invalid listen address '" + listen + "' (ADDR:PORT)");
+  unsigned int maxStreams = 0;
+  if (!configctl::ParseNumber(maxStreamsText, maxStreams) || maxStreams == 0)
+    return UsageError("invalid --max-streams '" + maxStreamsText + "' (a number from 1)");
 
   sigset_t stopSignals;
   sigemptyset(&stopSignals);
@@ -104,7 +111,8 @@ int main(int argc, char** argv) {
   configweb::EventHub hub;
   configweb::DaemonSession session(uri, hub);
   configweb::WebApi api(session);
-  configweb::HttpServer server(api, hub, [&session] { return session.StatusFrame(); });
+  configweb::HttpServer server(
+      api, hub, [&session] { return session.StatusFrame(); }, maxStreams);
   session.Start();
   if (!server.Start(address, port)) {
     session.Stop();

@@ -232,16 +232,30 @@ events.addEventListener("daemon", e => {
   showHealth();
   if (state.connected && current) showGroup(current);
 });
-events.onmessage = e => {
-  const change = JSON.parse(e.data);
+// A frame holds the latest value of each parameter that changed since the
+// last one.
+function showChange(change, flash) {
   if (change.param === "eParamID_OwnerHealth") showHealth();
   const entry = rows.get(change.id);
   if (!entry) return;
   setShown(entry, change);
+  if (!flash) return;
   entry.row.className = "";
   void entry.row.offsetWidth;
   entry.row.className = "changed";
+}
+events.onmessage = e => {
+  for (const change of JSON.parse(e.data)) showChange(change, true);
 };
+// Changes were missed (the stream fell behind, or configweb's link to
+// configd was re-made): the frame has every current value, and the group
+// is read again for the rest.
+events.addEventListener("resync", e => {
+  const state = JSON.parse(e.data);
+  showLink(state.connected);
+  for (const change of state.values) showChange(change, false);
+  if (state.connected && current) showGroup(current);
+});
 events.onerror = () => showLink(false);
 loadGroups();
 showHealth();

@@ -251,9 +251,7 @@ WebReply WebApi::GetParam(const std::string& name) {
   if (descriptor == nullptr) return Error(404, "unknown parameter '" + name + "'");
   ParamValue value;
   bool read = false;
-  if (!_session.WithConfig(
-          [&](Config* config) { read = configctl::ReadValue(config, descriptor, value); }))
-    return Unreachable(_session);
+  if (!_session.ReadValue(descriptor, value, read)) return Unreachable(_session);
   if (!read) return Error(502, "configd gave no value for " + descriptor->GetParamIDName());
   return JsonReply(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
 }
@@ -282,6 +280,7 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
     // A Get after a Set on the same connection sees the Set's outcome.
     done = sent && configctl::ReadValue(config, descriptor, after);
   });
+  _session.ForgetValue(descriptor->GetParamID());
   std::string readOnly = connected ? configctl::ReadOnlyReason(descriptor, target) : "";
   if (!readOnly.empty()) return Error(403, readOnly);
   if (!error.empty()) return Error(400, error);
