@@ -47,14 +47,33 @@ void ChangeBatcher::Stop() {
 }
 
 void ChangeBatcher::Record(Change change) {
-  bool first;
-  {
-    std::lock_guard<std::mutex> hold(_lock);
-    first = _pending.empty();
-    unsigned int id = change.id;
-    _pending[id] = std::move(change);
+  std::unique_lock<std::mutex> hold(_lock);
+  unsigned int id = change.id;
+  if (!_publishing && !_stopping && _pending.empty() &&
+      std::chrono::steady_clock::now() >= _next) {
+    // Quiet until now: this change is its own frame, sent from here.
+    _publishing = true;
+    _latest[id] = change;
+    hold.unlock();
+    PublishFrame(std::map<unsigned int, Change>{{id, std::move(change)}});
+    hold.lock();
+    _publishing = false;
+    _next = std::chrono::steady_clock::now() + std::chrono::milliseconds(kFrameMs);
+    hold.unlock();
+    _wake.notify_all();  // a publisher may wait for this publish to end
+    return;
   }
-  if (first) _wake.notify_one();
+  bool first = _pending.empty();
+  _pending[id] = std::move(change);
+  hold.unlock();
+  if (first) _wake.notify_all();
+}
+
+template <typename Changes>
+void ChangeBatcher::PublishFrame(const Changes& changes) {
+  std::string data = "[";
+  AppendChanges(data, changes);
+  _hub.Publish(EventFrame("", data + "]"));
 }
 
 std::vector<unsigned int> ChangeBatcher::KnownIds() {
@@ -89,13 +108,13 @@ std::string ChangeBatcher::ResyncFrame() {
 }
 
 void ChangeBatcher::Publish() {
-  using Clock = std::chrono::steady_clock;
   std::unique_lock<std::mutex> hold(_lock);
-  Clock::time_point next = Clock::now();
   for (;;) {
     _wake.wait(hold, [this] { return _stopping || !_pending.empty(); });
     // Changes that come within the frame interval join this frame.
-    _wake.wait_until(hold, next, [this] { return _stopping; });
+    while (!_stopping && _wake.wait_until(hold, _next) != std::cv_status::timeout) {
+    }
+    _wake.wait(hold, [this] { return !_publishing; });
     if (_pending.empty()) {
       if (_stopping) return;
       continue;
@@ -105,12 +124,12 @@ void ChangeBatcher::Publish() {
     // Known before the frame is queued: a stream that is resynchronised
     // meanwhile gets these values in its resync frame.
     for (const auto& entry : batch) _latest[entry.first] = entry.second;
+    _publishing = true;
     hold.unlock();
-    std::string data = "[";
-    AppendChanges(data, batch);
-    _hub.Publish(EventFrame("", data + "]"));
-    next = Clock::now() + std::chrono::milliseconds(kFrameMs);
+    PublishFrame(batch);
     hold.lock();
+    _publishing = false;
+    _next = std::chrono::steady_clock::now() + std::chrono::milliseconds(kFrameMs);
   }
 }
 

@@ -1,9 +1,12 @@
 // ChangeBatcher stands between configd's event connection and the EventHub.
 // Record, called on the event client's receive thread for every change,
-// only notes the parameter's latest value in a map under a short lock and
-// wakes the publisher thread. The publisher takes the map at most once per
-// kFrameMs and publishes all of it as one frame: a JSON array of change
-// objects, one per parameter, each the last value of that parameter. A page
+// publishes a change at once when nothing was published for a frame
+// interval (one change, one small frame: a quiet unit's changes reach the
+// pages without a thread hand-over); otherwise it only notes the
+// parameter's latest value in a map under a short lock and wakes the
+// publisher thread. The publisher takes the map at most once per kFrameMs
+// and publishes all of it as one frame: a JSON array of change objects, one
+// per parameter, each the last value of that parameter. A page
 // wants the current value of what it shows, not every step in between, so
 // the stream keeps up with any writer while configd's event connection is
 // always drained at once.
@@ -13,8 +16,10 @@
 // queue overflowed gets it in place of what it missed, and Resync replaces
 // them with values just read from configd after a gap in the events.
 //
-// Locks: _lock guards _pending, _latest and _stopping; it is never held
-// while rendering or publishing, so Record never waits behind JSON work.
+// Locks: _lock guards _pending, _latest, _next, _publishing and _stopping;
+// it is never held while rendering or publishing, so a Record that only
+// notes a change never waits behind JSON work. One publish runs at a time
+// (_publishing), so frames leave in the order of the changes.
 // Record may be called from any thread; Start and Stop from one
 // controlling thread; ResyncFrame from the HTTP stream threads.
 #ifndef TOOLS_CONFIGWEB_CHANGE_BATCHER_H
@@ -22,6 +27,7 @@
 
 #include <sys/time.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -71,6 +77,9 @@ class ChangeBatcher {
 
  private:
   void Publish();
+  // Renders `changes` as one frame and hands it to the hub.
+  template <typename Changes>
+  void PublishFrame(const Changes& changes);
 
   EventHub& _hub;
   const std::function<bool()> _connected;
@@ -79,6 +88,9 @@ class ChangeBatcher {
   std::unordered_map<unsigned int, Change> _pending;  // guarded by _lock
   std::map<unsigned int, Change> _latest;             // guarded by _lock
   bool _stopping = false;                             // guarded by _lock
+  bool _publishing = false;                           // guarded by _lock
+  // Before it, a change waits for the publisher; guarded by _lock.
+  std::chrono::steady_clock::time_point _next;
   std::thread _publisher;
 };
 
