@@ -17,6 +17,7 @@
 // the listener is sampled at exactly the changes the streams saw.
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <sys/epoll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -93,7 +94,10 @@ void ForEachNumber(const char* text, size_t length, const std::string& tag, Each
   }
 }
 
-// One page's stream, read on its own thread with blocking reads.
+// One page's stream. All streams are read by one thread (ReadStreams) that
+// waits on them with epoll, as the fan-out bench reads its listeners, so
+// that the figure is configweb's and not the cost of waking a reader thread
+// per stream on a small machine.
 class PageStream {
  public:
   bool Open(int port) {
@@ -104,16 +108,10 @@ class PageStream {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (connect(_fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return false;
     const char request[] = "GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n";
-    if (send(_fd, request, sizeof request - 1, MSG_NOSIGNAL) <= 0) return false;
-    _thread = std::thread(&PageStream::Run, this);
-    return true;
+    return send(_fd, request, sizeof request - 1, MSG_NOSIGNAL) > 0;
   }
-  void Close() {
-    closing = true;
-    shutdown(_fd, SHUT_RDWR);
-    if (_thread.joinable()) _thread.join();
-    close(_fd);
-  }
+  void Close() { close(_fd); }
+  int Fd() const { return _fd; }
   // Starts a phase's counts afresh; call while no phase is being written.
   void Reset() {
     std::lock_guard<std::mutex> hold(lock);
@@ -122,10 +120,48 @@ class PageStream {
     samples.clear();
     latencyUs.clear();
   }
+  // Takes what has arrived; false once the stream has ended.
+  bool OnReadable(bool closing) {
+    char chunk[65536];
+    ssize_t n = recv(_fd, chunk, sizeof chunk, 0);
+    if (n <= 0) {
+      if (!closing) closedUnderUs = true;
+      Progress();
+      return false;
+    }
+    long long now = NowUs();
+    const bool wasConnected = connected;
+    _buffer.append(chunk, static_cast<size_t>(n));
+    size_t start = 0;
+    size_t end;
+    Phase* phase = g_phase;
+    bool ended;
+    {
+      std::lock_guard<std::mutex> hold(lock);
+      while ((end = _buffer.find("\n\n", start)) != std::string::npos) {
+        const char* frame = _buffer.data() + start;
+        size_t length = end - start;
+        std::string text(frame, length);
+        if (text.find("\"connected\":true") != std::string::npos) connected = true;
+        if (text.find("\"connected\":false") != std::string::npos) ++lostFrames;
+        if (text.compare(0, 13, "event: resync") == 0) ++resyncFrames;
+        if (phase != nullptr)
+          ForEachNumber(frame, length, "\"" + phase->prefix, [&](long number) {
+            latencyUs.push_back(static_cast<double>(now - phase->sentUs[number].load()));
+            samples.push_back(number);
+            last = number;
+          });
+        start = end + 2;
+      }
+      ended = last == g_final;
+    }
+    _buffer.erase(0, start);
+    if (ended || connected != wasConnected) Progress();
+    return true;
+  }
 
   std::atomic<bool> connected{false};
   std::atomic<bool> closedUnderUs{false};
-  std::atomic<bool> closing{false};
   std::mutex lock;
   long last = -1;  // the last number seen this phase; guarded by lock
   int lostFrames = 0;
@@ -134,50 +170,49 @@ class PageStream {
   std::vector<double> latencyUs;  // guarded by lock
 
  private:
+  int _fd = -1;
+  std::string _buffer;  // the reading thread's
+};
+
+// Reads every stream on one thread until `closing` is set and each has ended.
+class StreamReaders {
+ public:
+  explicit StreamReaders(std::vector<std::unique_ptr<PageStream>>& streams) : _streams(streams) {
+    _epoll = epoll_create1(0);
+    for (auto& stream : _streams) {
+      epoll_event event{};
+      event.events = EPOLLIN;
+      event.data.ptr = stream.get();
+      epoll_ctl(_epoll, EPOLL_CTL_ADD, stream->Fd(), &event);
+    }
+    _thread = std::thread([this] { Run(); });
+  }
+  // Ends the streams (their server side closes them) and the thread.
+  void Stop() {
+    _closing = true;
+    for (auto& stream : _streams) shutdown(stream->Fd(), SHUT_RDWR);
+    _thread.join();
+    close(_epoll);
+  }
+
+ private:
   void Run() {
-    std::string buffer;
-    char chunk[65536];
-    for (;;) {
-      ssize_t n = recv(_fd, chunk, sizeof chunk, 0);
-      if (n <= 0) {
-        if (!closing) closedUnderUs = true;
-        Progress();
-        return;
-      }
-      long long now = NowUs();
-      const bool wasConnected = connected;
-      buffer.append(chunk, static_cast<size_t>(n));
-      size_t start = 0;
-      size_t end;
-      Phase* phase = g_phase;
-      {
-        std::lock_guard<std::mutex> hold(lock);
-        while ((end = buffer.find("\n\n", start)) != std::string::npos) {
-          const char* frame = buffer.data() + start;
-          size_t length = end - start;
-          std::string text(frame, length);
-          if (text.find("\"connected\":true") != std::string::npos) connected = true;
-          if (text.find("\"connected\":false") != std::string::npos) ++lostFrames;
-          if (text.compare(0, 13, "event: resync") == 0) ++resyncFrames;
-          if (phase != nullptr)
-            ForEachNumber(frame, length, "\"" + phase->prefix, [&](long number) {
-              latencyUs.push_back(static_cast<double>(now - phase->sentUs[number].load()));
-              samples.push_back(number);
-              last = number;
-            });
-          start = end + 2;
+    size_t open = _streams.size();
+    epoll_event events[64];
+    while (open > 0) {
+      int count = epoll_wait(_epoll, events, 64, 1000);
+      for (int i = 0; i < count; ++i) {
+        auto* stream = static_cast<PageStream*>(events[i].data.ptr);
+        if (!stream->OnReadable(_closing)) {
+          epoll_ctl(_epoll, EPOLL_CTL_DEL, stream->Fd(), nullptr);
+          --open;
         }
       }
-      buffer.erase(0, start);
-      bool ended;
-      {
-        std::lock_guard<std::mutex> hold(lock);
-        ended = last == g_final;
-      }
-      if (ended || connected != wasConnected) Progress();
     }
   }
-  int _fd = -1;
+  std::vector<std::unique_ptr<PageStream>>& _streams;
+  std::atomic<bool> _closing{false};
+  int _epoll = -1;
   std::thread _thread;
 };
 
@@ -297,6 +332,7 @@ int main(int argc, char** argv) {
     readers.push_back(std::make_unique<PageStream>());
     if (!readers.back()->Open(web.GetPort())) return 1;
   }
+  StreamReaders reading(readers);
   WaitUntil(
       [&] {
         for (auto& reader : readers)
@@ -331,6 +367,7 @@ int main(int argc, char** argv) {
   auto steady = std::make_unique<Phase>("p-");
   RunPhase("paced", *steady, paced, paceMs * 1000, writer, baseline, readers);
 
+  reading.Stop();
   for (auto& reader : readers) reader->Close();
   listener->RemoveConfigEventListener(&baseline);
   baselineFactory.Disconnect(listener);
