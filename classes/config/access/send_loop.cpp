@@ -142,15 +142,23 @@ void SendLoop::Run(Thread& thread) {
       while (read(thread.wake, &ignored, sizeof ignored) < 0 && errno == EINTR) {
       }
     }
-    {
-      std::lock_guard<std::mutex> hold(thread.lock);
-      if (thread.stopping) return;
-      ready.swap(thread.ready);
-      detached.swap(thread.detached);
-      thread.woken = false;
+    // Requests are taken until none is left; meanwhile `woken` stays set, so
+    // writers that join the lists make no system call to wake the thread.
+    for (;;) {
+      {
+        std::lock_guard<std::mutex> hold(thread.lock);
+        if (thread.stopping) return;
+        if (thread.ready.empty() && thread.detached.empty()) {
+          thread.woken = false;
+          break;
+        }
+        ready.swap(thread.ready);
+        detached.insert(detached.end(), thread.detached.begin(), thread.detached.end());
+        thread.detached.clear();
+      }
+      for (const std::shared_ptr<Outbox>& outbox : ready) outbox->Flush(false);
+      ready.clear();
     }
-    for (const std::shared_ptr<Outbox>& outbox : ready) outbox->Flush(false);
-    ready.clear();
     auto now = std::chrono::steady_clock::now();
     if (now - lastCheck >= std::chrono::milliseconds(kDrainCheckMs)) {
       lastCheck = now;
