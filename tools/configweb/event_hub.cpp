@@ -16,7 +16,9 @@ bool Subscriber::Next(std::string& frames, long timeoutMs) {
   _ready.wait_for(hold, std::chrono::milliseconds(timeoutMs),
                   [&] { return _closed || (pending() && _writer != Writer::kPublisher); });
   // A direct write is a non-blocking send: it ends at once.
+  _awaiting_writer = true;
   _ready.wait(hold, [this] { return _closed || _writer != Writer::kPublisher; });
+  _awaiting_writer = false;
   if (_closed) return false;
   _writer = Writer::kStream;
   frames.swap(_partial);
@@ -67,8 +69,11 @@ void Subscriber::Push(const std::string& frame, size_t limit) {
         // Begun on the wire: the rest goes out before anything else.
         _partial = frame.substr(static_cast<size_t>(sent));
         if (_partial.empty()) {
+          // Only a stream thread that waits for this write is woken: one
+          // that waits for frames has none to take.
+          bool waiting = _awaiting_writer;
           hold.unlock();
-          _ready.notify_one();  // the stream thread may wait for the writer
+          if (waiting) _ready.notify_one();
           return;
         }
       } else {

@@ -68,6 +68,7 @@ class Subscriber {
   bool _resync = false;             // guarded by _lock; _frames is then empty
   bool _closed = false;             // guarded by _lock
   Writer _writer = Writer::kNone;   // guarded by _lock
+  bool _awaiting_writer = false;    // Next waits for a direct write; guarded by _lock
 };
 
 class EventHub {
