@@ -74,18 +74,25 @@ bool ConfigCache::Unchanged(uint64_t generation) {
 template <typename T>
 bool ConfigCache::Lookup(std::map<eParam_t, T>& cache, eParam_t id, T& value,
                          uint64_t& generation) {
-  SemaphoreHelper lock(&_lock);
-  DropIfEventsLost();
-  auto memo = _volatile.find(id);
-  if (memo != _volatile.end() && memo->second != 1) {
-    auto it = cache.find(id);
-    if (it != cache.end()) {
-      value = it->second;
-      return true;
+  for (bool asked = false;; asked = true) {
+    {
+      SemaphoreHelper lock(&_lock);
+      DropIfEventsLost();
+      auto memo = _volatile.find(id);
+      auto it = cache.find(id);
+      if (memo != _volatile.end() && memo->second != 1 && it != cache.end()) {
+        value = it->second;
+        return true;
+      }
+      // Only a value held (from an event) for a parameter whose volatility
+      // is not yet known is worth a second look.
+      if (asked || memo != _volatile.end() || it == cache.end()) {
+        generation = _generation;
+        return false;
+      }
     }
+    IsVolatile(id);  // outside the lock: it may ask the wrapped config
   }
-  generation = _generation;
-  return false;
 }
 
 template <typename T>

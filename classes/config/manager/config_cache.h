@@ -102,8 +102,10 @@ class ConfigCache : public Config, public ConfigEventListener {
   // True when no event arrived (or was lost) since `generation`. The caller
   // holds _lock.
   bool Unchanged(uint64_t generation);
-  // Under one hold of _lock: true with the held value of a parameter known
-  // not to be volatile; otherwise the generation to fetch against.
+  // True with the held value of a parameter known not to be volatile (a
+  // value held from an event counts once the parameter's volatility has been
+  // learnt); otherwise the generation to fetch against, read in the same
+  // hold of _lock as the miss.
   template <typename T>
   bool Lookup(std::map<eParam_t, T>& cache, eParam_t id, T& value, uint64_t& generation);
   // After a write: keeps `value` if no event arrived since `generation`,

@@ -9,11 +9,25 @@
 // stay their registrants'. Managers are shared per store ID by
 // LocalConfigFactory, which counts their users.
 //
-// Locks: _values_lock guards the value map and _last_update; each value
-// guards itself. _listeners_lock guards the listener list and is held across
-// a whole notification pass, so listeners run on the writer's thread with it
-// held and must not add or remove listeners of this manager. _use_count_lock
-// guards the use count. Preconditions run without a lock and are added
+// Slots: once the values exist (Init), every parameter has a slot in an
+// open-addressing table (its value, typed, its descriptor and what the
+// default precondition checks), so Get and Set resolve an ID with one probe
+// and no lock. The catalogue is read-only after start; a value created
+// later (a parameter registered after Init) publishes a new table that
+// holds it, and retired tables live as long as the manager, so a reader
+// never sees a table freed. Without a slot the map is searched instead.
+//
+// Locks: _values_lock guards the value map and the table list, and orders
+// the publications of _slots (release store; readers load with acquire
+// order, so they see every slot the table was built with). Each value
+// guards its own writes; integer reads take no lock (see IntegerValue).
+// _listeners_lock guards the listener list, and each accepted write holds
+// it from storing the value through its notification pass: listeners hear
+// the writes of one store in the order they were stored, so the last event
+// of a parameter carries the value it holds. Listeners run on the writer's
+// thread with the lock held and must not add or remove listeners of this
+// manager, nor write to it. _use_count_lock guards the use count.
+// Preconditions run before that lock is taken, and are added and removed
 // before writers start.
 #ifndef CLASSES_CONFIG_MANAGER_CONFIG_MANAGER_H
 #define CLASSES_CONFIG_MANAGER_CONFIG_MANAGER_H
@@ -21,6 +35,8 @@
 #include <semaphore.h>
 #include <sys/time.h>
 
+#include <atomic>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -28,6 +44,16 @@
 #include "config/config.h"
 
 class ConfigValue;
+class EnumDescriptor;
+class IntegerDescriptor;
+class IntegerValue;
+class StringValue;
+
+namespace zyn {
+namespace config {
+class UpdatePreconditionValues;
+}  // namespace config
+}  // namespace zyn
 
 class ConfigManager : public Config {
  public:
@@ -38,7 +64,8 @@ class ConfigManager : public Config {
   // The value, or 0 when the parameter is unknown or not an integer.
   unsigned int Get(eParam_t id) override;
   eConfigID_t GetConfigID() override;
-  // Always {0, 0}: every notification of the store carries a zero time.
+  // Always {0, 0}: every notification of the store carries a zero time, and
+  // the store keeps no time of its last write.
   timeval GetLastConfigUpdate() override;
   ParamDescriptor* GetParamDescriptor(eParam_t id) override;
   ParamDescriptor* GetParamDescriptor(std::string name) override;
@@ -95,20 +122,66 @@ class ConfigManager : public Config {
   void FireDataChangedEvents(const std::vector<unsigned int>& ids);
 
  private:
+  // What the default precondition does with an integer update of a slot.
+  enum class Check : unsigned char { kNone, kRange, kEnum };
+
+  // One parameter's value, resolved once. An empty place has no value.
+  struct Slot {
+    unsigned int id = 0;
+    Check check = Check::kNone;
+    bool validate = true;  // false for "do_not_validate"
+    ConfigValue* value = nullptr;
+    IntegerValue* integer = nullptr;  // exactly one of these two is set
+    StringValue* text = nullptr;
+    ParamDescriptor* descriptor = nullptr;
+    IntegerDescriptor* range = nullptr;       // Check::kRange
+    EnumDescriptor* enumeration = nullptr;    // Check::kEnum
+    unsigned int dependentMinimum = 0;        // its "dependent_minimum", or 0
+    std::vector<unsigned int> dependents;     // its GetDependentParamIDs()
+  };
+  // Open addressing with linear probing; capacity a power of two at least
+  // twice the number of values, so a probe ends on an empty place.
+  struct SlotTable {
+    std::vector<Slot> slots;
+    unsigned int shift = 0;  // 32 - log2(capacity)
+    size_t mask = 0;
+  };
+
   // Reports a missing descriptor with the source location of the caller.
   static void ReportMissingDescriptor(int line);
-  void StampLastUpdate();
+  // The slot of `id`, or null when there is no table or no value yet.
+  const Slot* FindSlot(eParam_t id) const;
+  // Builds a table of every value and publishes it. The caller holds
+  // _values_lock.
+  void PublishSlots();
+  // The default precondition's decision on an integer update of `slot`,
+  // made from the slot: false refuses it; `value` may be forced into range.
+  bool DefaultCheck(const Slot& slot, unsigned int& value);
+  void UpdateDefaultOnly();
+  // The general path: a queue of updates offered to every precondition.
   template <typename T>
   bool SetQueued(eParam_t id, T value, int line, const char* failure);
+  // Notification passes; the caller holds _listeners_lock.
+  void Notify(eParam_t id, unsigned int value);
+  void Notify(eParam_t id, const std::string& value);
+  void NotifyData(eParam_t id, std::string& data);
+  void NotifyDependents(const std::vector<unsigned int>& ids);
+  void NotifyDataDependents(const std::vector<unsigned int>& ids);
 
   eConfigID_t configID;
-  // Keyed by parameter ID; hashed because every Get and Set looks it up.
+  // Keyed by parameter ID; the owner of the values and the fallback for IDs
+  // without a slot.
   std::unordered_map<unsigned int, ConfigValue*> _values;  // guarded by _values_lock
   sem_t _values_lock;
-  timeval _last_update;                          // guarded by _values_lock
+  std::atomic<const SlotTable*> _slots{nullptr};  // published under _values_lock
+  std::vector<std::unique_ptr<SlotTable>> _tables;  // guarded by _values_lock
   std::vector<ConfigEventListener*> _listeners;  // guarded by _listeners_lock
   sem_t _listeners_lock;
   std::vector<zyn::config::UpdatePrecondition*> _preconditions;
+  // The sole precondition when it is exactly UpdatePreconditionValues (a
+  // subclass may override its checks), which Set then applies from the
+  // slot without a queue; else null. Changes with _preconditions.
+  zyn::config::UpdatePreconditionValues* _default_only = nullptr;
   int _use_count;  // guarded by _use_count_lock
   sem_t _use_count_lock;
 };

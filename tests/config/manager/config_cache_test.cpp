@@ -76,6 +76,15 @@ TEST_F(ConfigCacheTest, EventsRefreshEveryMap) {
   EXPECT_TRUE(cache.Get(kName, text) && text == "third") << text;
 }
 
+TEST_F(ConfigCacheTest, AValueByEventIsServedOnItsFirstRead) {
+  store->ConfigManager::Set(kTenToHundred, 40);
+  store->ConfigManager::Set(kVolatile, 9);
+  EXPECT_EQ(40u, cache.Get(kTenToHundred));
+  EXPECT_EQ(0, store->gets) << "the event's value needs no request";
+  store->SetConfigParam(kVolatile, 8);  // unheard
+  EXPECT_EQ(8u, cache.Get(kVolatile)) << "a volatile parameter is still read through";
+}
+
 TEST_F(ConfigCacheTest, NoValueOlderThanTheLastEventOrLoss) {
   // An event during the fetch: the fetched value is returned, the event's kept.
   store->during = [this] { cache.ParamChanged(kPercent, 77u, timeval{1, 0}); };

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "config/manager/update_precondition.h"
+#include "config/manager/update_precondition_values.h"
 #include "config/values/integer_value.h"
 #include "recording_listener.h"
 #include "test_catalogue.h"
@@ -231,4 +232,99 @@ TEST_F(ConfigManagerTest, PreconditionsAreOwned) {
   EXPECT_FALSE(manager.RemoveUpdatePrecondition(precondition));
   EXPECT_TRUE(manager.Set(kPercent, 1));
   delete precondition;  // removal hands it back to us
+}
+
+TEST_F(ConfigManagerTest, WhoChecksAnUpdate) {
+  // A subclass of the default precondition keeps its overrides.
+  class LenientEnums : public zyn::config::UpdatePreconditionValues {
+   public:
+    bool IsValidEnum(EnumDescriptor*, unsigned int&) override { return true; }
+  };
+  manager.DeleteAllUpdatePreconditions();
+  manager.AddUpdatePrecondition(new LenientEnums());
+  EXPECT_TRUE(manager.Set(kMode, 7));
+  EXPECT_EQ(7u, manager.Get(kMode));
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(100u, manager.Get(kPercent)) << "the inherited range check still applies";
+  // No precondition at all: nothing is checked.
+  manager.DeleteAllUpdatePreconditions();
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(150u, manager.Get(kPercent));
+  // The default one back: refuses and clamps again.
+  manager.AddDefaultPreconditions();
+  Stderr([&] { EXPECT_FALSE(manager.Set(kMode, 3)); });
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(100u, manager.Get(kPercent));
+}
+
+TEST_F(ConfigManagerTest, ParametersRegisteredAfterInit) {
+  // Not part of the shared catalogue: registered here, after the store was
+  // made, under IDs no other test uses.
+  constexpr unsigned int kLateNumber = 0xFEEDC0A1, kLateText = 0xFEEDC0A2;
+  static bool registered = false;
+  if (!registered) {
+    registered = true;
+    Integer(kLateNumber, "eParamID_TestLateNumber", 0, 10, 3);
+    StringDescriptor* text = new StringDescriptor();
+    text->SetParamID(kLateText);
+    text->SetParamIDName("eParamID_TestLateText");
+    text->SetParamType(eCParam_StringValue);
+    text->SetFactoryDefault("late");
+    AddDescriptor(text);
+  }
+  // As before: an integer write does not create its value, a string one does.
+  Stderr([&] { EXPECT_FALSE(manager.Set(kLateNumber, 4)); });
+  EXPECT_EQ(0u, manager.Get(kLateNumber));
+  EXPECT_TRUE(manager.Set(kLateText, std::string("x")));
+  Serializable* made = nullptr;
+  ASSERT_TRUE(manager.GetConfigValue(kLateNumber, made));
+  EXPECT_EQ(3u, manager.Get(kLateNumber));
+  EXPECT_TRUE(manager.Set(kLateNumber, 40));
+  EXPECT_EQ(10u, manager.Get(kLateNumber)) << "clamped like any parameter";
+  std::string text;
+  EXPECT_TRUE(manager.Get(kLateText, text));
+  EXPECT_EQ("x", text);
+  EXPECT_EQ(made, manager.GetSerializable(kLateNumber));
+  EXPECT_TRUE(manager.Set(kPercent, 42));
+  EXPECT_EQ(42u, manager.Get(kPercent)) << "older parameters keep their values";
+}
+
+TEST_F(ConfigManagerTest, NestedSetsFromAPrecondition) {
+  // A precondition that writes to another store: each Set on the thread has
+  // a queue of its own.
+  ConfigManager other{static_cast<eConfigID_t>(3)};
+  Stderr([&] { other.Init(); });
+  other.AddUpdatePrecondition(new ScriptedPrecondition([](zyn::config::IntegerUpdates& u) {
+    if (u.front().first == kPercent) u.push_back({kTenToHundred, 60});
+    return true;
+  }));
+  manager.AddUpdatePrecondition(new ScriptedPrecondition([&](zyn::config::IntegerUpdates& u) {
+    if (u.front().first == kSource) {
+      EXPECT_TRUE(other.Set(kPercent, 30));
+      u.push_back({kPercent, 31});
+    }
+    return true;
+  }));
+  EXPECT_TRUE(manager.Set(kSource, 2));
+  EXPECT_EQ(2u, manager.Get(kSource));
+  EXPECT_EQ(31u, manager.Get(kPercent)) << "the outer queue survived the inner Set";
+  EXPECT_EQ(30u, other.Get(kPercent));
+  EXPECT_EQ(60u, other.Get(kTenToHundred));
+}
+
+TEST_F(ConfigManagerTest, LastEventOfAParameterCarriesItsValue) {
+  // Two writers of one parameter: listeners hear the writes in the order
+  // they were stored, so the last event always matches the stored value.
+  for (int round = 0; round < 20; ++round) {
+    size_t before = listener.Events().size();
+    auto writer = [&](unsigned int base) {
+      for (unsigned int i = 0; i < 200; ++i) manager.Set(kPercent, base + i % 40);
+    };
+    std::thread a(writer, 0), b(writer, 50);
+    a.join();
+    b.join();
+    std::vector<RecordingListener::Event> events = listener.Events();
+    ASSERT_EQ(before + 400, events.size());
+    ASSERT_EQ(manager.Get(kPercent), events.back().value) << "round " << round;
+  }
 }
