@@ -10,6 +10,7 @@
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
 #include "config/manager/config_manager.h"
+#include "counting_listener.h"
 
 namespace {
 
@@ -63,18 +64,6 @@ ConfigManager* Store() {
   return store;
 }
 
-class CountingListener : public ConfigEventListener {
- public:
-  bool ParamChanged(eParam_t, unsigned int value, timeval) override {
-    sum += value;
-    return true;
-  }
-  bool ParamChanged(eParam_t, std::string value, timeval) override {
-    sum += value.size();
-    return true;
-  }
-  unsigned long sum = 0;
-};
 
 void BM_GetInteger(benchmark::State& state) {
   ConfigManager* store = Store();

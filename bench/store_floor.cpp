@@ -24,6 +24,7 @@
 #include "config/descriptors/integer_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/manager/config_manager.h"
+#include "counting_listener.h"
 
 namespace {
 
@@ -51,17 +52,6 @@ std::vector<unsigned int> BuildCatalogue() {
   return ids;
 }
 
-class CountingListener : public ConfigEventListener {
- public:
-  bool ParamChanged(eParam_t, unsigned int value, timeval) override {
-    sum += value;
-    return true;
-  }
-  bool ParamChanged(eParam_t, std::string value, timeval) override {
-    sum += value.size();
-    return true;
-  }
-  std::atomic<unsigned long> sum{0};
 };
 
 // The floor's listener: one virtual call per Set, as the store makes.
