@@ -52,8 +52,6 @@ std::vector<unsigned int> BuildCatalogue() {
   return ids;
 }
 
-};
-
 // The floor's listener: one virtual call per Set, as the store makes.
 class FloorListener {
  public:
