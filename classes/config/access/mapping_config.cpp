@@ -218,9 +218,9 @@ const MappingConfig::Traces MappingConfig::kDataTraces = {
 template <typename Value, typename Read, typename Call>
 bool MappingConfig::Forward(eParam_t id, Value& value, const Traces& traces, Read read, Call call) {
   const bool traced = _logger->IsWatched(id);
-  if (traced) _logger->Log(id, value, traces.enter);
+  if (traced) _logger->Log(id, value, "%s", traces.enter);
   if (_mapper == nullptr) {
-    if (traced) _logger->Log(id, value, traces.noMapper);
+    if (traced) _logger->Log(id, value, "%s", traces.noMapper);
     return false;
   }
   for (unsigned int affected : AffectedBy(id)) {
@@ -236,7 +236,7 @@ bool MappingConfig::Forward(eParam_t id, Value& value, const Traces& traces, Rea
         _logger->Log(affected, traces.fired, static_cast<void*>(r.listener));
     }
   }
-  if (traced) _logger->Log(id, value, traces.exit);
+  if (traced) _logger->Log(id, value, "%s", traces.exit);
   return true;
 }
 
