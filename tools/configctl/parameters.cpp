@@ -156,7 +156,9 @@ bool CheckValue(const ParamDescriptor* descriptor, const ParamValue& value, std:
     }
     if (auto* limits = dynamic_cast<const StringDescriptor*>(descriptor)) {
       if (text.size() < limits->GetMinLength() || text.size() > limits->GetMaxLength()) {
-        error = name + " takes " + std::to_string(limits->GetMinLength()) + " to " +
+        // Quoted: the refused text may be empty or end in blanks.
+        error = "refused \"" + text + "\" for " + name + ": it takes " +
+                std::to_string(limits->GetMinLength()) + " to " +
                 std::to_string(limits->GetMaxLength()) + " bytes, not " +
                 std::to_string(text.size());
         return false;
