@@ -57,7 +57,8 @@ bool IsVerbose() {
     state = value != nullptr && value[0] != '\0' && strcmp(value, "0") != 0 ? 1 : 0;
     int unread = -1;
     // A SetVerbose that came first wins.
-    if (!g_verbose.compare_exchange_strong(unread, state, std::memory_order_relaxed)) state = unread;
+    if (!g_verbose.compare_exchange_strong(unread, state, std::memory_order_relaxed))
+      state = unread;
   }
   return state == 1;
 }

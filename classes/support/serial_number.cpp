@@ -73,8 +73,8 @@ int SerialNumber_KR9::GetSerialNumber() {
   // A development host's address is in neither range: only verbose says so.
   if (zyn::logging::IsVerbose())
     fprintf(stderr,
-          "SerialNumber_KR9::GetSerialNumber(). Error!!!  Mac address is not in manufacturing "
-          "range and it is not in engineering range\n");
+            "SerialNumber_KR9::GetSerialNumber(). Error!!!  Mac address is not in manufacturing "
+            "range and it is not in engineering range\n");
   return 0;
 }
 

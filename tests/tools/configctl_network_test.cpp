@@ -55,7 +55,11 @@ TEST_F(ConfigctlDaemonTest, NetworkWatchEndsWithStatusOneWhenConfigdStops) {
     ASSERT_TRUE(watches[i].Start(CtlArgs(daemon.NetworkUri(i == 0 ? "tcp" : "udp"), {"watch"})));
     std::string line;
     ASSERT_TRUE(NextWatchLine(
-        watches[i], [&] { Ctl({"set", "SystemName", "stop-" + std::to_string(++round)}); }, line))
+        watches[i],
+        [&] {
+          Ctl({"set", "SystemName", "stop-" + std::to_string(++round)});
+        },
+        line))
         << "the watch never heard a change";
   }
   daemon.Stop(SIGTERM);

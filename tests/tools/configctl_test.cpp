@@ -273,11 +273,14 @@ TEST_F(ConfigctlDaemonTest, PresetUsageJsonListEnvironmentUriAndVersions) {
     std::string err;  // the whole of standard error
   };
   for (const Case& c : std::vector<Case>{
-           {{"preset", "save"}, 2,
+           {{"preset", "save"},
+            2,
             "configctl: usage: configctl preset save N [--name TEXT]\nTry 'configctl --help'.\n"},
-           {{"preset", "recall", "abc"}, 2,
+           {{"preset", "recall", "abc"},
+            2,
             "configctl: usage: configctl preset recall N\nTry 'configctl --help'.\n"},
-           {{"preset", "export", "x", "file"}, 2,
+           {{"preset", "export", "x", "file"},
+            2,
             "configctl: usage: configctl preset export N FILE\nTry 'configctl --help'.\n"},
            {{"preset", "recall", "41"}, 1, "configctl: invalid preset '41' (0 to 40)\n"},
        }) {
@@ -305,7 +308,8 @@ TEST_F(ConfigctlDaemonTest, PresetUsageJsonListEnvironmentUriAndVersions) {
   unsetenv("CONFIGCTL_URI");
   EXPECT_EQ("eParamID_SystemName = zyn-kr-9\n", fromEnvironment.out) << fromEnvironment.err;
   EXPECT_EQ(2, badEnvironment.exitCode);
-  EXPECT_TRUE(Has(badEnvironment.err, "unsupported URI 'http://127.0.0.1:1'")) << badEnvironment.err;
+  EXPECT_TRUE(Has(badEnvironment.err, "unsupported URI 'http://127.0.0.1:1'"))
+      << badEnvironment.err;
   EXPECT_EQ(0, overridden.exitCode) << overridden.err;
 
   // configweb states the same version as configctl.

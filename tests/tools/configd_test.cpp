@@ -21,8 +21,8 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
     // SIGTERM's run is verbose; SIGINT's prints nothing on standard error.
     const bool verbose = signal == SIGTERM;
     Daemon daemon;
-    ASSERT_TRUE(daemon.Start(verbose ? std::vector<std::string>{"--verbose"}
-                                     : std::vector<std::string>{}));
+    ASSERT_TRUE(
+        daemon.Start(verbose ? std::vector<std::string>{"--verbose"} : std::vector<std::string>{}));
     EXPECT_EQ("configd: ready on port " + std::to_string(daemon.port), daemon.readyLine);
     EXPECT_NE(0, daemon.tcpPort) << "a tcp ready line with its port";
     EXPECT_NE(0, daemon.udpPort) << "a udp ready line with its port";

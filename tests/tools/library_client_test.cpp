@@ -61,8 +61,9 @@ TEST_F(ConfigctlDaemonTest, LibraryClientIsQuietUnlessVerbose) {
   }
   Outcome verbose = RunClient(daemon.Uri(), "1");
   EXPECT_EQ(0, verbose.exitCode) << verbose.out;
-  EXPECT_TRUE(Has(verbose.err, "SocketFactory::Connect - unable to read configid, matches = 0, uri = " +
-                                   daemon.Uri() + "\n"))
+  EXPECT_TRUE(
+      Has(verbose.err, "SocketFactory::Connect - unable to read configid, matches = 0, uri = " +
+                           daemon.Uri() + "\n"))
       << verbose.err;
   Outcome off = RunClient(daemon.Uri() + "/configid=0", "0");
   EXPECT_EQ("", off.err) << "LIBCONFIG_VERBOSE=0 is off";

@@ -209,8 +209,8 @@ std::string SetLine(ParamDescriptor* descriptor, const ParamValue& requested,
   // A refused text is quoted: it may be empty or end in blanks.
   std::string refused = ValueText(descriptor, requested);
   if (requested.isString) refused = "\"" + refused + "\"";
-  return "configd refused " + refused + " for " +
-         ParamName(id, descriptor) + ", which stays " + ValueText(descriptor, stored);
+  return "configd refused " + refused + " for " + ParamName(id, descriptor) + ", which stays " +
+         ValueText(descriptor, stored);
 }
 
 std::string SetJson(ParamDescriptor* descriptor, const ParamValue& requested,

@@ -244,7 +244,7 @@ int main(int argc, char** argv) {
   const bool verbose = zyn::logging::IsVerbose();
   if (verbose)
     fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
-          options.stateDir.c_str());
+            options.stateDir.c_str());
   printf("configd: ready on port %d\n", daemon.GetPort());
   printf("configd: tcp ready on port %d\n", daemon.GetTcpPort());
   printf("configd: udp ready on port %d\n", daemon.GetUdpPort());

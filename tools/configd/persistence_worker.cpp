@@ -45,8 +45,8 @@ bool PersistenceWorker::Restore() {
     // A first start has nothing saved: that is said only when verbose.
     if (loaded != SectorFile::LoadResult::kMissing || zyn::logging::IsVerbose())
       fprintf(stderr, "PersistenceWorker::Restore - %s, starting at factory values\n",
-            loaded == SectorFile::LoadResult::kMissing ? "no saved settings"
-                                                       : "no valid saved settings");
+              loaded == SectorFile::LoadResult::kMissing ? "no saved settings"
+                                                         : "no valid saved settings");
     return false;
   }
   zyn::config::values::Vector values;

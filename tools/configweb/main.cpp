@@ -144,7 +144,8 @@ int main(int argc, char** argv) {
   while (sigwait(&stopSignals, &received) != 0) {
   }
   if (zyn::logging::IsVerbose())
-    fprintf(stderr, "configweb: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
+    fprintf(stderr, "configweb: %s received, stopping\n",
+            received == SIGINT ? "SIGINT" : "SIGTERM");
   server.Stop();
   session.Stop();
   return 0;

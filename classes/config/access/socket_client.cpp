@@ -535,7 +535,7 @@ void SocketClient::ProcessEvents() {
         // No error number: configd closed the connection in order.
         if (error != 0 || zyn::logging::IsVerbose())
           fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d: %s\n",
-                error, static_cast<int>(getpid()), FailureCause(error));
+                  error, static_cast<int>(getpid()), FailureCause(error));
       }
       _events_broken = true;
       break;

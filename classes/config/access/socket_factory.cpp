@@ -41,7 +41,7 @@ Config* SocketFactory::Connect(std::string uri) {
   if (matches != 1) {
     if (verbose || at != std::string::npos)
       fprintf(stderr, "SocketFactory::Connect - unable to read configid, matches = %d, uri = %s\n",
-            matches, uri.c_str());
+              matches, uri.c_str());
     configID = 0;
   } else if (verbose) {
     fprintf(stderr, "SocketFactory::Connect - connecting to configid %d\n", configID);
