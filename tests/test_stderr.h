@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "support/logger.h"
+
 template <typename F>
 std::string Stderr(F body) {
   testing::internal::CaptureStderr();
@@ -20,5 +22,14 @@ inline size_t Count(const std::string& text, const std::string& what) {
   for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
   return n;
 }
+
+// Turns the library's diagnostics switch on for a test that checks them.
+class VerboseDiagnostics {
+ public:
+  VerboseDiagnostics() { zyn::logging::SetVerbose(true); }
+  ~VerboseDiagnostics() { zyn::logging::SetVerbose(false); }
+  VerboseDiagnostics(const VerboseDiagnostics&) = delete;
+  VerboseDiagnostics& operator=(const VerboseDiagnostics&) = delete;
+};
 
 #endif  // TESTS_TEST_STDERR_H

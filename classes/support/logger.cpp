@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include "config/descriptors/param_descriptors.h"
@@ -41,7 +43,25 @@ void AppendEscaped(std::string* format, const char* text) {
   }
 }
 
+// -1 until the environment is read; then 0 or 1.
+std::atomic<int> g_verbose{-1};
+
 }  // namespace
+
+void SetVerbose(bool on) { g_verbose.store(on ? 1 : 0, std::memory_order_relaxed); }
+
+bool IsVerbose() {
+  int state = g_verbose.load(std::memory_order_relaxed);
+  if (state < 0) {
+    const char* value = getenv("LIBCONFIG_VERBOSE");
+    state = value != nullptr && value[0] != '\0' && strcmp(value, "0") != 0 ? 1 : 0;
+    int unread = -1;
+    // A SetVerbose that came first wins.
+    if (!g_verbose.compare_exchange_strong(unread, state, std::memory_order_relaxed))
+      state = unread;
+  }
+  return state == 1;
+}
 
 std::atomic<Logger*> Logger::s_installed{nullptr};
 
@@ -106,6 +126,8 @@ std::string Logger::GetNameFromPID(int pid) {
 bool Logger::ReadConfig(const std::string& path) {
   FILE* file = fopen(path.c_str(), "r");
   if (file == nullptr) {
+    // Without the switch file tracing is simply off.
+    if (errno == ENOENT && !IsVerbose()) return false;
     perror("Logger::ReadLoggingConfig");
     fprintf(stderr, "Logger::ReadLoggingConfig - unable to open %s\n", path.c_str());
     return false;

@@ -37,6 +37,17 @@
 namespace zyn {
 namespace logging {
 
+// The library's diagnostics switch, named LIBCONFIG_VERBOSE. Default: off.
+// Off, the library keeps quiet about conditions that are no fault: no trace
+// switch file, a URI without a config ID, a MAC address outside the unit's
+// ranges, a peer closing its connection in order, start-up progress. Real
+// failures are reported either way. The environment variable
+// LIBCONFIG_VERBOSE=1 (read once, at the first query) turns it on;
+// SetVerbose overrides both. configd, configctl and configweb turn it on with
+// --verbose. Any thread may query it.
+void SetVerbose(bool on);
+[[nodiscard]] bool IsVerbose();
+
 class Logger {
  public:
   // The process-wide instance: made on first use by Create with the

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "test_catalogue.h"
+#include "test_stderr.h"
 
 using zyn::logging::Logger;
 
@@ -58,6 +59,11 @@ TEST(LoggerTest, SwitchFileSelectsWatchedParameters) {
   std::unique_ptr<Logger> logger = CreateWith(nullptr, &err);
   ASSERT_NE(nullptr, logger);
   EXPECT_FALSE(logger->IsWatched(kWatchedID)) << "no switch file, no tracing";
+  EXPECT_EQ("", err) << "a missing switch file is reported only when verbose";
+  {
+    VerboseDiagnostics verbose;
+    logger = CreateWith(nullptr, &err);
+  }
   EXPECT_NE(std::string::npos,
             err.find("ReadLoggingConfig - unable to open " + logger->GetConfigPath() + "\n"))
       << err;

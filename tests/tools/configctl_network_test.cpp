@@ -1,5 +1,7 @@
 // configctl against a running configd over the network transports: the
 // TCP and UDP servers, the UDP server's multicast events, and caching.
+#include <signal.h>
+
 #include "tools_fixture.h"
 
 using namespace tools_test;
@@ -36,4 +38,35 @@ TEST_F(ConfigctlDaemonTest, GetSetAndWatchOverTcpUdpAndMulticast) {
       WatchOnce(CtlArgs(daemon.NetworkUri("multicast"), {"watch", "--count", "1"}), line, lock))
       << line;
   EXPECT_TRUE(Has(line, "eParamID_FrontPanelLock = 1 (Locked)")) << line;
+}
+
+TEST_F(ConfigctlDaemonTest, NetworkWatchEndsWithStatusOneWhenConfigdStops) {
+  // A multicast URI carries events only: a request over it is refused.
+  Outcome get = RunToEnd(CtlArgs(daemon.NetworkUri("multicast"), {"get", "SystemName"}));
+  EXPECT_EQ(1, get.exitCode);
+  EXPECT_EQ(
+      "configctl: get: multicast URIs carry configd's events only (watch); use socket://, "
+      "tcp:// or udp://\n",
+      get.err);
+
+  ChildProcess watches[2];
+  int round = 0;
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(watches[i].Start(CtlArgs(daemon.NetworkUri(i == 0 ? "tcp" : "udp"), {"watch"})));
+    std::string line;
+    ASSERT_TRUE(NextWatchLine(
+        watches[i],
+        [&] {
+          Ctl({"set", "SystemName", "stop-" + std::to_string(++round)});
+        },
+        line))
+        << "the watch never heard a change";
+  }
+  daemon.Stop(SIGTERM);
+  for (int i = 0; i < 2; ++i) {
+    SCOPED_TRACE(i == 0 ? "tcp" : "udp");
+    Outcome watched = watches[i].Wait(kStopMs);
+    EXPECT_EQ(1, watched.exitCode) << "not a crash: " << watched.err;
+    EXPECT_TRUE(Has(watched.err, "configctl: lost the connection to configd at ")) << watched.err;
+  }
 }

@@ -1,7 +1,9 @@
 // configctl as a process against a real configd: every command in text and
 // JSON, refused and clamped sets, and each failure's message and status.
 #include <signal.h>
+#include <unistd.h>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "config/descriptors/param_descriptor.h"
@@ -109,7 +111,10 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
            {{"set", "SystemName", "\xC0\xAF"},
             "the text for eParamID_SystemName is not valid UTF-8 (byte 0)"},
            {{"set", "SystemName", std::string(21, 'x')},
-            "eParamID_SystemName takes 1 to 20 bytes, not 21"},
+            "refused \"" + std::string(21, 'x') +
+                "\" for eParamID_SystemName: it takes 1 to 20 bytes, not 21"},
+           {{"set", "SystemName", ""},
+            "refused \"\" for eParamID_SystemName: it takes 1 to 20 bytes, not 0"},
        }) {
     Outcome outcome = Ctl(c.args);
     EXPECT_EQ(1, outcome.exitCode) << c.err;
@@ -259,4 +264,60 @@ TEST_F(ConfigctlDaemonTest, HealthIsOkOrConfigdsErrorLine) {
   Outcome bad = Ctl({"health"});
   EXPECT_EQ(1, bad.exitCode);
   EXPECT_EQ(failed + "\n", bad.out);
+}
+
+TEST_F(ConfigctlDaemonTest, PresetUsageJsonListEnvironmentUriAndVersions) {
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    std::string err;  // the whole of standard error
+  };
+  for (const Case& c : std::vector<Case>{
+           {{"preset", "save"},
+            2,
+            "configctl: usage: configctl preset save N [--name TEXT]\nTry 'configctl --help'.\n"},
+           {{"preset", "recall", "abc"},
+            2,
+            "configctl: usage: configctl preset recall N\nTry 'configctl --help'.\n"},
+           {{"preset", "export", "x", "file"},
+            2,
+            "configctl: usage: configctl preset export N FILE\nTry 'configctl --help'.\n"},
+           {{"preset", "recall", "41"}, 1, "configctl: invalid preset '41' (0 to 40)\n"},
+       }) {
+    Outcome outcome = Ctl(c.args);
+    EXPECT_EQ(c.status, outcome.exitCode) << c.args[1];
+    EXPECT_EQ(c.err, outcome.err) << c.args[1];
+    EXPECT_EQ("", outcome.out) << c.args[1];
+  }
+
+  Outcome list = Ctl({"--json", "preset", "list"});
+  EXPECT_EQ(0, list.exitCode) << list.err;
+  nlohmann::json presets = nlohmann::json::parse(list.out, nullptr, false);
+  ASSERT_TRUE(presets.is_array()) << list.out;
+  ASSERT_EQ(41u, presets.size());
+  EXPECT_EQ((nlohmann::json{{"preset", 0}, {"name", "Factory values"}, {"state", "factory"}}),
+            presets[0]);
+  EXPECT_EQ("empty", presets[40]["state"]);
+
+  // CONFIGCTL_URI names the daemon unless --uri does; it is checked like --uri.
+  setenv("CONFIGCTL_URI", daemon.Uri().c_str(), 1);
+  Outcome fromEnvironment = RunToEnd({CONFIGCTL_PATH, "get", "SystemName"});
+  setenv("CONFIGCTL_URI", "http://127.0.0.1:1", 1);
+  Outcome badEnvironment = RunToEnd({CONFIGCTL_PATH, "get", "SystemName"});
+  Outcome overridden = Ctl({"get", "SystemName"});
+  unsetenv("CONFIGCTL_URI");
+  EXPECT_EQ("eParamID_SystemName = zyn-kr-9\n", fromEnvironment.out) << fromEnvironment.err;
+  EXPECT_EQ(2, badEnvironment.exitCode);
+  EXPECT_TRUE(Has(badEnvironment.err, "unsupported URI 'http://127.0.0.1:1'"))
+      << badEnvironment.err;
+  EXPECT_EQ(0, overridden.exitCode) << overridden.err;
+
+  // configweb states the same version as configctl.
+  std::string web = CONFIGCTL_PATH;
+  web = web.substr(0, web.rfind('/')) + "/configweb/configweb";
+  if (access(web.c_str(), X_OK) != 0) GTEST_SKIP() << web << " is not built";
+  Outcome version = RunToEnd({web, "--version"});
+  EXPECT_EQ(0, version.exitCode);
+  EXPECT_EQ(std::string("configweb ") + LIBCONFIG_VERSION + "\n", version.out);
+  EXPECT_EQ(RunToEnd({CONFIGCTL_PATH, "--version"}).out, "configctl " LIBCONFIG_VERSION "\n");
 }

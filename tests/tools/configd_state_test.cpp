@@ -28,7 +28,8 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   TempFolder parent;
   std::string folder = parent.path + "/new/deeper";
   Daemon daemon;
-  ASSERT_TRUE(daemon.Start({"--state-dir", folder}));
+  // Verbose, a first start says that nothing was saved yet.
+  ASSERT_TRUE(daemon.Start({"--state-dir", folder, "--verbose"}));
   RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
   Outcome second = RunToEnd(ConfigdArgs("0", folder));
   EXPECT_EQ(1, second.exitCode);

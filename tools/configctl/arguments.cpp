@@ -77,8 +77,9 @@ const char* UsageText() {
          "(decimal or 0x hex), an enumeration's value name, or a string parameter's text.\n"
          "\n"
          "Options:\n"
-         "  --uri URI   the daemon to talk to (default socket://127.0.0.1:43110; also\n"
-         "              tcp://, udp:// and multicast://HOST:PORT, caching=true)\n"
+         "  --uri URI   the daemon to talk to (default $CONFIGCTL_URI, else\n"
+         "              socket://127.0.0.1:43110; also tcp://, udp:// and\n"
+         "              multicast://HOST:PORT, caching=true; multicast is for watch)\n"
          "  --json      print JSON: one object per line for get, watch and map, one object or\n"
          "              array for set, describe and list\n"
          "  --mapped    get, set and watch generic parameters as the parameters they stand\n"
@@ -94,6 +95,8 @@ const char* UsageText() {
 
 bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::string& error) {
   out = Arguments();
+  const char* environment = getenv("CONFIGCTL_URI");
+  if (environment != nullptr && environment[0] != '\0') out.uri = environment;
   std::vector<std::string> words;  // the command and its operands
   bool countGiven = false;
   bool optionsEnded = false;

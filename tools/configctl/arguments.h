@@ -35,7 +35,7 @@ enum class Command {
 };
 
 struct Arguments {
-  std::string uri = kDefaultUri;
+  std::string uri = kDefaultUri;  // or CONFIGCTL_URI's
   bool json = false;
   bool verbose = false;  // keep the library's diagnostics on standard error
   bool mapped = false;   // get, set and watch through the unit's parameter mapper
@@ -50,7 +50,8 @@ struct Arguments {
   bool force = false;  // set --force: also a value read-only to users
 };
 
-// Fills `out` from argv. Options may stand anywhere; "--" ends them. False
+// Fills `out` from argv, the URI from the environment variable CONFIGCTL_URI
+// unless --uri gives one. Options may stand anywhere; "--" ends them. False
 // with a one-line reason in `error` when the command line is malformed.
 bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::string& error);
 

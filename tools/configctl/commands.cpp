@@ -79,7 +79,7 @@ int RunGet(const Arguments& arguments) {
   std::vector<ParamDescriptor*> descriptors;
   if (!ResolveParameters(arguments.operands, descriptors)) return kExitFailure;
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("get");
   if (client == nullptr) return kExitFailure;
   if (arguments.mapped) client = link.Map(client, nullptr);
   int status = kExitOk;
@@ -108,7 +108,7 @@ int RunSet(const Arguments& arguments) {
     return kExitFailure;
   }
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("set");
   if (client == nullptr) return kExitFailure;
   if (arguments.mapped) client = link.Map(client, nullptr);
   // A generic parameter follows the rule of the one it stands for now.
@@ -156,7 +156,7 @@ int RunSet(const Arguments& arguments) {
 
 int RunHealth(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("health");
   if (client == nullptr) return kExitFailure;
   std::string health;
   if (!client->Get(kOwnerHealthParamID, health) || health.empty()) {

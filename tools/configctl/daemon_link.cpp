@@ -1,6 +1,7 @@
 #include "configctl/daemon_link.h"
 
 #include "config/access/mapping_config.h"
+#include "config/access/network_client.h"
 #include "config/access/socket_client.h"
 #include "config/config_factory_impl.h"
 #include "config/config_uri.h"
@@ -35,12 +36,23 @@ Config* DaemonLink::Connect(const std::string& uri) {
 void DaemonLink::Release(Config* client) {
   if (!_network) {
     _factory.Disconnect(client);
-  } else if (!ConfigFactoryImpl::GetInstance()->Disconnect(client)) {
-    delete client;  // a cache is its holder's to delete
+  } else if (dynamic_cast<zyn::boxline::config::access::NetworkClient*>(client) != nullptr) {
+    // Deletes the client whether or not a configd that went away could
+    // confirm the goodbye.
+    ConfigFactoryImpl::GetInstance()->Disconnect(client);
+  } else {
+    delete client;  // a cache is its holder's to delete; it releases its clients
   }
 }
 
-Config* DaemonLink::Open() {
+Config* DaemonLink::Open(const char* command) {
+  if (command != nullptr && !TakesRequests()) {
+    Console::Error(
+        "%s: multicast URIs carry configd's events only (watch); use socket://, tcp:// or "
+        "udp://",
+        command);
+    return nullptr;
+  }
   Config* client = Connect(_uri);
   if (client == nullptr) {
     Console::Error("cannot reach configd at %s", _uri.c_str());

@@ -32,8 +32,9 @@ class DaemonLink {
   DaemonLink& operator=(const DaemonLink&) = delete;
 
   // A new connected client, owned by the link; null after reporting that
-  // configd cannot be reached at the URI.
-  Config* Open();
+  // configd cannot be reached at the URI, or, when `command` names a command
+  // that asks configd for something, that a "multicast://" URI cannot.
+  Config* Open(const char* command = nullptr);
   // A new client to register listeners on: another connection like Open's,
   // or over UDP a client on the multicast event port.
   Config* OpenEvents();

@@ -206,8 +206,11 @@ std::string SetLine(ParamDescriptor* descriptor, const ParamValue& requested,
     case SetOutcome::kRefused:
       break;
   }
-  return "configd refused " + ValueText(descriptor, requested) + " for " +
-         ParamName(id, descriptor) + ", which stays " + ValueText(descriptor, stored);
+  // A refused text is quoted: it may be empty or end in blanks.
+  std::string refused = ValueText(descriptor, requested);
+  if (requested.isString) refused = "\"" + refused + "\"";
+  return "configd refused " + refused + " for " + ParamName(id, descriptor) + ", which stays " +
+         ValueText(descriptor, stored);
 }
 
 std::string SetJson(ParamDescriptor* descriptor, const ParamValue& requested,

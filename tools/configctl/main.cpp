@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     printf("configctl %s\n", LIBCONFIG_VERSION);
     return configctl::kExitOk;
   }
+  zyn::logging::SetVerbose(arguments.verbose);
   configctl::Console::Init(arguments.verbose);
   // The catalogue gives the names and descriptors; like the logger's watch
   // list, it is built before any thread starts.

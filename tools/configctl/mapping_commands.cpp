@@ -23,7 +23,7 @@ int RunMap(const Arguments& arguments) {
   std::vector<ParamDescriptor*> descriptors;
   if (!ResolveParameters(arguments.operands, descriptors)) return kExitFailure;
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("map");
   if (client == nullptr) return kExitFailure;
   BuildMapperTables();
   TundraParamMapper mapper;

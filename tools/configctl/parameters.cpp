@@ -1,5 +1,6 @@
 #include "configctl/parameters.h"
 
+#include <fcntl.h>
 #include <strings.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/string_descriptor.h"
 #include "config/mapper/tundra_param_mapper.h"
+#include "support/logger.h"
 
 namespace configctl {
 
@@ -156,7 +158,9 @@ bool CheckValue(const ParamDescriptor* descriptor, const ParamValue& value, std:
     }
     if (auto* limits = dynamic_cast<const StringDescriptor*>(descriptor)) {
       if (text.size() < limits->GetMinLength() || text.size() > limits->GetMaxLength()) {
-        error = name + " takes " + std::to_string(limits->GetMinLength()) + " to " +
+        // Quoted: the refused text may be empty or end in blanks.
+        error = "refused \"" + text + "\" for " + name + ": it takes " +
+                std::to_string(limits->GetMinLength()) + " to " +
                 std::to_string(limits->GetMaxLength()) + " bytes, not " +
                 std::to_string(text.size());
         return false;
@@ -182,7 +186,9 @@ bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& va
 void BuildMapperTables() {
   fflush(stdout);
   int saved = dup(STDOUT_FILENO);
-  if (saved >= 0) dup2(STDERR_FILENO, STDOUT_FILENO);
+  int target = zyn::logging::IsVerbose() ? STDERR_FILENO : open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (saved >= 0 && target >= 0) dup2(target, STDOUT_FILENO);
+  if (target != STDERR_FILENO && target >= 0) close(target);
   tundra::mapper::TundraParamMapper::Initialize();
   fflush(stdout);
   if (saved >= 0) {

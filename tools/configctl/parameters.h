@@ -53,8 +53,9 @@ bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue
 bool ReadValue(Config* config, const ParamDescriptor* descriptor, ParamValue& value);
 
 // Builds the mapper's tables with their build diagnostics sent to standard
-// error, so that standard output carries only the program's results. Call
-// once, before any other thread starts.
+// error when the library's diagnostics switch is on, and dropped otherwise,
+// so that standard output carries only the program's results. Call once,
+// before any other thread starts.
 void BuildMapperTables();
 
 }  // namespace configctl

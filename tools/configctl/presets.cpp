@@ -11,6 +11,7 @@
 #include "config/values/presets_param_vector.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
+#include "configctl/json.h"
 #include "configctl/owner_request.h"
 #include "configctl/parameters.h"
 
@@ -104,7 +105,8 @@ int Recall(Config* client, unsigned int number) {
   return kExitOk;
 }
 
-int List(Config* client) {
+int List(Config* client, bool json) {
+  Json presets = Json::array();
   for (unsigned int number = 0; number <= kLastPreset; ++number) {
     std::string name;
     ParamDescriptor* nameParam = FindParameter(NameParam(number));
@@ -119,8 +121,13 @@ int List(Config* client) {
       return kExitFailure;
     }
     const char* status = number == 0 ? "factory" : state == kRegisterDone ? "saved" : "empty";
-    printf("%2u  %-20s  %s\n", number, name.c_str(), status);
+    if (json) {
+      presets.push_back(Json{{"preset", number}, {"name", name}, {"state", status}});
+    } else {
+      printf("%2u  %-20s  %s\n", number, name.c_str(), status);
+    }
   }
+  if (json) printf("%s\n", JsonText(presets).c_str());
   return kExitOk;
 }
 
@@ -180,15 +187,18 @@ int Import(Config* client, unsigned int number, const std::string& path) {
 int RunPreset(const Arguments& arguments) {
   const std::vector<std::string>& words = arguments.operands;
   const PresetForm* form = nullptr;
+  unsigned int number = 0;
   for (const PresetForm& candidate : kPresetForms)
     if (words[0] == candidate.sub) form = &candidate;
-  if (form == nullptr || words.size() != form->operands + 1) {
-    fprintf(stderr, "configctl: usage: configctl %s\nTry 'configctl --help'.\n",
-            form != nullptr ? form->form : "preset save|recall|list|export|import ...");
+  // A missing operand or a preset that is not a number is a malformed
+  // command line; a number out of range is refused below.
+  if (form == nullptr || words.size() != form->operands + 1 ||
+      (form->operands > 0 && !ParseNumber(words[1], number))) {
+    Console::Error("usage: configctl %s\nTry 'configctl --help'.",
+                   form != nullptr ? form->form : "preset save|recall|list|export|import ...");
     return kExitUsage;
   }
   const std::string sub = words[0];
-  unsigned int number = 0;
   // Preset 0 is the factory preset: it can be recalled and exported only.
   bool readable = sub == "recall" || sub == "export";
   if (!readable && sub != "list" && words[1] == "0") {
@@ -197,18 +207,18 @@ int RunPreset(const Arguments& arguments) {
   }
   if (sub != "list" && !ParsePreset(words[1], readable ? 0 : 1, number)) return kExitFailure;
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("preset");
   if (client == nullptr) return kExitFailure;
   if (sub == "save") return Save(client, number, arguments);
   if (sub == "recall") return Recall(client, number);
-  if (sub == "list") return List(client);
+  if (sub == "list") return List(client, arguments.json);
   if (sub == "export") return Export(client, number, words[2]);
   return Import(client, number, words[2]);
 }
 
 int RunFactoryReset(const Arguments& arguments) {
   DaemonLink link(arguments.uri);
-  Config* client = link.Open();
+  Config* client = link.Open("factory-reset");
   if (client == nullptr) return kExitFailure;
   OwnerRequest reset = Ask(client, "reset", arguments.hard ? 2 : 1);
   if (!reset.Failure().empty() || reset.GetState() != kRegisterDone) {

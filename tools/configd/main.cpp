@@ -19,6 +19,7 @@
 
 #include "config/access/xconfigmgr_records.h"
 #include "configd/daemon.h"
+#include "support/logger.h"
 
 namespace {
 
@@ -69,6 +70,8 @@ void PrintUsage(FILE* out) {
           "                            or /var/lib/configd without HOME)\n"
           "  --flush-ms N              the longest a changed setting waits to be\n"
           "                            written (1 to 60000, default 100)\n"
+          "  --verbose                 also print the library's diagnostics and\n"
+          "                            start-up and stop progress on standard error\n"
           "  --version                 the version\n"
           "  --help                    this text\n"
           "Ports 0 let the system choose; each server prints the port it got.\n",
@@ -205,6 +208,10 @@ int main(int argc, char** argv) {
       printf("configd %s\n", LIBCONFIG_VERSION);
       return 0;
     }
+    if (arg == "--verbose") {
+      zyn::logging::SetVerbose(true);
+      continue;
+    }
     const Option* option = nullptr;
     const char* value = nullptr;
     for (const Option& candidate : kOptions) {
@@ -234,8 +241,10 @@ int main(int argc, char** argv) {
   RaiseDescriptorLimit(options.maxConnections);
   ConfigDaemon daemon;
   if (!daemon.Start(options)) return 1;
-  fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
-          options.stateDir.c_str());
+  const bool verbose = zyn::logging::IsVerbose();
+  if (verbose)
+    fprintf(stderr, "configd: serving %zu parameters, state in %s\n", daemon.GetParamCount(),
+            options.stateDir.c_str());
   printf("configd: ready on port %d\n", daemon.GetPort());
   printf("configd: tcp ready on port %d\n", daemon.GetTcpPort());
   printf("configd: udp ready on port %d\n", daemon.GetUdpPort());
@@ -243,11 +252,12 @@ int main(int argc, char** argv) {
 
   int received = 0;
   while (sigwait(&stopSignals, &received) != 0 || received == SIGHUP) {
-    if (received == SIGHUP) fprintf(stderr, "configd: SIGHUP ignored\n");
+    if (received == SIGHUP && verbose) fprintf(stderr, "configd: SIGHUP ignored\n");
     received = 0;
   }
-  fprintf(stderr, "configd: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
+  if (verbose)
+    fprintf(stderr, "configd: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
   if (!daemon.Stop()) return 1;
-  fprintf(stderr, "configd: stopped\n");
+  if (verbose) fprintf(stderr, "configd: stopped\n");
   return 0;
 }

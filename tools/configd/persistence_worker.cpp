@@ -11,6 +11,7 @@
 #include "config/values/config_value.h"
 #include "configd/sector_file.h"
 #include "configd/value_image.h"
+#include "support/logger.h"
 
 namespace {
 
@@ -41,9 +42,11 @@ bool PersistenceWorker::Restore() {
   std::string data;
   SectorFile::LoadResult loaded = _file->Load(data);
   if (loaded != SectorFile::LoadResult::kLoaded) {
-    fprintf(stderr, "PersistenceWorker::Restore - %s, starting at factory values\n",
-            loaded == SectorFile::LoadResult::kMissing ? "no saved settings"
-                                                       : "no valid saved settings");
+    // A first start has nothing saved: that is said only when verbose.
+    if (loaded != SectorFile::LoadResult::kMissing || zyn::logging::IsVerbose())
+      fprintf(stderr, "PersistenceWorker::Restore - %s, starting at factory values\n",
+              loaded == SectorFile::LoadResult::kMissing ? "no saved settings"
+                                                         : "no valid saved settings");
     return false;
   }
   zyn::config::values::Vector values;

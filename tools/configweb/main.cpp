@@ -20,6 +20,13 @@
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
 #include "configweb/web_api.h"
+#include "support/logger.h"
+
+// The build passes the project's version to configd and configctl; until it
+// passes it here too, configweb states the same one.
+#ifndef LIBCONFIG_VERSION
+#define LIBCONFIG_VERSION "0.1"
+#endif
 
 namespace {
 
@@ -30,7 +37,7 @@ std::string DefaultUri() { return "socket://127.0.0.1:" + std::to_string(kXConfi
 
 void PrintUsage(FILE* out) {
   fprintf(out,
-          "Usage: configweb [--uri URI] [--listen ADDR:PORT] [--max-streams N]\n"
+          "Usage: configweb [--uri URI] [--listen ADDR:PORT] [--max-streams N] [--verbose]\n"
           "Serves the unit's settings as a web page and a JSON API, through configd.\n"
           "\n"
           "  --uri URI           configd's address (default %s)\n"
@@ -40,6 +47,8 @@ void PrintUsage(FILE* out) {
           "                      everyone who can reach the port control of the unit.\n"
           "  --max-streams N     open event streams allowed at once (default %zu);\n"
           "                      API requests have a limit of their own\n"
+          "  --verbose           also print the library's diagnostics on standard error\n"
+          "  --version           print the version and exit\n"
           "  --help              this text\n",
           DefaultUri().c_str(), kDefaultListen, configweb::HttpServer::kDefaultMaxStreams);
 }
@@ -80,6 +89,14 @@ int main(int argc, char** argv) {
     if (arg == "--help" || arg == "-h") {
       PrintUsage(stdout);
       return 0;
+    }
+    if (arg == "--version") {
+      printf("configweb %s\n", LIBCONFIG_VERSION);
+      return 0;
+    }
+    if (arg == "--verbose") {
+      zyn::logging::SetVerbose(true);
+      continue;
     }
     std::string error;
     if (!OptionValue(argc, argv, i, "--uri", uri, error) &&
@@ -126,7 +143,9 @@ int main(int argc, char** argv) {
   int received = 0;
   while (sigwait(&stopSignals, &received) != 0) {
   }
-  fprintf(stderr, "configweb: %s received, stopping\n", received == SIGINT ? "SIGINT" : "SIGTERM");
+  if (zyn::logging::IsVerbose())
+    fprintf(stderr, "configweb: %s received, stopping\n",
+            received == SIGINT ? "SIGINT" : "SIGTERM");
   server.Stop();
   session.Stop();
   return 0;

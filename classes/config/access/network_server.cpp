@@ -16,6 +16,7 @@
 #include "config/access/network_tcp_connection.h"
 #include "config/access/network_udp_connection.h"
 #include "config/access/socket.h"
+#include "support/logger.h"
 #include "support/rate_limited_log.h"
 #include "support/semaphore_helper.h"
 
@@ -110,7 +111,7 @@ void NetworkServer::Run() {
   } else {
     RunDatagram();
   }
-  fprintf(stderr, "NetworkServer::Run - exiting\n");
+  if (zyn::logging::IsVerbose()) fprintf(stderr, "NetworkServer::Run - exiting\n");
 }
 
 void NetworkServer::RunStream() {
@@ -193,7 +194,8 @@ bool NetworkServer::WaitForDatagram(char* buffer) {
       ::recvfrom(_fd, buffer, kDatagramBufferSize, 0, reinterpret_cast<sockaddr*>(&from), &length);
   if (n < 0 && (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK)) return true;
   if (n == 0 && stop) {
-    fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n");
+    if (zyn::logging::IsVerbose())
+      fprintf(stderr, "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n");
     return false;
   }
   if (n < 0) {

@@ -17,6 +17,7 @@
 #include "config/access/stream_io.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/values/string_value.h"
+#include "support/logger.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -531,8 +532,10 @@ void SocketClient::ProcessEvents() {
                 "***************\n");
       } else {
         int error = errno;
-        fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d: %s\n",
-                error, static_cast<int>(getpid()), FailureCause(error));
+        // No error number: configd closed the connection in order.
+        if (error != 0 || zyn::logging::IsVerbose())
+          fprintf(stderr, "SocketClient::ProcessEvents - recv ERROR (%d) in processid %d: %s\n",
+                  error, static_cast<int>(getpid()), FailureCause(error));
       }
       _events_broken = true;
       break;

@@ -11,6 +11,7 @@
 #include "config/access/url.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/manager/config_cache.h"
+#include "support/logger.h"
 #include "support/semaphore_helper.h"
 
 namespace zyn {
@@ -34,11 +35,15 @@ Config* SocketFactory::Connect(std::string uri) {
   int configID = 0;
   size_t at = uri.find("configid=");
   int matches = at == std::string::npos ? 0 : sscanf(uri.c_str() + at, "configid=%d", &configID);
+  // A URI without a config ID means store 0: said only when verbose. A
+  // config ID that cannot be read is always reported.
+  bool verbose = zyn::logging::IsVerbose();
   if (matches != 1) {
-    fprintf(stderr, "SocketFactory::Connect - unable to read configid, matches = %d, uri = %s\n",
-            matches, uri.c_str());
+    if (verbose || at != std::string::npos)
+      fprintf(stderr, "SocketFactory::Connect - unable to read configid, matches = %d, uri = %s\n",
+              matches, uri.c_str());
     configID = 0;
-  } else {
+  } else if (verbose) {
     fprintf(stderr, "SocketFactory::Connect - connecting to configid %d\n", configID);
   }
 

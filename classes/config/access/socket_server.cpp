@@ -11,6 +11,7 @@
 
 #include "config/access/socket.h"
 #include "config/access/socket_connection.h"
+#include "support/logger.h"
 
 namespace zyn {
 namespace config {
@@ -86,11 +87,11 @@ void SocketServer::Run() {
       if (_stop) break;
     }
   }
-  fprintf(stderr, "SocketServer::Run - exiting\n");
+  if (zyn::logging::IsVerbose()) fprintf(stderr, "SocketServer::Run - exiting\n");
 }
 
 void SocketServer::Stop() {
-  fprintf(stderr, "SocketServer::Stop - called\n");
+  if (zyn::logging::IsVerbose()) fprintf(stderr, "SocketServer::Stop - called\n");
   // Shutting the listening socket down makes the waiting accept fail; the
   // server thread closes it when it leaves. The flag is set last: once it
   // is, the thread may delete the server at any moment.

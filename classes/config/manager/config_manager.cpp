@@ -13,6 +13,7 @@
 #include "config/manager/update_precondition_values.h"
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
+#include "support/logger.h"
 #include "support/semaphore_helper.h"
 
 namespace {
@@ -81,7 +82,8 @@ ConfigManager::~ConfigManager() {
 }
 
 bool ConfigManager::Init() {
-  fprintf(stderr, "ConfigManager::Init - calling AddDefaultPreconditions!\n");
+  if (zyn::logging::IsVerbose())
+    fprintf(stderr, "ConfigManager::Init - calling AddDefaultPreconditions!\n");
   AddDefaultPreconditions();
   InitDefaultConfig();
   return true;
@@ -103,7 +105,7 @@ bool ConfigManager::InitDefaultConfig() {
     SemaphoreHelper lock(&_values_lock);
     PublishSlots();
   }
-  fprintf(stderr, "ConfigManager::InitDefaultConfig() - end\n");
+  if (zyn::logging::IsVerbose()) fprintf(stderr, "ConfigManager::InitDefaultConfig() - end\n");
   return true;
 }
 

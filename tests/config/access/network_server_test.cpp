@@ -211,6 +211,7 @@ TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeO
 TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
   RawPeer peer(server.port);
   ASSERT_EQ(0u, peer.Connect(kClient));
+  VerboseDiagnostics verbose;
   std::string err = Stderr([&] { server.Stop(); });
   EXPECT_NE(std::string::npos, err.find("NetworkServer::Run - exiting\n"));
   EXPECT_EQ(0, NetworkTCPConnection::LiveCount());
@@ -375,6 +376,7 @@ TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
   ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
+  VerboseDiagnostics verbose;
   std::string err = Stderr([&] { udp.Stop(); });
   EXPECT_NE(std::string::npos,
             err.find("NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"

@@ -119,6 +119,7 @@ TEST_F(SocketClientTest, RequestsInOrder) {
 }
 
 TEST_F(SocketClientTest, ConnectMessages) {
+  VerboseDiagnostics verbose;
   testing::internal::CaptureStderr();
   Config* client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port));
   std::string err = testing::internal::GetCapturedStderr();
