@@ -104,8 +104,14 @@ program=$work/$(basename "$example" .cpp)
 LD_LIBRARY_PATH=$moved/lib "$program" "$uri" >"$work/out" 2>"$work/err" ||
   fail "$program $uri: $(cat "$work/err")"
 grep -q 'front panel locked' "$work/out" || fail "the example printed: $(cat "$work/out")"
-# A client that does nothing wrong writes nothing on standard error.
+# A client that does nothing wrong writes nothing on standard error; the
+# diagnostics switch brings the library's own lines back (here: a URI
+# without its config ID).
 [ -s "$work/err" ] && fail "the example wrote on standard error: $(cat "$work/err")"
+LIBCONFIG_VERBOSE=1 LD_LIBRARY_PATH=$moved/lib "$program" "socket://127.0.0.1:$port" \
+  >/dev/null 2>"$work/err" || fail "$program without configid: $(cat "$work/err")"
+grep -q '^SocketFactory::Connect - unable to read configid' "$work/err" ||
+  fail "LIBCONFIG_VERBOSE=1 showed: $(cat "$work/err")"
 "$moved/bin/configctl" --uri "$uri" get FrontPanelLock | grep -q '= 1 (Locked)' ||
   fail "the panel is not locked"
 echo "ok"
