@@ -117,9 +117,10 @@ void ConfigManager::DeleteAllUpdatePreconditions() {
 
 void ConfigManager::UpdateDefaultOnly() {
   _default_only = nullptr;
-  if (_preconditions.size() == 1 && _preconditions[0] != nullptr &&
-      typeid(*_preconditions[0]) == typeid(zyn::config::UpdatePreconditionValues))
-    _default_only = static_cast<zyn::config::UpdatePreconditionValues*>(_preconditions[0]);
+  if (_preconditions.size() != 1 || _preconditions.front() == nullptr) return;
+  zyn::config::UpdatePrecondition& only = *_preconditions.front();
+  if (typeid(only) == typeid(zyn::config::UpdatePreconditionValues))
+    _default_only = static_cast<zyn::config::UpdatePreconditionValues*>(&only);
 }
 
 int ConfigManager::IncrementUseCount() {
