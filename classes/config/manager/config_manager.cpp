@@ -375,10 +375,7 @@ bool ConfigManager::Set(eParam_t id, unsigned int value) {
     fprintf(stderr, "%s", kIntegerFailure);
     return false;
   }
-  SemaphoreHelper lock(&_listeners_lock);
-  slot->integer->Set(value);
-  Notify(id, value);
-  if (!slot->dependents.empty()) NotifyDependents(slot->dependents);
+  StoreAndNotify(*slot, *slot->integer, value);
   return true;
 }
 
@@ -387,11 +384,16 @@ bool ConfigManager::Set(eParam_t id, std::string value) {
   const Slot* slot = FindSlot(id);
   if (slot == nullptr || slot->text == nullptr || _default_only == nullptr)
     return SetQueued(id, std::move(value), kStringSetLine, kStringFailure);
-  SemaphoreHelper lock(&_listeners_lock);
-  slot->text->Set(value);
-  Notify(id, value);
-  if (!slot->dependents.empty()) NotifyDependents(slot->dependents);
+  StoreAndNotify(*slot, *slot->text, value);
   return true;
+}
+
+template <typename Value, typename T>
+void ConfigManager::StoreAndNotify(const Slot& slot, Value& held, const T& value) {
+  SemaphoreHelper lock(&_listeners_lock);
+  held.Set(value);
+  Notify(slot.id, value);
+  if (!slot.dependents.empty()) NotifyDependents(slot.dependents);
 }
 
 bool ConfigManager::SetData(eParam_t id, std::string& data) {

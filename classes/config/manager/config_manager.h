@@ -161,6 +161,10 @@ class ConfigManager : public Config {
   // The general path: a queue of updates offered to every precondition.
   template <typename T>
   bool SetQueued(eParam_t id, T value, int line, const char* failure);
+  // A write through the slot: stores `value` in `held` (the slot's value)
+  // and notifies, under _listeners_lock.
+  template <typename Value, typename T>
+  void StoreAndNotify(const Slot& slot, Value& held, const T& value);
   // Notification passes; the caller holds _listeners_lock.
   void Notify(eParam_t id, unsigned int value);
   void Notify(eParam_t id, const std::string& value);

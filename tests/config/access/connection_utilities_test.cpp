@@ -35,17 +35,6 @@ TEST(ConnectionUtilitiesTest, ConnectionIDsCarryThePidAndACounter) {
       << "concurrent clients must never share an ID";
 }
 
-TEST(ConnectionUtilitiesTest, NameFromPid) {
-  EXPECT_EQ(program_invocation_short_name, ConnectionUtilities::name_from_pid(getpid()));
-  EXPECT_EQ("", ConnectionUtilities::name_from_pid(-1));
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([] {
-      for (int pid = 1; pid < 50; ++pid) ConnectionUtilities::name_from_pid(pid);
-    });
-  for (std::thread& thread : threads) thread.join();
-}
-
 TEST(ConnectionUtilitiesTest, TraceLines) {
   using Lines = ConnectionUtilities;
   const uint32_t pid = static_cast<uint32_t>(getpid()) & 0xFFFF, id = (3u << 16) | pid;

@@ -92,7 +92,3 @@ TEST_F(ClassFactoryTest, UnknownPresetsPolicy) {
   EXPECT_EQ("PresetsFactory::Create - unknown policy 5, unable to create Presets instance\n", err);
 }
 
-TEST_F(ClassFactoryTest, UnsetClassId) {
-  IntegerValue value;
-  EXPECT_EQ(eClassID_Unset, value.GetClassID());
-}
