@@ -33,6 +33,7 @@
 #include <thread>
 #include <vector>
 
+#include "common/parameters.h"
 #include "config/access/socket_connection.h"
 #include "config/access/socket_factory.h"
 #include "config/access/socket_server.h"
@@ -40,7 +41,6 @@
 #include "config/config_factory_impl.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
-#include "configctl/parameters.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -314,7 +314,7 @@ int main(int argc, char** argv) {
   if (getenv("CONFIGWEB_LOAD_VERBOSE") == nullptr) freopen("/dev/null", "w", stderr);
 
   CreateDescriptors();
-  configctl::BuildMapperTables();
+  common::BuildMapperTables();
   Config* store = ConfigFactoryImpl::GetInstance()->Connect("local:configid=0");
   SocketServer* server = new SocketServer(0);
   if (!server->Init() || !server->Start()) return 1;

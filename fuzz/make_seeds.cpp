@@ -13,6 +13,9 @@
 
 #include "config/access/xconfigmgr_records.h"
 #include "config/descriptors/param_descriptors.h"
+#include "config/owner/preset_image.h"
+#include "config/owner/sector_codec.h"
+#include "config/owner/value_image.h"
 #include "config/values/checkpoint.h"
 #include "config/values/class_factory.h"
 #include "config/values/integer_value.h"
@@ -22,9 +25,6 @@
 #include "config/values/sector_header.h"
 #include "config/values/string_value.h"
 #include "config/values/vector.h"
-#include "configd/preset_image.h"
-#include "configd/sector_codec.h"
-#include "configd/value_image.h"
 
 namespace {
 

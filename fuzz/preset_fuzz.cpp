@@ -4,11 +4,11 @@
 // header's product and file size, so that the values behind it are reached.
 #include <string>
 
+#include "config/owner/preset_image.h"
+#include "config/owner/value_image.h"
 #include "config/values/big_endian.h"
 #include "config/values/config_value.h"
 #include "config/values/vector.h"
-#include "configd/preset_image.h"
-#include "configd/value_image.h"
 #include "fuzz_common.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {

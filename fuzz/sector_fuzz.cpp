@@ -7,11 +7,11 @@
 #include <cerrno>
 #include <string>
 
+#include "config/owner/file_system.h"
+#include "config/owner/persistence_worker.h"
+#include "config/owner/sector_codec.h"
+#include "config/owner/sector_file.h"
 #include "config/values/big_endian.h"
-#include "configd/file_system.h"
-#include "configd/persistence_worker.h"
-#include "configd/sector_codec.h"
-#include "configd/sector_file.h"
 #include "fuzz_common.h"
 
 namespace {

@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <list>
 
+#include "common/formatting.h"
+#include "common/json.h"
+#include "common/user_access.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/owner_params.h"
@@ -12,14 +15,13 @@
 #include "config/manager/config_cache.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
-#include "configctl/formatting.h"
-#include "configctl/json.h"
 #include "configctl/mapping_commands.h"
 #include "configctl/presets.h"
-#include "configctl/user_access.h"
 #include "configctl/watch.h"
 
 namespace configctl {
+
+using namespace common;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "configctl/daemon_link.h"
 
+#include "common/parameters.h"
 #include "config/access/mapping_config.h"
 #include "config/access/network_client.h"
 #include "config/access/socket_client.h"
@@ -79,7 +80,7 @@ bool DaemonLink::SetsAreAnswered() const { return _uri.find("udp:") != std::stri
 bool DaemonLink::TakesRequests() const { return _uri.find("multicast:") == std::string::npos; }
 
 Config* DaemonLink::Map(Config* requests, Config* events) {
-  BuildMapperTables();
+  common::BuildMapperTables();
   auto* mapper = new tundra::mapper::TundraParamMapper();
   auto* mapping = new zyn::boxline::config::access::MappingConfig(requests, mapper, events);
   mapper->SetConfig(mapping);

@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "common/parameters.h"
 #include "config/access/socket_factory.h"
 #include "config/mapper/param_mapper.h"
-#include "configctl/parameters.h"
 
 class Config;
 class ParamDescriptor;

@@ -5,17 +5,19 @@
 #include <cstdio>
 #include <vector>
 
+#include "common/formatting.h"
+#include "common/json.h"
+#include "common/parameters.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/mapper/tundra_param_mapper.h"
 #include "configctl/commands.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
-#include "configctl/formatting.h"
-#include "configctl/json.h"
-#include "configctl/parameters.h"
 
 namespace configctl {
+
+using namespace common;
 
 using tundra::mapper::TundraParamMapper;
 

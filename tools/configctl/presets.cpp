@@ -5,19 +5,21 @@
 #include <cstdio>
 #include <string>
 
+#include "common/json.h"
+#include "common/owner_request.h"
+#include "common/parameters.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/values/file.h"
 #include "config/values/presets_param_vector.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
-#include "configctl/json.h"
-#include "configctl/owner_request.h"
-#include "configctl/parameters.h"
 
 using namespace zyn::config::values;
 
 namespace configctl {
+
+using namespace common;
 
 namespace {
 

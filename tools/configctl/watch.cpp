@@ -7,14 +7,16 @@
 #include <list>
 #include <vector>
 
+#include "common/formatting.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/param_descriptors.h"
 #include "configctl/commands.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
-#include "configctl/formatting.h"
 
 namespace configctl {
+
+using namespace common;
 
 namespace {
 

@@ -15,9 +15,9 @@
 #include <set>
 #include <string>
 
+#include "common/parameters.h"
 #include "config/config_event_listener.h"
 #include "configctl/arguments.h"
-#include "configctl/parameters.h"
 
 namespace configctl {
 
@@ -25,7 +25,7 @@ class ChangeQueue : public ConfigEventListener {
  public:
   struct Change {
     unsigned int id = 0;
-    ParamValue value;
+    common::ParamValue value;
     timeval when{};
   };
 

@@ -18,7 +18,7 @@
 #include <string>
 
 #include "config/access/xconfigmgr_records.h"
-#include "configd/daemon.h"
+#include "config/owner/daemon.h"
 #include "support/logger.h"
 
 namespace {

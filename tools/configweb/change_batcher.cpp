@@ -2,8 +2,8 @@
 
 #include <chrono>
 
+#include "common/formatting.h"
 #include "config/descriptors/param_descriptors.h"
-#include "configctl/formatting.h"
 #include "configweb/event_hub.h"
 
 namespace configweb {
@@ -18,7 +18,7 @@ void AppendChanges(std::string& out, const Changes& changes) {
     const ChangeBatcher::Change& change = entry.second;
     if (!first) out += ',';
     first = false;
-    out += configctl::EventJson(change.when, change.id, GetDescriptor(change.id), change.value);
+    out += common::EventJson(change.when, change.id, GetDescriptor(change.id), change.value);
   }
 }
 
@@ -49,8 +49,7 @@ void ChangeBatcher::Stop() {
 void ChangeBatcher::Record(Change change) {
   std::unique_lock<std::mutex> hold(_lock);
   unsigned int id = change.id;
-  if (!_publishing && !_stopping && _pending.empty() &&
-      std::chrono::steady_clock::now() >= _next) {
+  if (!_publishing && !_stopping && _pending.empty() && std::chrono::steady_clock::now() >= _next) {
     // Quiet until now: this change is its own frame, sent from here.
     _publishing = true;
     _latest[id] = change;

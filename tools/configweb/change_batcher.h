@@ -37,7 +37,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "configctl/parameters.h"
+#include "common/parameters.h"
 
 namespace configweb {
 
@@ -50,7 +50,7 @@ class ChangeBatcher {
 
   struct Change {
     unsigned int id = 0;
-    configctl::ParamValue value;
+    common::ParamValue value;
     timeval when{};
   };
 

@@ -6,20 +6,20 @@
 #include <chrono>
 #include <cstdio>
 
+#include "common/formatting.h"
+#include "common/json.h"
 #include "config/access/mapping_config.h"
 #include "config/access/socket_client.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_ids.h"
 #include "config/event_loss_counter.h"
 #include "config/mapper/tundra_param_mapper.h"
-#include "configctl/formatting.h"
-#include "configctl/json.h"
 #include "configweb/event_hub.h"
 
 namespace configweb {
 
-using configctl::Json;
-using configctl::ParamValue;
+using common::Json;
+using common::ParamValue;
 using zyn::config::access::SocketFactory;
 
 bool OpenPageLink(SocketFactory& factory, const std::string& uri, PageLink& link) {
@@ -121,7 +121,7 @@ bool DaemonSession::ReadValue(const ParamDescriptor* descriptor, ParamValue& val
   std::lock_guard<std::mutex> hold(_lock);
   if (!_connected) return false;
   uint64_t ticket = _cache.Ticket();
-  read = configctl::ReadValue(_link.requests, descriptor, value);
+  read = common::ReadValue(_link.requests, descriptor, value);
   // A generic parameter's value follows its selector, which its events do
   // not cover: it is always read.
   auto* mapping = dynamic_cast<zyn::boxline::config::access::MappingConfig*>(_link.requests);
@@ -140,7 +140,7 @@ std::string DaemonSession::StatusFrame() {
 }
 
 std::string DaemonSession::StatusFrameLocked() const {
-  return EventFrame("daemon", configctl::JsonText(Json{{"connected", _connected}, {"uri", _uri}}));
+  return EventFrame("daemon", common::JsonText(Json{{"connected", _connected}, {"uri", _uri}}));
 }
 
 bool DaemonSession::ConnectLocked() {
@@ -178,7 +178,7 @@ void DaemonSession::ResyncLocked() {
     change.id = id;
     change.when = now;
     const ParamDescriptor* descriptor = GetDescriptor(id);
-    if (descriptor != nullptr && configctl::ReadValue(_link.requests, descriptor, change.value))
+    if (descriptor != nullptr && common::ReadValue(_link.requests, descriptor, change.value))
       current.push_back(std::move(change));
   }
   _batcher.Resync(current);

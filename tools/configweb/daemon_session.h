@@ -98,7 +98,7 @@ class DaemonSession {
   // The current value of `descriptor`'s parameter, from the value cache
   // when it holds it, else read through the request connection. False when
   // configd is not connected; otherwise `read` says whether a value came.
-  bool ReadValue(const ParamDescriptor* descriptor, configctl::ParamValue& value, bool& read);
+  bool ReadValue(const ParamDescriptor* descriptor, common::ParamValue& value, bool& read);
   // Makes the next read of `id` go to configd (after a set through it).
   void ForgetValue(unsigned int id) { _cache.Forget(id); }
   bool IsConnected();

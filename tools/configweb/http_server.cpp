@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "configctl/parameters.h"
+#include "common/parameters.h"
 #include "configweb/event_hub.h"
 #include "configweb/web_api.h"
 
@@ -49,7 +49,7 @@ bool ParseListenAddress(const std::string& text, std::string& address, int& port
   if (address.size() >= 2 && address.front() == '[' && address.back() == ']')
     address = address.substr(1, address.size() - 2);
   unsigned int number = 0;
-  if (!configctl::ParseNumber(text.substr(colon + 1), number) || number > 65535) return false;
+  if (!common::ParseNumber(text.substr(colon + 1), number) || number > 65535) return false;
   port = static_cast<int>(number);
   return !address.empty();
 }

@@ -12,10 +12,10 @@
 #include <cstring>
 #include <string>
 
+#include "common/parameters.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
-#include "configctl/parameters.h"
 #include "configweb/daemon_session.h"
 #include "configweb/event_hub.h"
 #include "configweb/http_server.h"
@@ -110,7 +110,7 @@ int main(int argc, char** argv) {
   if (!configweb::ParseListenAddress(listen, address, port))
     return UsageError("invalid listen address '" + listen + "' (ADDR:PORT)");
   unsigned int maxStreams = 0;
-  if (!configctl::ParseNumber(maxStreamsText, maxStreams) || maxStreams == 0)
+  if (!common::ParseNumber(maxStreamsText, maxStreams) || maxStreams == 0)
     return UsageError("invalid --max-streams '" + maxStreamsText + "' (a number from 1)");
 
   sigset_t stopSignals;
@@ -124,7 +124,7 @@ int main(int argc, char** argv) {
   // starts; every thread only reads them.
   CreateDescriptors();
   AddOwnerDescriptors();
-  configctl::BuildMapperTables();
+  common::BuildMapperTables();
   configweb::EventHub hub;
   configweb::DaemonSession session(uri, hub);
   configweb::WebApi api(session);

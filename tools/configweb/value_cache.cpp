@@ -2,7 +2,7 @@
 
 namespace configweb {
 
-void ValueCache::Changed(unsigned int id, const configctl::ParamValue& value) {
+void ValueCache::Changed(unsigned int id, const common::ParamValue& value) {
   std::lock_guard<std::mutex> hold(_lock);
   _live = true;
   Entry& entry = _entries[id];
@@ -10,7 +10,7 @@ void ValueCache::Changed(unsigned int id, const configctl::ParamValue& value) {
   if (entry.valid) entry.value = value;
 }
 
-bool ValueCache::Find(unsigned int id, configctl::ParamValue& value) {
+bool ValueCache::Find(unsigned int id, common::ParamValue& value) {
   std::lock_guard<std::mutex> hold(_lock);
   auto it = _entries.find(id);
   if (it == _entries.end() || !it->second.valid) return false;
@@ -23,7 +23,7 @@ uint64_t ValueCache::Ticket() {
   return _live ? _events + 1 : 0;
 }
 
-void ValueCache::Fill(unsigned int id, const configctl::ParamValue& value, uint64_t ticket) {
+void ValueCache::Fill(unsigned int id, const common::ParamValue& value, uint64_t ticket) {
   std::lock_guard<std::mutex> hold(_lock);
   if (ticket == 0 || !_live) return;
   Entry& entry = _entries[id];

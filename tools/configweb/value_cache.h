@@ -21,7 +21,7 @@
 #include <mutex>
 #include <unordered_map>
 
-#include "configctl/parameters.h"
+#include "common/parameters.h"
 
 namespace configweb {
 
@@ -32,13 +32,13 @@ class ValueCache {
   ValueCache& operator=(const ValueCache&) = delete;
 
   // A change heard on the event connection.
-  void Changed(unsigned int id, const configctl::ParamValue& value);
+  void Changed(unsigned int id, const common::ParamValue& value);
   // True with `value` when the cache holds the parameter's current value.
-  [[nodiscard]] bool Find(unsigned int id, configctl::ParamValue& value);
+  [[nodiscard]] bool Find(unsigned int id, common::ParamValue& value);
   // Taken before reading a value from configd; 0 while nothing may be kept.
   [[nodiscard]] uint64_t Ticket();
   // Keeps `value`, read after `ticket`, unless an event of `id` came since.
-  void Fill(unsigned int id, const configctl::ParamValue& value, uint64_t ticket);
+  void Fill(unsigned int id, const common::ParamValue& value, uint64_t ticket);
   void Forget(unsigned int id);
   // The link was dropped: nothing is kept until an event proves the new one.
   void Reset();
@@ -47,7 +47,7 @@ class ValueCache {
   struct Entry {
     bool valid = false;
     uint64_t lastEvent = 0;  // _events when the parameter last changed
-    configctl::ParamValue value;
+    common::ParamValue value;
   };
 
   std::mutex _lock;

@@ -7,6 +7,11 @@
 #include <thread>
 #include <vector>
 
+#include "common/formatting.h"
+#include "common/json.h"
+#include "common/owner_request.h"
+#include "common/parameters.h"
+#include "common/user_access.h"
 #include "config/access/mapping_config.h"
 #include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
@@ -15,20 +20,15 @@
 #include "config/descriptors/param_groups.h"
 #include "config/descriptors/param_ids.h"
 #include "config/values/presets_param_vector.h"
-#include "configctl/formatting.h"
-#include "configctl/json.h"
-#include "configctl/owner_request.h"
-#include "configctl/parameters.h"
-#include "configctl/user_access.h"
 #include "configweb/daemon_session.h"
 #include "configweb/page.h"
 
 namespace configweb {
 
-using configctl::Json;
-using configctl::JsonText;
-using configctl::ParamValue;
-using configctl::SetOutcome;
+using common::Json;
+using common::JsonText;
+using common::ParamValue;
+using common::SetOutcome;
 
 namespace {
 
@@ -83,7 +83,7 @@ std::vector<std::string> PathSegments(const std::string& target, bool& valid) {
 
 int StringToGroup(const std::string& text) {
   unsigned int number = 0;
-  if (!configctl::ParseNumber(text, number) || number < static_cast<unsigned int>(kFirstGroup) ||
+  if (!common::ParseNumber(text, number) || number < static_cast<unsigned int>(kFirstGroup) ||
       number > static_cast<unsigned int>(kLastGroup))
     return 0;
   return static_cast<int>(number);
@@ -211,22 +211,21 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
       {"param", descriptor->GetParamIDName()},
       {"id", descriptor->GetParamID()},
       {"name", descriptor->GetName()},
-      {"readonly", configctl::IsUserReadOnly(configctl::EffectiveDescriptor(descriptor, config))}};
+      {"readonly", common::IsUserReadOnly(common::EffectiveDescriptor(descriptor, config))}};
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor))
     object["step"] = integer->GetAdjustBy();
   // A generic parameter says which specific one it stands for now.
   if (auto* mapping = dynamic_cast<zyn::boxline::config::access::MappingConfig*>(config)) {
     unsigned int mapped = mapping->MapID(descriptor->GetParamID());
     if (mapped != descriptor->GetParamID()) {
-      object["maps_to"] = configctl::ParamName(mapped, GetDescriptor(mapped));
+      object["maps_to"] = common::ParamName(mapped, GetDescriptor(mapped));
       object["maps_to_id"] = mapped;
     }
   }
-  object["descriptor"] = Json::parse(configctl::DescribeJson(descriptor));
+  object["descriptor"] = Json::parse(common::DescribeJson(descriptor));
   ParamValue value;
-  if (configctl::ReadValue(config, descriptor, value))
-    object["current"] =
-        Json::parse(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
+  if (common::ReadValue(config, descriptor, value))
+    object["current"] = Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, value));
   return object;
 }
 
@@ -247,22 +246,22 @@ WebReply WebApi::Group(const std::string& number) {
 }
 
 WebReply WebApi::GetParam(const std::string& name) {
-  ParamDescriptor* descriptor = configctl::FindParameter(name);
+  ParamDescriptor* descriptor = common::FindParameter(name);
   if (descriptor == nullptr) return Error(404, "unknown parameter '" + name + "'");
   ParamValue value;
   bool read = false;
   if (!_session.ReadValue(descriptor, value, read)) return Unreachable(_session);
   if (!read) return Error(502, "configd gave no value for " + descriptor->GetParamIDName());
-  return JsonReply(configctl::ValueJson(descriptor->GetParamID(), descriptor, value));
+  return JsonReply(common::ValueJson(descriptor->GetParamID(), descriptor, value));
 }
 
 WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
-  ParamDescriptor* descriptor = configctl::FindParameter(name);
+  ParamDescriptor* descriptor = common::FindParameter(name);
   if (descriptor == nullptr) return Error(404, "unknown parameter '" + name + "'");
   std::string text;
   std::string error;
   ParamValue requested;
-  if (!BodyValue(body, text, error) || !configctl::ParseValue(descriptor, text, requested, error))
+  if (!BodyValue(body, text, error) || !common::ParseValue(descriptor, text, requested, error))
     return Error(400, error);
   ParamValue before;
   ParamValue after;
@@ -270,25 +269,25 @@ WebReply WebApi::SetParam(const std::string& name, const std::string& body) {
   const ParamDescriptor* target = nullptr;
   bool connected = _session.WithConfig([&](Config* config) {
     // A generic parameter follows the rule of the one it stands for now.
-    target = configctl::EffectiveDescriptor(descriptor, config);
-    if (configctl::IsUserReadOnly(target)) return;
-    if (target != descriptor && !configctl::CheckValue(target, requested, error)) return;
-    if (!configctl::ReadValue(config, descriptor, before)) return;
+    target = common::EffectiveDescriptor(descriptor, config);
+    if (common::IsUserReadOnly(target)) return;
+    if (target != descriptor && !common::CheckValue(target, requested, error)) return;
+    if (!common::ReadValue(config, descriptor, before)) return;
     unsigned int id = descriptor->GetParamID();
     bool sent =
         requested.isString ? config->Set(id, requested.text) : config->Set(id, requested.number);
     // A Get after a Set on the same connection sees the Set's outcome.
-    done = sent && configctl::ReadValue(config, descriptor, after);
+    done = sent && common::ReadValue(config, descriptor, after);
   });
   _session.ForgetValue(descriptor->GetParamID());
-  std::string readOnly = connected ? configctl::ReadOnlyReason(descriptor, target) : "";
+  std::string readOnly = connected ? common::ReadOnlyReason(descriptor, target) : "";
   if (!readOnly.empty()) return Error(403, readOnly);
   if (!error.empty()) return Error(400, error);
   if (!connected) return Unreachable(_session);
   if (!done)
     return Error(502, "could not set " + descriptor->GetParamIDName() + " through configd");
-  SetOutcome outcome = configctl::ClassifySet(descriptor, requested, before, after);
-  WebReply reply = JsonReply(configctl::SetJson(descriptor, requested, after, outcome));
+  SetOutcome outcome = common::ClassifySet(descriptor, requested, before, after);
+  WebReply reply = JsonReply(common::SetJson(descriptor, requested, after, outcome));
   if (outcome == SetOutcome::kRefused) reply.status = 409;
   return reply;
 }
@@ -299,12 +298,12 @@ WebReply WebApi::Preset(const std::string& number, const std::string& operation)
     if (operation == candidate.operation) command = &candidate;
   if (command == nullptr) return Error(404, "no preset command '" + operation + "'");
   unsigned int preset = 0;
-  if (!configctl::ParseNumber(number, preset) || preset > kLastPreset)
+  if (!common::ParseNumber(number, preset) || preset > kLastPreset)
     return Error(400, "invalid preset '" + number + "' (0 to " + std::to_string(kLastPreset) + ")");
   using zyn::config::values::kRegisterDone;
   // Sent as this page's own request: the answer read back is configd's
   // answer to it, whatever other clients ask meanwhile.
-  configctl::OwnerRequest request(operation, preset);
+  common::OwnerRequest request(operation, preset);
   bool sent = false;
   if (!_session.WithConfig([&](Config* config) { sent = request.Send(config); }))
     return Unreachable(_session);

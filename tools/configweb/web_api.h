@@ -15,7 +15,7 @@
 
 #include <string>
 
-#include "configctl/json.h"
+#include "common/json.h"
 
 class Config;
 class ParamDescriptor;
@@ -53,7 +53,7 @@ class WebApi {
   // lost" while it is not connected, 502 when it publishes no health.
   WebReply Health();
   // The descriptor, current value and editing hints of one parameter.
-  configctl::Json ParamJson(ParamDescriptor* descriptor, Config* config);
+  common::Json ParamJson(ParamDescriptor* descriptor, Config* config);
 
   DaemonSession& _session;
 };
