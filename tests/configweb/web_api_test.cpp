@@ -101,7 +101,7 @@ TEST_F(WebTest, GetAndSetGoThroughTheStoreAndSayWhatItKept) {
   EXPECT_EQ("clamped", high.json.get<std::string>("result", ""));
   EXPECT_EQ("100", Value(high));
   EXPECT_EQ("250", high.json.get<std::string>("requested", ""));
-  EXPECT_EQ("eParamID_DisplayIntensity = 100\n", Ctl({"get", "DisplayIntensity"}).out);
+  EXPECT_EQ("eParamID_DisplayIntensity = 100 %\n", Ctl({"get", "DisplayIntensity"}).out);
 
   HttpReply refused = Put("/api/params/FrontPanelLock", "{\"value\":7}");
   EXPECT_EQ(400, refused.status) << refused.body;
@@ -419,9 +419,9 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
   ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI", mapsTo());
 
-  HttpReply set = Put("/api/params/Vid1YUVProcAmpGain", "{\"value\":950}");
+  HttpReply set = Put("/api/params/Vid1YUVProcAmpGain", "{\"value\":95.0}");
   EXPECT_EQ(200, set.status) << set.body;
-  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI = 950\n",
+  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI = 95.0 %\n",
             Ctl({"get", "Vid1YUVProcAmpGain_HDMI"}).out);
 
   EventStream stream;
@@ -430,7 +430,7 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
   std::string data;
   bool seen = false;
   for (int value = 900; value > 850 && !seen; --value) {
-    Ctl({"set", "Vid1YUVProcAmpGain_HDMI", std::to_string(value)});
+    Ctl({"set", "--raw", "Vid1YUVProcAmpGain_HDMI", std::to_string(value)});
     seen = stream.WaitFor("\"param\":\"eParamID_Vid1YUVProcAmpGain\"", 200, &data);
   }
   EXPECT_TRUE(seen) << "the generic's change never arrived";

@@ -38,20 +38,20 @@ TEST_F(ConfigctlDaemonTest, MapAndMappedCommandsFollowTheSelectorsConfigdHolds) 
       Ctl({"--json", "map", "SubnetMask"}).out);
 
   const std::string gain = "eParamID_Vid1YUVProcAmpGain", hdmi = gain + "_HDMI";
-  ASSERT_EQ(0, Ctl({"set", hdmi, "321"}).exitCode);
+  ASSERT_EQ(0, Ctl({"set", hdmi, "32.1"}).exitCode);
   Outcome got = Ctl({"--mapped", "get", "Vid1YUVProcAmpGain"});
-  EXPECT_EQ(gain + " = 321\n", got.out);
+  EXPECT_EQ(gain + " = 32.1 %\n", got.out);
   EXPECT_EQ("", got.err) << "the mapper's build lines stay off the output";
   std::string sdi1 = Ctl({"get", gain + "_SDI1"}).out;
-  EXPECT_EQ(0, Ctl({"--mapped", "set", "Vid1YUVProcAmpGain", "400"}).exitCode);
-  EXPECT_EQ(hdmi + " = 400\n", Ctl({"get", hdmi}).out);
+  EXPECT_EQ(0, Ctl({"--mapped", "set", "Vid1YUVProcAmpGain", "40.0 %"}).exitCode);
+  EXPECT_EQ(hdmi + " = 40.0 %\n", Ctl({"get", hdmi}).out);
   EXPECT_EQ(sdi1, Ctl({"get", gain + "_SDI1"}).out) << "only the selected specific changes";
 
-  auto change = [&] { Ctl({"set", hdmi, "500"}); };
+  auto change = [&] { Ctl({"set", "--raw", hdmi, "500"}); };
   std::string line;
   std::vector<std::string> watch = {"--mapped", "watch", gain, "--count", "1"};
   ASSERT_TRUE(WatchOnce(CtlArgs(daemon.Uri(), watch), line, change)) << line;
-  EXPECT_EQ(" " + gain + " = 500", line.substr(23)) << "the specific's change, as the generic's";
+  EXPECT_EQ(" " + gain + " = 50.0 %", line.substr(23)) << "the specific's change, as the generic's";
   EXPECT_EQ(2, Ctl({"--mapped", "describe", gain}).exitCode) << "--mapped is for get, set, watch";
 }
 

@@ -55,7 +55,7 @@ TEST_F(ConfigctlDaemonTest, GetAcceptsEveryFormOfNameAndPrintsTextOrJson) {
   EXPECT_EQ(0, json.exitCode);
   EXPECT_EQ(
       "{\"param\":\"eParamID_FrontPanelLock\",\"id\":1297570446,\"value\":0,"
-      "\"value_name\":\"Unlocked\"}\n"
+      "\"display\":\"0 (Unlocked)\",\"value_name\":\"Unlocked\"}\n"
       "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"zyn-kr-9\"}\n",
       json.out);
 }
@@ -76,15 +76,60 @@ TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept
       json.out);
 }
 
+TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
+  // A level: tenths of a dB held 600 above the shown value.
+  const char* level = "AudioLevelCh10_SDI1";
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = 0.0 dB\n", Ctl({"get", level}).out);
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -3.0 dB\n", Ctl({"set", level, "-3.0"}).out);
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -2.5 dB\n", Ctl({"set", level, "-2.5 dB"}).out);
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = 12.0 dB (clamped from 60.0 dB)\n",
+            Ctl({"set", level, "60"}).out);
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -2.0 dB\n", Ctl({"set", "--raw", level, "580"}).out);
+  nlohmann::json json = nlohmann::json::parse(Ctl({"--json", "get", level}).out);
+  EXPECT_EQ(-2.0, json["value"]);
+  EXPECT_EQ(580, json["raw"]);
+  EXPECT_EQ("-2.0 dB", json["display"]);
+  EXPECT_EQ(10, json["scale_by"]);
+  EXPECT_EQ(600, json["offset_by"]);
+  EXPECT_EQ(1, json["display_precision"]);
+  std::string described = Ctl({"describe", level}).out;
+  EXPECT_NE(std::string::npos, described.find("range           -60.0 to 12.0 dB (raw 0 to 720)\n"))
+      << described;
+  EXPECT_NE(std::string::npos, described.find("default         0.0 dB\n")) << described;
+  for (const auto& refused : std::vector<std::pair<std::string, std::string>>{
+           {"-3.25", "'-3.25' is finer than eParamID_AudioLevelCh10_SDI1's step of 0.1 dB"},
+           {"3 dBu", "'3 dBu' is not a number of dB for eParamID_AudioLevelCh10_SDI1"},
+           {"-61",
+            "'-61' is below the lowest value eParamID_AudioLevelCh10_SDI1 can hold, "
+            "-60.0 dB"}}) {
+    Outcome outcome = Ctl({"set", level, refused.first});
+    EXPECT_EQ(1, outcome.exitCode);
+    EXPECT_EQ("configctl: " + refused.second + "\n", outcome.err);
+  }
+  EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -2.0 dB\n", Ctl({"get", level}).out);
+  // An address the user gives the unit is an IPv4 address in dotted-quad form.
+  for (const char* wrong : {"300.1.1.1", "10.0.0", "10.0.0.1 ", "host.local"}) {
+    Outcome outcome = Ctl({"set", "IPAddress_Static", wrong});
+    EXPECT_EQ(1, outcome.exitCode) << wrong;
+    EXPECT_EQ("configctl: refused \"" + std::string(wrong) +
+                  "\" for eParamID_IPAddress_Static: it takes an IPv4 address in dotted-quad "
+                  "form, such as 192.168.0.2\n",
+              outcome.err);
+  }
+  EXPECT_EQ("eParamID_IPAddress_Static = 10.0.0.5\n",
+            Ctl({"set", "IPAddress_Static", "10.0.0.5"}).out);
+}
+
 TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {
   Outcome high = Ctl({"set", kClampedParam, "250"});
   EXPECT_EQ(0, high.exitCode);
-  EXPECT_EQ("eParamID_DisplayIntensity = 100 (clamped from 250)\n", high.out);
+  EXPECT_EQ("eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n", high.out);
   Outcome low = Ctl({"--json", "set", kClampedParam, "0x0A"});
   EXPECT_EQ(0, low.exitCode);
-  EXPECT_NE(std::string::npos,
-            low.out.find("\"value\":25,\"requested\":10,\"result\":\"clamped\"}"));
-  EXPECT_EQ("eParamID_DisplayIntensity = 25\n", Ctl({"get", kClampedParam}).out);
+  EXPECT_NE(std::string::npos, low.out.find("\"value\":25,\"display\":\"25 %\",\"units\":\"%\","
+                                            "\"requested\":10,\"result\":\"clamped\"}"))
+      << low.out;
+  EXPECT_EQ("eParamID_DisplayIntensity = 25 %\n", Ctl({"get", kClampedParam}).out);
 }
 
 TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPrinted) {

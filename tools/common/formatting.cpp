@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 
+#include "common/display_scale.h"
 #include "common/json.h"
 #include "config/descriptors/decimal_descriptor.h"
 #include "config/descriptors/enum_descriptor.h"
@@ -33,18 +34,33 @@ std::string ValueName(const ParamDescriptor* descriptor, const ParamValue& value
   return entry != nullptr ? entry->GetName() : "";
 }
 
-Json ValueOf(const ParamValue& value) {
-  return value.isString ? Json(value.text) : Json(value.number);
+// The value as a user gives it: the shown number of a scaled parameter, the
+// store's number or text otherwise.
+Json ValueOf(const ParamDescriptor* descriptor, const ParamValue& value) {
+  if (value.isString) return value.text;
+  DisplayScale scale = DisplayScale::Of(descriptor);
+  return scale.IsScaled() ? Json(scale.Value(value.number)) : Json(value.number);
 }
 
-// The "param", "id", "value" and "value_name" members.
+// The "param", "id", "value", "value_name" and, for numbers, "display"
+// (the value as text shows it) members, and for a
+// scaled parameter the store's "raw" number with the scale that maps it.
 Json& AddValueMembers(Json& object, unsigned int id, const ParamDescriptor* descriptor,
                       const ParamValue& value) {
   object["param"] = ParamName(id, descriptor);
   object["id"] = id;
-  object["value"] = ValueOf(value);
+  object["value"] = ValueOf(descriptor, value);
+  if (!value.isString) object["display"] = ValueText(descriptor, value);
   std::string name = ValueName(descriptor, value);
   if (!name.empty()) object["value_name"] = name;
+  DisplayScale scale = DisplayScale::Of(descriptor);
+  if (!value.isString && scale.IsScaled()) {
+    object["raw"] = value.number;
+    object["scale_by"] = scale.scaleBy;
+    object["offset_by"] = scale.offsetBy;
+    object["display_precision"] = scale.decimals;
+  }
+  if (!value.isString && !scale.units.empty()) object["units"] = scale.units;
   return object;
 }
 
@@ -165,6 +181,8 @@ std::string ParamName(unsigned int id, const ParamDescriptor* descriptor) {
 
 std::string ValueText(const ParamDescriptor* descriptor, const ParamValue& value) {
   if (value.isString) return value.text;
+  DisplayScale scale = DisplayScale::Of(descriptor);
+  if (scale.number) return scale.TextWithUnits(value.number);
   std::string text = std::to_string(value.number);
   std::string name = ValueName(descriptor, value);
   if (!name.empty()) text += " (" + name + ")";
@@ -217,7 +235,7 @@ std::string SetJson(ParamDescriptor* descriptor, const ParamValue& requested,
                     const ParamValue& stored, SetOutcome outcome) {
   Json object;
   AddValueMembers(object, descriptor->GetParamID(), descriptor, stored);
-  object["requested"] = ValueOf(requested);
+  object["requested"] = ValueOf(descriptor, requested);
   object["result"] = OutcomeName(outcome);
   return JsonText(object);
 }
@@ -234,8 +252,20 @@ std::string DescribeText(ParamDescriptor* descriptor) {
   Field(out, "short name", descriptor->GetShortName());
   Field(out, "type", Coded(KindName(descriptor), descriptor->GetParamType()));
   if (auto* integer = dynamic_cast<IntegerDescriptor*>(descriptor)) {
-    Field(out, "range",
-          std::to_string(integer->GetMinValue()) + " to " + std::to_string(integer->GetMaxValue()));
+    DisplayScale scale = DisplayScale::Of(descriptor);
+    std::string range =
+        std::to_string(integer->GetMinValue()) + " to " + std::to_string(integer->GetMaxValue());
+    if (scale.IsScaled()) {
+      Field(out, "range",
+            scale.Text(integer->GetMinValue()) + " to " +
+                scale.TextWithUnits(integer->GetMaxValue()) + " (raw " + range + ")");
+      Field(out, "display",
+            "(raw - " + std::to_string(scale.offsetBy) + ") / " + std::to_string(scale.scaleBy) +
+                ", " + std::to_string(scale.decimals) +
+                (scale.decimals == 1 ? " decimal" : " decimals"));
+    } else {
+      Field(out, "range", range);
+    }
     ParamValue def;
     def.number = integer->GetFactoryDefault();
     Field(out, "default", ValueText(descriptor, def));
@@ -302,6 +332,9 @@ std::string DescribeJson(ParamDescriptor* descriptor) {
     object["max"] = integer->GetMaxValue();
     object["default"] = integer->GetFactoryDefault();
     object["units"] = integer->GetUnits();
+    object["scale_by"] = integer->GetScaleBy();
+    object["offset_by"] = integer->GetOffsetBy();
+    object["display_precision"] = integer->GetDisplayPrecision();
     if (auto* decimal = dynamic_cast<DecimalDescriptor*>(descriptor))
       object["precision"] = decimal->GetPrecision();
   }

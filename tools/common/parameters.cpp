@@ -1,5 +1,6 @@
 #include "common/parameters.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <strings.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "common/display_scale.h"
 #include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/param_descriptors.h"
@@ -79,6 +81,15 @@ bool EnumValueNamed(EnumDescriptor* enumeration, const std::string& text, unsign
   return true;
 }
 
+// The network addresses a user sets: a string of the network feature whose
+// ID name ends in "_Static". The others (given by DHCP) are the unit's.
+bool IsStaticAddress(const ParamDescriptor* descriptor) {
+  static const std::string kSuffix = "_Static";
+  const std::string& name = descriptor->GetParamIDName();
+  return descriptor->GetFeatureType() == eFeature_Network && name.size() > kSuffix.size() &&
+         name.compare(name.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0;
+}
+
 }  // namespace
 
 bool ParseNumber(const std::string& text, unsigned int& value) {
@@ -118,13 +129,16 @@ bool IsStringParam(const ParamDescriptor* descriptor) {
 }
 
 bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
-                std::string& error) {
+                std::string& error, bool raw) {
   value = ParamValue();
   if (IsStringParam(descriptor)) {
     value.isString = true;
     value.text = text;
     return CheckValue(descriptor, value, error);
   }
+  DisplayScale scale = DisplayScale::Of(descriptor);
+  if (!raw && scale.IsScaled())
+    return scale.Parse(text, descriptor->GetParamIDName(), value.number, error);
   EnumDescriptor* enumeration = dynamic_cast<EnumDescriptor*>(descriptor);
   if (ParseNumber(text, value.number)) {
     if (enumeration == nullptr || CheckValue(descriptor, value, error)) return true;
@@ -155,6 +169,14 @@ bool CheckValue(const ParamDescriptor* descriptor, const ParamValue& value, std:
         return false;
       }
       i += length;
+    }
+    // The addresses a user gives the unit (the _Static ones) are IPv4 in
+    // dotted-quad form; inet_pton takes exactly that, each part 0 to 255.
+    in_addr address;
+    if (IsStaticAddress(descriptor) && inet_pton(AF_INET, text.c_str(), &address) != 1) {
+      error = "refused \"" + text + "\" for " + name +
+              ": it takes an IPv4 address in dotted-quad form, such as 192.168.0.2";
+      return false;
     }
     if (auto* limits = dynamic_cast<const StringDescriptor*>(descriptor)) {
       if (text.size() < limits->GetMinLength() || text.size() > limits->GetMaxLength()) {

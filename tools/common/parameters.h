@@ -35,11 +35,13 @@ bool ParseNumber(const std::string& text, unsigned int& value);
 bool IsStringParam(const ParamDescriptor* descriptor);
 
 // The value `text` means for `descriptor`: its text for a string parameter,
-// a number, or for an enumeration also a value name or short name (exact
-// first, then ignoring case), checked by CheckValue. False with a one-line
-// reason in `error`: nothing that fails here may be sent to the store.
+// a number as it is shown (DisplayScale: "-3.0" or "-3.0 dB" for a level),
+// or the store's own number with `raw` or for a parameter shown unscaled, or
+// for an enumeration also a value name or short name (exact first, then
+// ignoring case), checked by CheckValue. False with a one-line reason in
+// `error`: nothing that fails here may be sent to the store.
 bool ParseValue(ParamDescriptor* descriptor, const std::string& text, ParamValue& value,
-                std::string& error);
+                std::string& error, bool raw = false);
 
 // True when `value` is one `descriptor` holds as it is: a string of valid
 // UTF-8 without U+0000 within the length limits (in bytes),

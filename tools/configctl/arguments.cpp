@@ -1,5 +1,6 @@
 #include "configctl/arguments.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 
@@ -19,7 +20,7 @@ constexpr size_t kAny = static_cast<size_t>(-1);
 
 constexpr CommandName kCommands[] = {
     {"get", Command::kGet, 1, kAny, "get PARAM..."},
-    {"set", Command::kSet, 2, 2, "set [--force] PARAM VALUE"},
+    {"set", Command::kSet, 2, 2, "set [--force] [--raw] PARAM VALUE"},
     {"watch", Command::kWatch, 0, kAny, "watch [PARAM...] [--count N]"},
     {"describe", Command::kDescribe, 1, 1, "describe PARAM"},
     {"list", Command::kList, 0, 0, "list [--group N]"},
@@ -48,10 +49,12 @@ const char* UsageText() {
          "\n"
          "Commands:\n"
          "  get PARAM...                  print each parameter's value\n"
-         "  set [--force] PARAM VALUE     change a value and print what the store kept;\n"
+         "  set [--force] [--raw] PARAM VALUE\n"
+         "                                change a value and print what the store kept;\n"
          "                                values the unit reports (read-only) are\n"
          "                                refused unless --force (for integrators who\n"
-         "                                simulate the hardware)\n"
+         "                                simulate the hardware); --raw: VALUE is the\n"
+         "                                store's number, not the value as shown\n"
          "  watch [PARAM...] [--count N]  print one line per change (all parameters\n"
          "                                without PARAM) until interrupted or N changes\n"
          "  describe PARAM                print the parameter's descriptor\n"
@@ -74,7 +77,10 @@ const char* UsageText() {
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
-         "(decimal or 0x hex), an enumeration's value name, or a string parameter's text.\n"
+         "as shown (-3.0 or \"-3.0 dB\" for a level the store holds as tenths of a dB;\n"
+         "decimal or 0x hex where the shown number is the stored one), an enumeration's\n"
+         "value name, or a string parameter's text. Values are shown scaled, with their\n"
+         "units; --json also gives the store's \"raw\" number and the scale.\n"
          "\n"
          "Options:\n"
          "  --uri URI   the daemon to talk to (default $CONFIGCTL_URI, else\n"
@@ -102,7 +108,10 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   bool optionsEnded = false;
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
-    if (optionsEnded || arg.size() < 2 || arg[0] != '-') {
+    // A negative number ("-3.0 dB" for a level) is a value, not an option.
+    bool negativeNumber = arg.size() >= 2 && arg[0] == '-' &&
+                          (isdigit(static_cast<unsigned char>(arg[1])) || arg[1] == '.');
+    if (optionsEnded || arg.size() < 2 || arg[0] != '-' || negativeNumber) {
       words.push_back(arg);
       continue;
     }
@@ -168,6 +177,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       out.hard = true;
     } else if (name == "--force") {
       out.force = true;
+    } else if (name == "--raw") {
+      out.raw = true;
     } else {
       error = "unknown option '" + arg + "'";
       return false;
@@ -212,6 +223,10 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (out.force && out.command != Command::kSet) {
     error = "--force belongs to set";
+    return false;
+  }
+  if (out.raw && out.command != Command::kSet) {
+    error = "--raw belongs to set";
     return false;
   }
   if (out.hard && out.command != Command::kFactoryReset) {

@@ -48,6 +48,7 @@ struct Arguments {
   std::string name;
   bool hard = false;   // factory-reset --hard
   bool force = false;  // set --force: also a value read-only to users
+  bool raw = false;    // set --raw: VALUE is the store's number, not the shown one
 };
 
 // Fills `out` from argv, the URI from the environment variable CONFIGCTL_URI

@@ -105,7 +105,7 @@ int RunSet(const Arguments& arguments) {
   std::string name = descriptor->GetParamIDName();
   ParamValue requested;
   std::string error;
-  if (!ParseValue(descriptor, arguments.operands[1], requested, error)) {
+  if (!ParseValue(descriptor, arguments.operands[1], requested, error, arguments.raw)) {
     Console::Error("%s", error.c_str());
     return kExitFailure;
   }
