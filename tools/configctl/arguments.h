@@ -31,6 +31,7 @@ enum class Command {
   kPreset,
   kFactoryReset,
   kHealth,
+  kConformance,
   kVersion
 };
 
@@ -48,6 +49,8 @@ struct Arguments {
   std::string name;
   bool hard = false;   // factory-reset --hard
   bool force = false;  // set --force: also a value read-only to users
+  std::vector<std::string> scratch;  // conformance --scratch: parameters it may change
+  bool allowRemote = false;          // conformance --allow-remote
 };
 
 // Fills `out` from argv, the URI from the environment variable CONFIGCTL_URI
