@@ -273,7 +273,10 @@ bool GetStringOfInteger(Session& s) {
   std::vector<char> answer;
   XCONFIGMGR_REQUEST_T request;
   std::unique_ptr<ConfigValue> value = GetStream(s, *link, param, answer, request);
-  if (value == nullptr || !s.GetInteger(*link, param, number)) return false;
+  if (!s.Expect(answer, Response(request.header, 128, param, 0, 0, 0, kXConfigStreamBufferSize),
+                Word(9), "Get String Response") ||
+      value == nullptr || !s.GetInteger(*link, param, number))
+    return false;
   auto* integer = dynamic_cast<IntegerValue*>(value.get());
   unsigned int held = 0;
   if (integer != nullptr) integer->Get(held);
