@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -73,6 +74,12 @@ bool Probe::Open(const std::string& host, int port, bool datagram, int timeoutMs
     return false;
   }
   fcntl(_fd, F_SETFL, flags);
+  // Small records go out at once, and a server that stops reading cannot
+  // hold a send for longer than an answer may take.
+  int on = 1;
+  if (!datagram) setsockopt(_fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  timeval limit{timeoutMs / 1000, (timeoutMs % 1000) * 1000};
+  setsockopt(_fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
   return true;
 }
 
