@@ -138,7 +138,6 @@ class Session {
 
   Target _target;
   uint32_t _nextRequest = 1;
-  uint32_t _nextConnection = 1;
   std::string _detail;
   std::string _skipped;
 };
