@@ -82,7 +82,7 @@ class FaultyProxy {
  private:
   struct Pair {
     int upstream;
-    sockaddr_in client;           // UDP: where answers go
+    sockaddr_in client;            // UDP: where answers go
     std::vector<char> fromServer;  // stream bytes not yet a whole record
   };
 
@@ -102,8 +102,8 @@ class FaultyProxy {
     std::vector<char>& in = pair.fromServer;
     for (;;) {
       if (in.size() < 4) return;
-      size_t size = zyn::config::access::ResponseRecordSize(
-          zyn::config::access::PeekMessageType(in.data()));
+      size_t size =
+          zyn::config::access::ResponseRecordSize(zyn::config::access::PeekMessageType(in.data()));
       if (size == 0) size = in.size();
       if (in.size() < size) return;
       uint32_t payload = 0;
@@ -179,7 +179,8 @@ class FaultyProxy {
 
 TEST_F(ConfigctlDaemonTest, ConformanceIsGreenOnEveryTransport) {
   int total = 0;
-  for (const std::string& uri : {daemon.Uri(), daemon.NetworkUri("tcp"), daemon.NetworkUri("udp")}) {
+  for (const std::string& uri :
+       {daemon.Uri(), daemon.NetworkUri("tcp"), daemon.NetworkUri("udp")}) {
     SCOPED_TRACE(uri);
     int passed = 0, status = -1;
     EXPECT_EQ(std::set<std::string>{}, FailedCases(uri, passed, status));
@@ -197,13 +198,13 @@ TEST_F(ConfigctlDaemonTest, ConformanceRefusesRemoteServersAndNeedsScratchToChan
   EXPECT_TRUE(Has(remote.err, "add --allow-remote")) << remote.err;
   Outcome readOnly = RunToEnd({CONFIGCTL_PATH, "conformance", daemon.Uri()});
   EXPECT_EQ(0, readOnly.exitCode) << readOnly.out;
-  EXPECT_TRUE(Has(readOnly.out, "SKIP  socket  integer/set.unanswered  (changes a value: needs "
-                                "--scratch with an integer parameter)"))
+  EXPECT_TRUE(Has(readOnly.out,
+                  "SKIP  socket  integer/set.unanswered  (changes a value: needs "
+                  "--scratch with an integer parameter)"))
       << readOnly.out;
   // A server that is not there fails its cases in bounded time.
-  Outcome silent = RunToEnd({CONFIGCTL_PATH, "conformance",
-                             "udp://127.0.0.1:" + std::to_string(FreePort())},
-                            10000);
+  Outcome silent = RunToEnd(
+      {CONFIGCTL_PATH, "conformance", "udp://127.0.0.1:" + std::to_string(FreePort())}, 10000);
   EXPECT_EQ(1, silent.exitCode);
   EXPECT_TRUE(Has(silent.out, "FAIL  udp  connection/connect.reply")) << silent.out;
 }
@@ -218,7 +219,10 @@ TEST_F(ConfigctlDaemonTest, ConformanceFailsExactlyTheCasesAFaultyServerBreaks) 
        7,
        1,
        {"string.set-refused", "string.payload-3072", "malformed.bad-payload"}},
-      {false, XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE, 0, 64,
+      {false,
+       XCFG_REMOVE_CONFIG_EVENT_LISTENER_RESPONSE,
+       0,
+       64,
        {"events.remove-reply", "events.after-remove"}},
       {false, XCFG_PARAM_CHANGED_EVENT, 2, 0, {"events.param-changed"}},
       {false, XCFG_DISCONNECT_RESPONSE, 2, 12345, {"disconnect.reply"}},
@@ -234,11 +238,11 @@ TEST_F(ConfigctlDaemonTest, ConformanceFailsExactlyTheCasesAFaultyServerBreaks) 
       {true, XCFG_DISCONNECT_RESPONSE, 6, 1, {"disconnect.reply"}},
   };
   for (const Fault& fault : kFaults) {
-    SCOPED_TRACE(std::string(fault.udp ? "udp" : "tcp") + " type " +
-                 std::to_string(fault.msgtype) + " word " + std::to_string(fault.word));
+    SCOPED_TRACE(std::string(fault.udp ? "udp" : "tcp") + " type " + std::to_string(fault.msgtype) +
+                 " word " + std::to_string(fault.word));
     FaultyProxy proxy(fault, fault.udp ? daemon.udpPort : daemon.tcpPort);
-    std::string uri = std::string(fault.udp ? "udp" : "tcp") + "://127.0.0.1:" +
-                      std::to_string(proxy.port) +
+    std::string uri = std::string(fault.udp ? "udp" : "tcp") +
+                      "://127.0.0.1:" + std::to_string(proxy.port) +
                       "/eventport=" + std::to_string(daemon.multicastPort);
     int passed = 0, status = -1;
     EXPECT_EQ(fault.failing, FailedCases(uri, passed, status));

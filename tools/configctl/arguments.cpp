@@ -127,8 +127,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       value = arg.substr(equals + 1);
       hasValue = true;
     }
-    bool takesValue = name == "--uri" || name == "--count" || name == "--group" || name == "--name" ||
-                      name == "--scratch";
+    bool takesValue = name == "--uri" || name == "--count" || name == "--group" ||
+                      name == "--name" || name == "--scratch";
     if (!takesValue && hasValue) {
       error = "option " + name + " takes no value";
       return false;

@@ -49,8 +49,9 @@ struct Arguments {
   std::string name;
   bool hard = false;   // factory-reset --hard
   bool force = false;  // set --force: also a value read-only to users
-  std::vector<std::string> scratch;  // conformance --scratch: parameters it may change
-  bool allowRemote = false;          // conformance --allow-remote
+  // conformance --scratch: the parameters it may change; --allow-remote.
+  std::vector<std::string> scratch;
+  bool allowRemote = false;
 };
 
 // Fills `out` from argv, the URI from the environment variable CONFIGCTL_URI

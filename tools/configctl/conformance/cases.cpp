@@ -30,8 +30,8 @@ std::vector<char> Head(const std::vector<char>& bytes, size_t size) {
 XCONFIGMGR_RESPONSE_T Response(const XCONFIGMGR_HEADER_T& request, uint32_t msgtype,
                                uint32_t paramID, uint32_t error, uint32_t value,
                                uint32_t streamLength = 0, uint32_t streamBufferSize = 0) {
-  return XCONFIGMGR_RESPONSE_T{AnswerHeader(request, msgtype), paramID, error, value,
-                               streamLength, streamBufferSize};
+  return XCONFIGMGR_RESPONSE_T{
+      AnswerHeader(request, msgtype), paramID, error, value, streamLength, streamBufferSize};
 }
 
 XCONFIGMGR_CONNECTION_RESPONSE_T ConnectionResponse(const XCONFIGMGR_HEADER_T& request,
@@ -41,8 +41,8 @@ XCONFIGMGR_CONNECTION_RESPONSE_T ConnectionResponse(const XCONFIGMGR_HEADER_T& r
 
 // Sends a record and takes its answer (`size` bytes on a stream).
 template <typename Record>
-bool Exchange(Session& s, Link& link, const Record& record, size_t size,
-              std::vector<char>& answer, const std::vector<char>& payload = {}) {
+bool Exchange(Session& s, Link& link, const Record& record, size_t size, std::vector<char>& answer,
+              const std::vector<char>& payload = {}) {
   return s.Send(link, record, payload) &&
          s.Answer(link, size, answer, MessageName(record.header.msgtype));
 }
@@ -145,8 +145,7 @@ bool GetReply(Session& s) {
 bool GetSize(Session& s) {
   std::unique_ptr<Link> link = s.Connect();
   if (link == nullptr) return false;
-  XCONFIGMGR_REQUEST_T request =
-      s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
+  XCONFIGMGR_REQUEST_T request = s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
   std::vector<char> answer;
   if (!Exchange(s, *link, request, kResponseSize, answer)) return false;
   if (s.Stream()) return s.Fence(*link, "the Get Response's last word");
@@ -229,8 +228,7 @@ bool SetRefused(Session& s) {
 
 // Takes a Get String Response and its payload; the payload decoded.
 std::unique_ptr<ConfigValue> GetStream(Session& s, Link& link, uint32_t param,
-                                       std::vector<char>& answer,
-                                       XCONFIGMGR_REQUEST_T& request) {
+                                       std::vector<char>& answer, XCONFIGMGR_REQUEST_T& request) {
   request = s.Request(link, XCFG_GET_STREAM_PARAM_REQUEST, param);
   if (!Exchange(s, link, request, kResponseSize, answer)) return nullptr;
   XCONFIGMGR_RESPONSE_T response;
@@ -335,9 +333,9 @@ bool Payload3072(Session& s) {
 bool Payload3073(Session& s) {
   std::unique_ptr<Link> link = s.Connect();
   if (link == nullptr) return false;
-  XCONFIGMGR_REQUEST_T request = s.Request(*link, XCFG_SET_STREAM_PARAM_REQUEST,
-                                           s.target().unknownParam, 0,
-                                           kXConfigStreamBufferSize + 1);
+  XCONFIGMGR_REQUEST_T request =
+      s.Request(*link, XCFG_SET_STREAM_PARAM_REQUEST, s.target().unknownParam, 0,
+                kXConfigStreamBufferSize + 1);
   std::vector<char> bytes = Bytes(request);
   bytes.resize(bytes.size() + kXConfigStreamBufferSize + 1, 'x');
   if (s.Stream()) return EndsConnectionOnly(s, *link, bytes, "a 3073-byte payload");
@@ -418,16 +416,15 @@ bool ShortDatagram(Session& s) {
 }
 
 bool TruncatedDatagram(Session& s) {
-  XCONFIGMGR_REQUEST_T request{MakeHeader(XCFG_GET_PARAM_REQUEST, 1, 1, 0),
-                               s.target().integerParam, 0, 0, 0};
+  XCONFIGMGR_REQUEST_T request{MakeHeader(XCFG_GET_PARAM_REQUEST, 1, 1, 0), s.target().integerParam,
+                               0, 0, 0};
   return DatagramDropped(s, Bytes(request, 20), "a 20-byte Get Request");
 }
 
 bool UnconnectedStore(Session& s) {
   std::unique_ptr<Link> link = s.Connect();
   if (link == nullptr) return false;
-  XCONFIGMGR_REQUEST_T request =
-      s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
+  XCONFIGMGR_REQUEST_T request = s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
   request.header.configID = 4242;
   return Unanswered(s, *link, request);
 }
@@ -435,8 +432,8 @@ bool UnconnectedStore(Session& s) {
 // ---- listeners and events -------------------------------------------------
 
 bool AddListener(Session& s, Link& link, uint32_t param) {
-  XCONFIGMGR_EVENT_HANDLER_REQUEST_T request{
-      s.Header(link, XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST), param};
+  XCONFIGMGR_EVENT_HANDLER_REQUEST_T request{s.Header(link, XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST),
+                                             param};
   return Unanswered(s, link, request);
 }
 
@@ -509,8 +506,7 @@ bool EventsEndWithRemove(Session& s) {
   if (setter == nullptr || !s.GetInteger(*setter, param, before) ||
       !s.SetInteger(*setter, param, s.OtherInteger(before)) || !s.Fence(*setter, "the Set"))
     return false;
-  return events->probe.Quiet(Session::kQuietMs) ||
-         s.Fail("an event came after Remove Listener");
+  return events->probe.Quiet(Session::kQuietMs) || s.Fail("an event came after Remove Listener");
 }
 
 bool StringChangedEvent(Session& s) {
@@ -526,11 +522,14 @@ bool StringChangedEvent(Session& s) {
   if (!s.SetText(*setter, param, wanted) || !s.NextEvent(events->probe, 145, param, event))
     return false;
   XCONFIGMGR_RESPONSE_T expected{MakeHeader(145, events->connectionID, kXConfigEventRequestID, 0),
-                                 param, 0, 0, 0, kXConfigStreamBufferSize};
+                                 param,
+                                 0,
+                                 0,
+                                 0,
+                                 kXConfigStreamBufferSize};
   std::unique_ptr<ConfigValue> value(
       DecodePayload(event.data() + kResponseSize, event.size() - kResponseSize));
-  bool same = s.Expect(Head(event, kResponseSize), expected, Word(9),
-                       "Param String Changed Event");
+  bool same = s.Expect(Head(event, kResponseSize), expected, Word(9), "Param String Changed Event");
   std::string text;
   if (!Session::TextOf(value.get(), text) || text != wanted)
     return s.Fail("the event's payload is not the new text \"" + wanted + "\"");
@@ -590,8 +589,9 @@ bool StringMulticast(Session& s) {
   std::vector<char> payload = Session::TextPayload(param, s.OtherText(before)), event;
   if (!s.SetText(*link, param, s.OtherText(before)) || !s.NextEvent(*group, 145, param, event))
     return false;
-  XCONFIGMGR_RESPONSE_T expected{MakeHeader(145, 0, 0, 0), param, 0, 0,
-                                 static_cast<uint32_t>(payload.size()), kXConfigStreamBufferSize};
+  XCONFIGMGR_RESPONSE_T expected{
+      MakeHeader(145, 0, 0, 0), param, 0, 0, static_cast<uint32_t>(payload.size()),
+      kXConfigStreamBufferSize};
   bool same = s.Expect(Head(event, kResponseSize), expected, 0, "Param String Changed Event");
   if (std::vector<char>(event.begin() + std::min(kResponseSize, event.size()), event.end()) !=
       payload)
@@ -625,8 +625,7 @@ bool DisconnectKeepsConnection(Session& s) {
 bool HalfRecord(Session& s, bool hangUp) {
   std::unique_ptr<Link> link = s.Connect();
   if (link == nullptr) return false;
-  XCONFIGMGR_REQUEST_T request =
-      s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
+  XCONFIGMGR_REQUEST_T request = s.Request(*link, XCFG_GET_PARAM_REQUEST, s.target().integerParam);
   if (!link->probe.Send(Bytes(request, 20))) return s.Fail("could not send half a record");
   if (hangUp) link->probe.Close();
   return s.Serving(hangUp ? "a client hung up mid-record" : "while a client stalls mid-record");
@@ -638,8 +637,8 @@ bool StalledRecord(Session& s) { return HalfRecord(s, false); }
 bool HugeStreamLength(Session& s) {
   std::unique_ptr<Link> link = s.Connect();
   if (link == nullptr) return false;
-  XCONFIGMGR_REQUEST_T request = s.Request(*link, XCFG_SET_STREAM_PARAM_REQUEST,
-                                           s.target().stringParam, 0, 0xFFFFFFFF);
+  XCONFIGMGR_REQUEST_T request =
+      s.Request(*link, XCFG_SET_STREAM_PARAM_REQUEST, s.target().stringParam, 0, 0xFFFFFFFF);
   return EndsConnectionOnly(s, *link, Bytes(request), "a streamLength of 0xFFFFFFFF");
 }
 
@@ -648,8 +647,8 @@ bool GarbageBurst(Session& s) {
   if (link == nullptr) return false;
   for (uint32_t i = 0; i < 64; ++i) {
     std::vector<char> bytes(1 + (i * 397) % 300, static_cast<char>(i * 31));
-    if (bytes.size() >= 4) memcpy(bytes.data(), &i, 4);  // types 0..63, none of them a request
-    if (i == 16 || i == 17 || i == 48 || i == 49) bytes.resize(3);
+    if (bytes.size() >= 4) memcpy(bytes.data(), &i, 4);             // types 0..63
+    if (i == 16 || i == 17 || i == 48 || i == 49) bytes.resize(3);  // requests: cut short
     if (!link->probe.Send(bytes)) return s.Fail("could not send garbage");
   }
   return s.Fence(*link, "garbage datagrams") && s.Serving("garbage datagrams");

@@ -67,14 +67,15 @@ bool MakeTarget(const Arguments& arguments, Target& target) {
     return false;
   }
   if ((ntohl(address.s_addr) >> 24) != 127 && !arguments.allowRemote) {
-    Console::Error("conformance: %s is not on this host (127.0.0.0/8); add --allow-remote to "
-                   "check a server elsewhere",
-                   target.host.c_str());
+    Console::Error(
+        "conformance: %s is not on this host (127.0.0.0/8); add --allow-remote to "
+        "check a server elsewhere",
+        target.host.c_str());
     return false;
   }
   zyn::config::access::url events;
-  target.eventPort = events.parse(MulticastEventsURI(uri)) ? atoi(events.port.c_str())
-                                                          : kMulticastEventPort;
+  target.eventPort =
+      events.parse(MulticastEventsURI(uri)) ? atoi(events.port.c_str()) : kMulticastEventPort;
 
   std::vector<ParamDescriptor*> scratch;
   if (!ResolveParameters(arguments.scratch, scratch)) return false;
@@ -89,8 +90,8 @@ bool MakeTarget(const Arguments& arguments, Target& target) {
   target.integerParam = target.integerScratch != 0
                             ? target.integerScratch
                             : ReadableParam("eParamID_FrontPanelLock", false);
-  target.stringParam = target.stringScratch != 0 ? target.stringScratch
-                                                 : ReadableParam("eParamID_SystemName", true);
+  target.stringParam =
+      target.stringScratch != 0 ? target.stringScratch : ReadableParam("eParamID_SystemName", true);
   target.unknownParam = 0xFFFFFF00;
   while (GetDescriptor(target.unknownParam) != nullptr) --target.unknownParam;
   return true;
@@ -106,10 +107,10 @@ struct Saved {
 bool Save(const Target& target, Scratch scratch, Saved& saved, std::string& error) {
   Session session(target);
   std::unique_ptr<Link> link = session.Connect();
-  bool read = link != nullptr &&
-              (scratch == Scratch::kInteger
-                   ? session.GetInteger(*link, target.integerScratch, saved.number)
-                   : session.GetText(*link, target.stringScratch, saved.text));
+  bool read =
+      link != nullptr &&
+      (scratch == Scratch::kInteger ? session.GetInteger(*link, target.integerScratch, saved.number)
+                                    : session.GetText(*link, target.stringScratch, saved.text));
   if (!read) error = "could not read the scratch value first: " + session.Detail();
   return read;
 }
@@ -123,25 +124,22 @@ bool Restore(const Target& target, Scratch scratch, const Saved& saved, std::str
       link != nullptr &&
       (scratch == Scratch::kInteger
            ? session.SetInteger(*link, target.integerScratch, saved.number) &&
-                 session.GetInteger(*link, target.integerScratch, number) &&
-                 number == saved.number
+                 session.GetInteger(*link, target.integerScratch, number) && number == saved.number
            : session.SetText(*link, target.stringScratch, saved.text) &&
                  session.GetText(*link, target.stringScratch, text) && text == saved.text);
   if (!restored)
-    error += std::string(error.empty() ? "" : "\n") + "could not restore the scratch value: " +
-             session.Detail();
+    error += std::string(error.empty() ? "" : "\n") +
+             "could not restore the scratch value: " + session.Detail();
   return restored;
 }
 
 CaseResult RunCase(const Case& test, const Target& target) {
-  CaseResult result{test.name, test.group, TransportName(target.transport), Outcome::kPass, "",
-                    0};
+  CaseResult result{test.name, test.group, TransportName(target.transport), Outcome::kPass, "", 0};
   if ((test.scratch == Scratch::kInteger && target.integerScratch == 0) ||
       (test.scratch == Scratch::kString && target.stringScratch == 0)) {
     result.outcome = Outcome::kSkip;
     result.detail = std::string("changes a value: needs --scratch with ") +
-                    (test.scratch == Scratch::kInteger ? "an integer" : "a string") +
-                    " parameter";
+                    (test.scratch == Scratch::kInteger ? "an integer" : "a string") + " parameter";
     return result;
   }
   auto start = Clock::now();

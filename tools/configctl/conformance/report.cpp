@@ -63,9 +63,9 @@ void Report::Print(bool json, long totalMs) const {
       start = end + 1;
     }
   }
-  printf("%zu cases against %s: %zu passed, %zu failed, %zu skipped in %ld ms\n",
-         _results.size(), _uri.c_str(), Count(Outcome::kPass), Count(Outcome::kFail),
-         Count(Outcome::kSkip), totalMs);
+  printf("%zu cases against %s: %zu passed, %zu failed, %zu skipped in %ld ms\n", _results.size(),
+         _uri.c_str(), Count(Outcome::kPass), Count(Outcome::kFail), Count(Outcome::kSkip),
+         totalMs);
 }
 
 }  // namespace conformance

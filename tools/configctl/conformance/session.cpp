@@ -19,8 +19,8 @@ namespace {
 
 constexpr const char* kEventGroup = "239.18.27.18";
 
-constexpr const char* kHeaderWords[] = {"msgtype", "connectionID", "requestID",
-                                        "configID", "flags", "bufferSize"};
+constexpr const char* kHeaderWords[] = {"msgtype",  "connectionID", "requestID",
+                                        "configID", "flags",        "bufferSize"};
 constexpr const char* kRequestWords[] = {"paramID", "value", "streamLength", "reserved"};
 constexpr const char* kResponseWords[] = {"paramID", "error", "value", "streamLength",
                                           "streamBufferSize"};
@@ -208,8 +208,7 @@ bool Session::TextOf(ConfigValue* value, std::string& text) {
   return true;
 }
 
-bool Session::SetInteger(Link& link, uint32_t paramID, uint32_t value,
-                         std::vector<char>* answer) {
+bool Session::SetInteger(Link& link, uint32_t paramID, uint32_t value, std::vector<char>* answer) {
   if (!Send(link, Request(link, XCFG_SET_PARAM_REQUEST, paramID, value))) return false;
   if (Stream()) return true;
   std::vector<char> ignored;
@@ -246,14 +245,14 @@ std::string Session::OtherText(const std::string& current) const {
   return current == "conformance" ? "conformance-2" : "conformance";
 }
 
-bool Session::NextEvent(Probe& events, uint32_t msgtype, uint32_t paramID,
-                        std::vector<char>& bytes, uint32_t* others) {
+bool Session::NextEvent(Probe& events, uint32_t msgtype, uint32_t paramID, std::vector<char>& bytes,
+                        uint32_t* others) {
   auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kAnswerMs);
   for (;;) {
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
         deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0 || !events.Receive(sizeof(XCONFIGMGR_RESPONSE_T),
-                                             static_cast<int>(left.count()), bytes))
+    if (left.count() <= 0 ||
+        !events.Receive(sizeof(XCONFIGMGR_RESPONSE_T), static_cast<int>(left.count()), bytes))
       break;
     if (bytes.size() < sizeof(XCONFIGMGR_RESPONSE_T)) continue;
     XCONFIGMGR_RESPONSE_T event;

@@ -34,8 +34,8 @@ struct Target {
   Transport transport = kSocket;
   std::string host;
   int port = 0;
-  int eventPort = 0;  // UDP: where the server multicasts its events
-  uint32_t integerParam = 0;   // read by every transport's read-only cases
+  int eventPort = 0;          // UDP: where the server multicasts its events
+  uint32_t integerParam = 0;  // read by every transport's read-only cases
   uint32_t stringParam = 0;
   uint32_t integerScratch = 0;  // 0: none given; cases that change values skip
   uint32_t stringScratch = 0;
@@ -108,7 +108,8 @@ class Session {
   // String Get: the payload's text (integers as decimal text).
   bool GetText(Link& link, uint32_t paramID, std::string& text);
   // Integer Set; over UDP also takes its Set Response into `answer`.
-  bool SetInteger(Link& link, uint32_t paramID, uint32_t value, std::vector<char>* answer = nullptr);
+  bool SetInteger(Link& link, uint32_t paramID, uint32_t value,
+                  std::vector<char>* answer = nullptr);
   bool SetText(Link& link, uint32_t paramID, const std::string& text);
   // The text of a decoded StringValue, an IntegerValue's number as decimal
   // text; false for anything else.
