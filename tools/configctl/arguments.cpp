@@ -29,6 +29,8 @@ constexpr CommandName kCommands[] = {
     {"preset", Command::kPreset, 1, 3, "preset save|recall|list|export|import ..."},
     {"factory-reset", Command::kFactoryReset, 0, 0, "factory-reset [--hard]"},
     {"health", Command::kHealth, 0, 0, "health"},
+    {"conformance", Command::kConformance, 1, 1,
+     "conformance URI [--scratch PARAM]... [--allow-remote]"},
     {"help", Command::kHelp, 0, 0, "help"},
 };
 
@@ -74,6 +76,12 @@ const char* UsageText() {
          "                                system name, and clear every saved preset)\n"
          "  health                        print \"ok\" when configd has every accepted kept\n"
          "                                setting on disk, otherwise its error line\n"
+         "  conformance URI               check that the server at URI (socket://, tcp://,\n"
+         "                                udp://) speaks the unit's protocol: one line per\n"
+         "                                case, exit 0 when none fails; --scratch PARAM\n"
+         "                                (an integer and a string parameter) lets cases\n"
+         "                                change and restore them; --allow-remote checks a\n"
+         "                                server outside 127.0.0.0/8\n"
          "\n"
          "PARAM is an ID name (eParamID_FrontPanelLock), the name without its prefix\n"
          "(FrontPanelLock) or the ID as a number (decimal or 0x hex). VALUE is a number\n"
@@ -128,7 +136,8 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       value = arg.substr(equals + 1);
       hasValue = true;
     }
-    bool takesValue = name == "--uri" || name == "--count" || name == "--group" || name == "--name";
+    bool takesValue = name == "--uri" || name == "--count" || name == "--group" ||
+                      name == "--name" || name == "--scratch";
     if (!takesValue && hasValue) {
       error = "option " + name + " takes no value";
       return false;
@@ -179,6 +188,10 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
       out.force = true;
     } else if (name == "--raw") {
       out.raw = true;
+    } else if (name == "--scratch") {
+      out.scratch.push_back(value);
+    } else if (name == "--allow-remote") {
+      out.allowRemote = true;
     } else {
       error = "unknown option '" + arg + "'";
       return false;
@@ -231,6 +244,10 @@ bool ParseArguments(int argc, const char* const* argv, Arguments& out, std::stri
   }
   if (out.hard && out.command != Command::kFactoryReset) {
     error = "--hard belongs to factory-reset";
+    return false;
+  }
+  if ((!out.scratch.empty() || out.allowRemote) && out.command != Command::kConformance) {
+    error = "--scratch and --allow-remote belong to conformance";
     return false;
   }
   bool known = false;

@@ -31,6 +31,7 @@ enum class Command {
   kPreset,
   kFactoryReset,
   kHealth,
+  kConformance,
   kVersion
 };
 
@@ -49,6 +50,9 @@ struct Arguments {
   bool hard = false;   // factory-reset --hard
   bool force = false;  // set --force: also a value read-only to users
   bool raw = false;    // set --raw: VALUE is the store's number, not the shown one
+  // conformance --scratch: the parameters it may change; --allow-remote.
+  std::vector<std::string> scratch;
+  bool allowRemote = false;
 };
 
 // Fills `out` from argv, the URI from the environment variable CONFIGCTL_URI

@@ -13,6 +13,7 @@
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_groups.h"
 #include "config/manager/config_cache.h"
+#include "configctl/conformance/checker.h"
 #include "configctl/console.h"
 #include "configctl/daemon_link.h"
 #include "configctl/mapping_commands.h"
@@ -69,6 +70,8 @@ int RunCommand(const Arguments& arguments) {
       return RunFactoryReset(arguments);
     case Command::kHealth:
       return RunHealth(arguments);
+    case Command::kConformance:
+      return conformance::RunConformance(arguments);
     case Command::kHelp:
     case Command::kVersion:
       break;
