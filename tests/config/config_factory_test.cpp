@@ -32,6 +32,10 @@ TEST(ConfigURITest, StandardURIs) {
   EXPECT_EQ("multicast://127.0.0.1:63110", GetEventsURI("udp"));
   EXPECT_EQ("tcp://127.0.0.1:43110", GetConfigURI("tcp"));
   EXPECT_EQ("tcp://127.0.0.1:43110", GetEventsURI("tcp"));
+  // A UDP client's events come from the multicast port its URI names, for its store.
+  EXPECT_EQ("multicast://127.0.0.1:63111/configid=2",
+            MulticastEventsURI("udp://127.0.0.1:43110/configid=2/eventport=63111"));
+  EXPECT_EQ("multicast://127.0.0.1:63110", MulticastEventsURI("udp://127.0.0.1:43110"));
   EXPECT_EQ("INVALID_URI", GetConfigURI("TCP"));
   EXPECT_EQ("INVALID_URI", GetEventsURI("tcp "));
   EXPECT_EQ(0, zyn::config::access::LocalConfigFactory::GetConfigID("local:"));

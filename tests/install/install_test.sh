@@ -108,6 +108,9 @@ grep -q 'front panel locked' "$work/out" || fail "the example printed: $(cat "$w
 # diagnostics switch brings the library's own lines back (here: a URI
 # without its config ID).
 [ -s "$work/err" ] && fail "the example wrote on standard error: $(cat "$work/err")"
+LIBCONFIG_VERBOSE=0 LD_LIBRARY_PATH=$moved/lib "$program" "socket://127.0.0.1:$port" \
+  >/dev/null 2>"$work/err" || fail "$program without configid: $(cat "$work/err")"
+[ -s "$work/err" ] && fail "LIBCONFIG_VERBOSE=0 showed: $(cat "$work/err")"
 LIBCONFIG_VERBOSE=1 LD_LIBRARY_PATH=$moved/lib "$program" "socket://127.0.0.1:$port" \
   >/dev/null 2>"$work/err" || fail "$program without configid: $(cat "$work/err")"
 grep -q '^SocketFactory::Connect - unable to read configid' "$work/err" ||
