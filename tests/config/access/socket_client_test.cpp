@@ -295,10 +295,27 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
   answer(
       XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 1, 0), kPercent, 0, 11, 0, 0});
   EXPECT_EQ(11u, client.Get(kPercent)) << "request 1's answer, not request 0's";
+  // An answer for another connection is no answer to request 2.
+  answer(
+      XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 8, 2, 0), kPercent, 0, 12, 0, 0});
+  unsigned int value = 0;
+  err = Stderr([&] { EXPECT_FALSE(client.Get(kPercent, value)); });
+  EXPECT_NE(std::string::npos, err.find("response does not match request")) << err;
+  // A time-out of 0 waits for as long as the answer takes.
+  client.SetResponseTimeout(0);
+  std::thread late([&] {
+    char sent[4 * sizeof(XCONFIGMGR_REQUEST_T)];  // requests 0 to 3
+    ASSERT_EQ(long(sizeof sent), RecvExact(owner.get_fd(), sent, sizeof sent));
+    answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 3, 0), kPercent, 0, 13,
+                                 0, 0});
+  });
+  EXPECT_EQ(13u, client.Get(kPercent));
+  late.join();
+  client.SetResponseTimeout(100);
 
-  client.AddConfigEventListener(&heard);  // request 2; the events thread reads from now on
-  Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 3, unanswered
-  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 3, 0), 0});
+  client.AddConfigEventListener(&heard);  // request 4; the events thread reads from now on
+  Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 5, unanswered
+  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 5, 0), 0});
   answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 7, kXConfigEventRequestID, 0),
                                kPercent, 0, 42, 0, kXConfigStreamBufferSize});
   EXPECT_EQ(std::vector<std::string>{"1=42"}, heard.WaitFor(1)) << "the events thread goes on";
