@@ -95,12 +95,19 @@ TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {
   Stderr([&] { worker.Restore(); });
   worker.Start();
   unsigned int low = Range()->GetMinValue();
+  // Written within the flush interval, without a stop: true once the state
+  // on disk differs from `before`.
+  auto writtenOver = [&](const std::string& before) {
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (OnDisk() == before && std::chrono::steady_clock::now() < deadline)
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return OnDisk() != before;
+  };
   store.Set(range, low + 1);
-  // Written within the flush interval, without a stop.
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (OnDisk().empty() && std::chrono::steady_clock::now() < deadline)
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  ASSERT_FALSE(OnDisk().empty());
+  ASSERT_TRUE(writtenOver(""));
+  // The worker now sleeps until a change wakes it.
+  store.Set(range, low + 2);
+  ASSERT_TRUE(writtenOver(OnDisk())) << "a change did not wake the idle worker";
   for (unsigned int i = 0; i < 1000; ++i) store.Set(range, low + i % 7);
   store.Set(range, low + 5);
   worker.Stop();
