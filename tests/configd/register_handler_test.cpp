@@ -64,6 +64,14 @@ TEST_F(RegisterHandlerTest, SaveAndRecallOnlyThePresetSettings) {
   EXPECT_EQ(kRegisterDone, store.Get(kSaveResult));
   Stderr([&] { handler.Save(0); });
   EXPECT_EQ(kRegisterFailed, store.Get(kSaveResult)) << "the factory preset stays";
+  FaultyFiles failing;
+  failing.failFsync = true;
+  PresetStore unwritable(&failing, folder.path);
+  Stderr([&] {
+    EXPECT_EQ("preset 6 could not be written to the state folder",
+              RegisterHandler(&store, &unwritable, folder.path).Save(6).message);
+  });
+  EXPECT_EQ(kRegisterFailed, store.Get(kSaveResult)) << "a failed write";
 
   store.Set(range, low + 4);
   store.Set(kFrontPanelLock, 0);
