@@ -79,6 +79,15 @@ TEST_F(PersistenceWorkerTest, RestoreClampsDropsAndSkips) {
   worker.Start();
   worker.Stop();
   EXPECT_EQ(2u, file.GetOdometer()) << "the cleaned state is written at once";
+  // So it is when the only thing to clean is an unknown entry.
+  Vector unknown;
+  unknown.Add(new IntegerValue(eConfigID_Default, 0x0BADF00D, eCParam_IntegerValue, 1));
+  ASSERT_TRUE(file.Write(ValueImage::Encode(unknown)));
+  PersistenceWorker again(&store, &file, 100);
+  Stderr([&] { EXPECT_TRUE(again.Restore()); });
+  again.Start();
+  again.Stop();
+  EXPECT_EQ(4u, file.GetOdometer()) << "an unknown entry is written away";
 }
 
 TEST_F(PersistenceWorkerTest, MissingOrUnusableStateStartsAtFactoryValues) {
