@@ -306,8 +306,8 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
   std::thread late([&] {
     char sent[4 * sizeof(XCONFIGMGR_REQUEST_T)];  // requests 0 to 3
     ASSERT_EQ(long(sizeof sent), RecvExact(owner.get_fd(), sent, sizeof sent));
-    answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 3, 0), kPercent, 0, 13,
-                                 0, 0});
+    answer(
+        XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 3, 0), kPercent, 0, 13, 0, 0});
   });
   EXPECT_EQ(13u, client.Get(kPercent));
   late.join();

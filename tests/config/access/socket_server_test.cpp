@@ -193,9 +193,9 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
     std::vector<char> payload = events.Read(event.streamLength);
     std::unique_ptr<ConfigValue> value(DecodePayload(payload.data(), payload.size()));
     ASSERT_NE(nullptr, value);
-    ASSERT_EQ("configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio " +
-                  std::to_string(i),
-              value->ToString());
+    ASSERT_EQ(
+        "configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio " + std::to_string(i),
+        value->ToString());
   }
 
   events.Send(Listener(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, 0));
