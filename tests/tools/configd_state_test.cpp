@@ -18,12 +18,6 @@
 using namespace tools_test;
 using Clock = std::chrono::steady_clock;
 
-namespace {
-
-constexpr unsigned int kPresetName40 = 0xAB8994F6;  // a kept text, 1 to 20 characters
-
-}  // namespace
-
 TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   CreateDescriptors();
   TempFolder parent;
