@@ -188,6 +188,7 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
   HttpReply lost = Get("/api/health");
   EXPECT_EQ(503, lost.status);
+  EXPECT_EQ(503, Put("/api/params/FrontPanelLock", "{\"value\":\"Locked\"}").status);
   EXPECT_EQ("configd lost", lost.json.get<std::string>("message", ""));
 
   daemon.process = std::make_unique<tools_test::ChildProcess>();

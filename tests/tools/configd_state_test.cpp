@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <random>
@@ -16,12 +17,6 @@
 
 using namespace tools_test;
 using Clock = std::chrono::steady_clock;
-
-namespace {
-
-constexpr unsigned int kPresetName40 = 0xAB8994F6;  // a kept text, 1 to 20 characters
-
-}  // namespace
 
 TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   CreateDescriptors();
@@ -111,60 +106,90 @@ TEST_F(ConfigctlDaemonTest, ConcurrentPresetClientsEachGetTheirOwnOutcome) {
   EXPECT_EQ(0, wrong);
 }
 
-// SIGKILL at random moments while a writer sets a kept text ("c<n>") at full
-// speed. After each restart the state must be valid and hold every value the
-// store held longer than the flush interval, plus an allowance for the write
-// on a loaded machine, before the kill. CONFIGD_CRASH_KILLS raises the count;
-// sanitizer builds, whose daemon starts several times slower, run fewer.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kDefaultKills = 50;
-#else
-constexpr int kDefaultKills = 200;
-#endif
-TEST(ConfigdCrashTest, SigkillAtRandomMomentsLosesNothingFlushed) {
+// SIGKILL at a random moment in each round, configd restarted on the same
+// state folder. A writer sets a kept integer to the steps n+1, n+2, ... and
+// notes when a Get on its connection returned each. A restart must restore
+// the last step acknowledged at least the flush bound before the kill (the
+// flush interval, the write under way and one more write: a 500 ms margin on
+// a loaded machine) or a later one sent. Every fourth round the writer stops
+// at a random moment and the kill comes after the bound, so the exact value
+// is checked. No start may find a damaged file, factory values or another
+// kept setting changed. CONFIGD_CRASH_KILLS sets the number of kills.
+TEST(ConfigdCrashTest, SigkillLosesNothingAcknowledgedBeforeTheFlushBound) {
+  constexpr unsigned int kSNMPPort1 = 0xC599BE36;  // kept, 1..65535: a step n writes 1 + n % 65535
+  constexpr long kFlushMs = 20, kBoundMs = kFlushMs + 500;
+  CreateDescriptors();
   const char* asked = getenv("CONFIGD_CRASH_KILLS");
-  const int kills = asked != nullptr ? atoi(asked) : kDefaultKills;
-  constexpr long kFlushMs = 20, kWriteAllowanceMs = 500;
+  const int kills = asked != nullptr ? atoi(asked) : 12;
   std::mt19937 random(std::random_device{}());
   TempFolder state;
-  long lastSent = 0, mustHave = -1;  // mustHave: confirmed long enough before a kill
-  int corrupt = 0, lost = 0;
-  for (int round = 0; round <= kills; ++round) {
+  long floor = 0, last = 0;  // the steps the next start may restore
+  int corrupt = 0, lost = 0, exact = 0;
+  const auto started = Clock::now();
+  for (int round = 0; round <= kills + 1; ++round) {
     ChildProcess configd;
-    std::string ready, text;
+    std::string ready, name;
     std::vector<std::string> args = ConfigdArgs("0", state.path);
     args.insert(args.end(), {"--flush-ms", std::to_string(kFlushMs)});
-    ASSERT_TRUE(configd.Start(args));
-    ASSERT_TRUE(configd.ReadLine(ready, kStartMs)) << "round " << round;
+    ASSERT_TRUE(configd.Start(args) && configd.ReadLine(ready, kStartMs)) << "round " << round;
     zyn::config::access::SocketFactory factory;
     auto* client = factory.Connect("socket://127.0.0.1:" + ready.substr(ready.rfind(' ') + 1));
-    ASSERT_TRUE(client != nullptr && client->Get(kPresetName40, text));
-    long restored = text[0] == 'c' ? atol(text.c_str() + 1) : -1;
-    const long neededAtStart = mustHave;
-    lost += restored < mustHave;
-    EXPECT_LE(restored, lastSent) << "round " << round;
-    if (round == kills) {
-      factory.Disconnect(client);
-      break;
+    ASSERT_NE(nullptr, client) << "round " << round;
+    unsigned int value = 0;
+    if (round == 0) {  // stopped cleanly: every later start must restore these
+      ASSERT_TRUE(client->Set(kSystemName, std::string("crash-check")) &&
+                  client->Set(kSNMPPort1, 1));
+    } else {
+      bool intact =
+          client->Get(kSNMPPort1, value) && client->Get(kSystemName, name) && name == "crash-check";
+      const long n = last - ((last - long(value) + 1) % 65535 + 65535) % 65535;  // latest step
+      corrupt += !intact;
+      lost += intact && n < floor;
+      EXPECT_TRUE(intact && n >= floor)
+          << "round " << round << ": restored step " << n << " of " << last << " sent, " << floor
+          << " acknowledged in time, system name " << name;
+      floor = last = n;  // now on disk until a newer value is
     }
-    std::vector<std::pair<Clock::time_point, long>> confirmed;  // the store held n then
-    auto end = Clock::now() + std::chrono::milliseconds(random() % 150);
-    long n = std::max(restored, 0L);
+    if (round == 0 || round == kills + 1) {
+      factory.Disconnect(client);
+      configd.Signal(SIGTERM);
+      EXPECT_EQ(0, configd.Wait(kStopMs).exitCode);
+      continue;
+    }
+    const bool quiet = round % 4 == 0;
+    const auto begin = Clock::now(), stopWriting = begin + std::chrono::milliseconds(random() % 60);
+    const auto killAt = begin + std::chrono::milliseconds(random() % 150);
+    Clock::time_point killed;
+    std::atomic<bool> dead{false};
+    auto kill = [&](Clock::time_point at) {
+      std::this_thread::sleep_until(at);  // the random moment
+      killed = Clock::now();
+      configd.Signal(SIGKILL);
+      dead = true;
+    };
+    std::thread killer;
+    if (!quiet) killer = std::thread(kill, killAt);
+    std::vector<std::pair<Clock::time_point, long>> acknowledged;
+    testing::internal::CaptureStderr();  // the client's lines about its lost connection
     do {
-      client->Set(kPresetName40, "c" + std::to_string(lastSent = ++n));
-      if (n % 8 == 0 && client->Get(kPresetName40, text)) confirmed.emplace_back(Clock::now(), n);
-    } while (Clock::now() < end);
-    configd.Signal(SIGKILL);
-    for (const auto& [when, value] : confirmed)
-      if (Clock::now() - when > std::chrono::milliseconds(kFlushMs + kWriteAllowanceMs))
-        mustHave = std::max(mustHave, value);
+      const unsigned int next = 1 + ++last % 65535;
+      if (!client->Set(kSNMPPort1, next) || !client->Get(kSNMPPort1, value) || value != next) break;
+      acknowledged.emplace_back(Clock::now(), last);
+    } while (quiet ? Clock::now() < stopWriting : !dead);
+    if (quiet) kill(Clock::now() + std::chrono::milliseconds(kBoundMs) + (killAt - begin));
+    if (killer.joinable()) killer.join();
+    testing::internal::GetCapturedStderr();
+    for (const auto& [when, step] : acknowledged)
+      if (killed - when >= std::chrono::milliseconds(kBoundMs)) floor = step;
+    exact += quiet && floor == last;
     factory.Disconnect(client);
     std::string err = configd.Wait(kStopMs).err;
-    // No state at all is fine only until a value was confirmed as written.
-    if (Has(err, "no valid saved settings") || (Has(err, "factory values") && neededAtStart >= 0))
-      ++corrupt;
+    corrupt += Has(err, "damaged") || Has(err, "unreadable") || Has(err, "factory values");
   }
-  printf("configd crash: kills=%d corrupt_starts=%d lost_values=%d\n", kills, corrupt, lost);
+  printf(
+      "configd crash: kills=%d corrupt=%d lost_beyond_bound=%d exact_checks=%d ms_per_kill=%ld\n",
+      kills, corrupt, lost, exact,
+      long((Clock::now() - started) / std::chrono::milliseconds(1)) / std::max(kills, 1));
   EXPECT_EQ(0, corrupt);
   EXPECT_EQ(0, lost);
 }

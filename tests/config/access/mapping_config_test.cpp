@@ -21,6 +21,7 @@ namespace {
 constexpr unsigned int kGain = 0x883AD0D9, kInput = 0xD22FD6CA;
 constexpr unsigned int kGainSDI1 = 0xB87ACB03, kGainHDMI = 0x13DDCCAB;
 constexpr unsigned int kIPConfig = 0xAFA99192;  // a volatile selector
+constexpr unsigned int kIPAddress = 0x33A97ED1, kIPAddressStatic = 0x758A24AD;
 
 tundra::mapper::TundraParamMapper* NewMapper() {
   unit_catalogue::CatalogueIDs();
@@ -54,6 +55,7 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
     RecordingListener gainOnly, all;
     mapping->AddConfigEventListener(kGain, &gainOnly);
     mapping->AddConfigEventListener(&all);
+    mapping->AddConfigEventListener(kGain, &all);  // adds nothing to "everything"
 
     EXPECT_TRUE(mapping->Set(kGain, 900));
     EXPECT_EQ(900u, store->Get(kGainSDI1)) << "input SDI1 selects the SDI1 gain";
@@ -72,6 +74,12 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
         << "a volatile selector is reported as itself, without the fan-out";
     EXPECT_TRUE(mapping->RemoveConfigEventListener(&gainOnly));
     mapping->RemoveConfigEventListener(&all);
+    // Data goes through the mapping too: a static address with IP Config static.
+    store->Set(kIPConfig, 1);
+    std::string data = "10.1.2." + std::to_string(3 + cached), back;
+    EXPECT_TRUE(mapping->SetData(kIPAddress, data));
+    EXPECT_TRUE(store->Get(kIPAddressStatic, back));
+    EXPECT_EQ(data, back);
     delete mapping;
     EXPECT_EQ(1, static_cast<ConfigManager*>(store)->GetUseCount()) << "connections released";
     ConfigFactoryImpl::GetInstance()->Disconnect(store);

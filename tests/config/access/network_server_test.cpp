@@ -151,6 +151,14 @@ TEST_F(NetworkTCPServerTest, RegisteredClientHearsEveryParameter) {
   EXPECT_EQ((Words{145, kClient, kRefused, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
             WordsOf(event));
   EXPECT_EQ(text, listener.Read(text.size()));
+  // After the Remove Listener Response no event follows.
+  listener.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
+      MakeHeader(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, kClient, 4, 0), 0});
+  XCONFIGMGR_CONNECTION_RESPONSE_T removed{};
+  ASSERT_TRUE(listener.ReadRecord(removed));
+  server.store->Set(kPercent, 71);
+  listener.Sync();
+  EXPECT_FALSE(listener.ReadRecord(event, 500)) << "an event after the listener was removed";
 }
 
 TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
@@ -287,6 +295,15 @@ TEST_F(NetworkUDPServerTest, SetAnsweredThenMulticastWithDependants) {
   EXPECT_EQ((Words{145, 0, 0, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
             events.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
   EXPECT_EQ(text, payload);
+  // Also when the request addressed another store (whose kPercent is 50).
+  peer.Send(udp.port, Connection(XCFG_CONNECT_REQUEST, 5, 3));
+  peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>();
+  peer.Send(udp.port, Request(XCFG_SET_PARAM_REQUEST, 6, kSource, 4, 0, 3));
+  EXPECT_EQ(97u, peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>()[0]);
+  EXPECT_EQ((Words{144, 0, sequence + 4, 3, 0, 4096, kSource, 0, 4, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
+  EXPECT_EQ((Words{144, 0, sequence + 5, 0, 0, 4096, kPercent, 0, 60, 0, 3072}),
+            events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
 }
 
 TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {

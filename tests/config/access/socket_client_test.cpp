@@ -295,10 +295,23 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
   answer(
       XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 1, 0), kPercent, 0, 11, 0, 0});
   EXPECT_EQ(11u, client.Get(kPercent)) << "request 1's answer, not request 0's";
+  // An answer for another connection is no answer to request 2.
+  answer(
+      XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 8, 2, 0), kPercent, 0, 12, 0, 0});
+  unsigned int value = 0;
+  err = Stderr([&] { EXPECT_FALSE(client.Get(kPercent, value)); });
+  EXPECT_NE(std::string::npos, err.find("response does not match request")) << err;
+  // An answer already there is taken though a 1 ms time-out has run out
+  // before the poll.
+  answer(
+      XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 7, 3, 0), kPercent, 0, 13, 0, 0});
+  client.SetResponseTimeout(1);
+  EXPECT_EQ(13u, client.Get(kPercent));
+  client.SetResponseTimeout(100);
 
-  client.AddConfigEventListener(&heard);  // request 2; the events thread reads from now on
-  Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 3, unanswered
-  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 3, 0), 0});
+  client.AddConfigEventListener(&heard);  // request 4; the events thread reads from now on
+  Stderr([&] { EXPECT_FALSE(client.ConfirmDisconnect()); });  // request 5, unanswered
+  answer(XCONFIGMGR_CONNECTION_RESPONSE_T{MakeHeader(XCFG_DISCONNECT_RESPONSE, 7, 5, 0), 0});
   answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_PARAM_CHANGED_EVENT, 7, kXConfigEventRequestID, 0),
                                kPercent, 0, 42, 0, kXConfigStreamBufferSize});
   EXPECT_EQ(std::vector<std::string>{"1=42"}, heard.WaitFor(1)) << "the events thread goes on";

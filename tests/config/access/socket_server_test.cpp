@@ -144,15 +144,26 @@ TEST_F(SocketServerTest, StreamLengthBounds) {
   EXPECT_TRUE(peer.ReadRecord(response)) << "a zero length is refused and the connection goes on";
   EXPECT_EQ(31u, response.header.requestID);
 
-  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 32, kName, 0, 0x7FFFFFFF));
-  EXPECT_TRUE(peer.ClosedByPeer()) << "a length beyond any value closes the connection";
+  // A payload of exactly the buffer's 3072 bytes is taken; one byte more
+  // closes the connection and changes nothing.
+  StringValue longest(eConfigID_Default, kName, eCParam_StringValue, std::string(3055, 'x'));
+  std::vector<char> payload = EncodePayload(&longest);
+  ASSERT_EQ(3072u, payload.size());
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 32, kName, 0, 3072));
+  peer.SendBytes(payload.data(), payload.size());
+  peer.Sync();
+  payload[payload.size() - 2] = 'y';
+  payload.push_back(0);
+  peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 33, kName, 0, 3073));
+  peer.SendBytes(payload.data(), payload.size());
+  EXPECT_TRUE(peer.ReadUntilClosed()) << "a length beyond any value closes the connection";
   std::string err = testing::internal::GetCapturedStderr();
   EXPECT_NE(std::string::npos, err.find("SocketConnection::ProcessSetStreamMessage - invalid "
                                         "streamLength\n"))
       << err;
   std::string name;
   server.store->Get(kName, name);
-  EXPECT_EQ("unit", name);
+  EXPECT_EQ(std::string(3055, 'x'), name);
 }
 
 TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
@@ -182,9 +193,9 @@ TEST_F(SocketServerTest, EventsWithFilterAndReregistration) {
     std::vector<char> payload = events.Read(event.streamLength);
     std::unique_ptr<ConfigValue> value(DecodePayload(payload.data(), payload.size()));
     ASSERT_NE(nullptr, value);
-    ASSERT_EQ("configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio " +
-                  std::to_string(i),
-              value->ToString());
+    ASSERT_EQ(
+        "configID = 0, paramID = 0xFEEDC004, paramType = 12, value = Studio " + std::to_string(i),
+        value->ToString());
   }
 
   events.Send(Listener(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, 0));

@@ -1,44 +1,13 @@
-// The record codec: the message table, payloads and response matching.
+// The record codec: payloads and response matching.
 #include "config/access/xconfigmgr_records.h"
 
 #include <gtest/gtest.h>
-
-#include <array>
-#include <map>
 
 #include "config/values/integer_value.h"
 #include "config/values/string_value.h"
 #include "test_bytes.h"
 
 using namespace zyn::config::access;
-
-TEST(XConfigRecordsTest, MessageTable) {
-  EXPECT_STREQ("Connect Request", MessageName(16));
-  EXPECT_STREQ("Param String Changed Event", MessageName(145));
-  EXPECT_STREQ("Set Data Response", MessageName(259));
-  EXPECT_STREQ("N/A", MessageName(15));
-  EXPECT_STREQ("N/A", MessageName(260));
-  EXPECT_STREQ("->", DirectionArrow(XCFG_POPULATE_PARAM_REQUEST));
-  EXPECT_STREQ("->", DirectionArrow(XCFG_SET_DATA_REQUEST));
-  EXPECT_STREQ("<=", DirectionArrow(XCFG_PARAM_DATA_CHANGED_EVENT));
-  EXPECT_STREQ("<-", DirectionArrow(XCFG_ADD_CONFIG_EVENT_LISTENER_RESPONSE));
-  EXPECT_STREQ("<-", DirectionArrow(999));
-  // The servers read these whole request sizes and refuse every other code:
-  // TCP takes the listener requests but no data requests, UDP the reverse.
-  typedef std::array<size_t, 3> Sizes;  // local, TCP, UDP
-  const std::map<uint32_t, Sizes> sizes = {
-      {16, {24, 24, 24}}, {17, {24, 24, 24}}, {48, {28, 28, 0}},   {49, {28, 28, 0}},
-      {80, {40, 40, 40}}, {81, {40, 40, 40}}, {112, {40, 40, 40}}, {113, {40, 40, 40}},
-      {256, {0, 0, 40}},  {258, {0, 0, 40}}};
-  for (uint32_t code = 0; code < 0x200; ++code) {
-    auto it = sizes.find(code);
-    EXPECT_EQ(it != sizes.end() ? it->second : Sizes{},
-              (Sizes{LocalRequestSize(code), TCPRequestSize(code), UDPRequestSize(code)}))
-        << "local, TCP and UDP sizes of code " << code;
-  }
-  EXPECT_STREQ("XCFG_SET_DATA_REQUEST", SymbolicName(XCFG_SET_DATA_REQUEST));
-  EXPECT_STREQ("N/A", SymbolicName(999));
-}
 
 TEST(XConfigRecordsTest, Payloads) {
   StringValue text(eConfigID_Default, 0x100, eCParam_StringValue, "ab");

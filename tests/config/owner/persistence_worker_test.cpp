@@ -79,6 +79,15 @@ TEST_F(PersistenceWorkerTest, RestoreClampsDropsAndSkips) {
   worker.Start();
   worker.Stop();
   EXPECT_EQ(2u, file.GetOdometer()) << "the cleaned state is written at once";
+  // So it is when the only thing to clean is an unknown entry.
+  Vector unknown;
+  unknown.Add(new IntegerValue(eConfigID_Default, 0x0BADF00D, eCParam_IntegerValue, 1));
+  ASSERT_TRUE(file.Write(ValueImage::Encode(unknown)));
+  PersistenceWorker again(&store, &file, 100);
+  Stderr([&] { EXPECT_TRUE(again.Restore()); });
+  again.Start();
+  again.Stop();
+  EXPECT_EQ(4u, file.GetOdometer()) << "an unknown entry is written away";
 }
 
 TEST_F(PersistenceWorkerTest, MissingOrUnusableStateStartsAtFactoryValues) {
@@ -95,12 +104,19 @@ TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {
   Stderr([&] { worker.Restore(); });
   worker.Start();
   unsigned int low = Range()->GetMinValue();
+  // Written within the flush interval, without a stop: true once the state
+  // on disk differs from `before`.
+  auto writtenOver = [&](const std::string& before) {
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (OnDisk() == before && std::chrono::steady_clock::now() < deadline)
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return OnDisk() != before;
+  };
   store.Set(range, low + 1);
-  // Written within the flush interval, without a stop.
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (OnDisk().empty() && std::chrono::steady_clock::now() < deadline)
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  ASSERT_FALSE(OnDisk().empty());
+  ASSERT_TRUE(writtenOver(""));
+  // The worker now sleeps until a change wakes it.
+  store.Set(range, low + 2);
+  ASSERT_TRUE(writtenOver(OnDisk())) << "a change did not wake the idle worker";
   for (unsigned int i = 0; i < 1000; ++i) store.Set(range, low + i % 7);
   store.Set(range, low + 5);
   worker.Stop();

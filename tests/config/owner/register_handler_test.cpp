@@ -64,6 +64,14 @@ TEST_F(RegisterHandlerTest, SaveAndRecallOnlyThePresetSettings) {
   EXPECT_EQ(kRegisterDone, store.Get(kSaveResult));
   Stderr([&] { handler.Save(0); });
   EXPECT_EQ(kRegisterFailed, store.Get(kSaveResult)) << "the factory preset stays";
+  FaultyFiles failing;
+  failing.failFsync = true;
+  PresetStore unwritable(&failing, folder.path);
+  Stderr([&] {
+    EXPECT_EQ("preset 6 could not be written to the state folder",
+              RegisterHandler(&store, &unwritable, folder.path).Save(6).message);
+  });
+  EXPECT_EQ(kRegisterFailed, store.Get(kSaveResult)) << "a failed write";
 
   store.Set(range, low + 4);
   store.Set(kFrontPanelLock, 0);
@@ -152,19 +160,34 @@ TEST_F(RegisterHandlerTest, RecallFromTheOlderCopySaysSo) {
   EXPECT_EQ("preset 8 recalled", outcome.message);
 }
 
+// Refuses every update of one parameter, as a store's own check may.
+struct Refuse : zyn::config::UpdatePrecondition {
+  explicit Refuse(unsigned int refused) : id(refused) {}
+  bool IsUpdateValid(Config*, zyn::config::IntegerUpdates& u) override {
+    return u.front().first != id;
+  }
+  bool IsUpdateValid(Config*, zyn::config::StringUpdates&) override { return true; }
+  bool IsUpdateValid(Config*, unsigned int, Serializable&) override { return true; }
+  unsigned int id;
+};
+
 TEST_F(RegisterHandlerTest, RecallIsAllOrNothing) {
   unsigned int low = Range()->GetMinValue();
   struct Bad {
     unsigned int id, value;
     std::string reason;
   };
+  Refuse refuse(choice);  // the last case: refused by the store after `range` was applied
   for (const Bad& bad : {Bad{choice, 0xBAD, "2989 is not in its list"},
-                         Bad{kFrontPanelLock, 1, "eParamID_FrontPanelLock does not belong"}}) {
+                         Bad{kFrontPanelLock, 1, "eParamID_FrontPanelLock does not belong"},
+                         Bad{choice, other, " refused by the store"}}) {
     Vector values;
     values.Add(new IntegerValue(eConfigID_Default, range, eCParam_IntegerValue, low + 2));
     values.Add(new IntegerValue(eConfigID_Default, bad.id, eCParam_IntegerValue, bad.value));
     ASSERT_TRUE(presets.Save(5, ValueImage::Encode(values)));
+    if (bad.value == other) store.AddUpdatePrecondition(&refuse);
     std::string err = Stderr([&] { handler.Recall(5); });
+    store.RemoveUpdatePrecondition(&refuse);
     EXPECT_EQ(kRegisterFailed, store.Get(kRecallResult)) << bad.reason;
     EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range)) << "nothing applied";
     EXPECT_NE(std::string::npos, err.find("RegisterHandler::Recall - preset 5 refused: ")) << err;

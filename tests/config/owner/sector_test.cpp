@@ -69,17 +69,22 @@ TEST(SectorFileTest, WritesAlternateAndTheNewestWins) {
   for (const char* data : {"one", "two", "three"}) ASSERT_TRUE(file.Write(data));
   EXPECT_EQ(3u, file.GetOdometer());
   EXPECT_EQ("three", Load(folder.path, SectorFile::LoadResult::kLoaded));
+  // Reopened, the next write goes over the older copy (slot b).
+  SectorFile reopened(FileSystem::Default(), folder.path, "settings", kVersion);
+  std::string data;
+  ASSERT_EQ(SectorFile::LoadResult::kLoaded, reopened.Load(data));
+  ASSERT_TRUE(reopened.Write("four"));
 
-  // Damage the newest (slot a, odometer 3): the other slot's data is taken.
-  std::ofstream(folder.path + "/settings.a", std::ios::app) << "x";
+  // Damage the newest (slot b, odometer 4): the other slot's data is taken.
+  std::ofstream(folder.path + "/settings.b", std::ios::app) << "x";
   std::string err;
-  EXPECT_EQ("two", Load(folder.path, SectorFile::LoadResult::kLoaded, &err));
+  EXPECT_EQ("three", Load(folder.path, SectorFile::LoadResult::kLoaded, &err));
   EXPECT_EQ("SectorFile::Load - " + folder.path +
-                "/settings.a damaged (length 5 does not match its 22 bytes), ignored\n",
+                "/settings.b damaged (length 4 does not match its 21 bytes), ignored\n",
             err);
-  std::ofstream(folder.path + "/settings.b") << "garbage";
+  std::ofstream(folder.path + "/settings.a") << "garbage";
   Load(folder.path, SectorFile::LoadResult::kNoneValid, &err);
-  EXPECT_NE(std::string::npos, err.find("settings.b damaged (truncated at 7 bytes)")) << err;
+  EXPECT_NE(std::string::npos, err.find("settings.a damaged (truncated at 7 bytes)")) << err;
 }
 
 TEST(SectorFileTest, FailedWritesLeaveThePreviousSectorWhole) {
