@@ -12,6 +12,7 @@
 #include "config/config.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_groups.h"
+#include "configweb/value_cache.h"
 #include "web_fixture.h"
 
 using namespace web_test;
@@ -435,4 +436,21 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
     seen = stream.WaitFor("\"param\":\"eParamID_Vid1YUVProcAmpGain\"", 200, &data);
   }
   EXPECT_TRUE(seen) << "the generic's change never arrived";
+}
+
+// A value read from configd before a change of it arrived is not kept: the
+// change is newer, and the cache would serve the old value until the next.
+TEST(ValueCacheTest, AReadOlderThanAChangeIsNotKept) {
+  configweb::ValueCache cache;
+  common::ParamValue old, changed, found;
+  old.number = 1;
+  changed.number = 2;
+  cache.Changed(7, changed);  // the event link is live
+  uint64_t ticket = cache.Ticket();
+  cache.Changed(7, changed);
+  cache.Fill(7, old, ticket);
+  EXPECT_FALSE(cache.Find(7, found));
+  cache.Fill(7, changed, cache.Ticket());
+  ASSERT_TRUE(cache.Find(7, found));
+  EXPECT_EQ(2u, found.number);
 }

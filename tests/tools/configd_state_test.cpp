@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <thread>
@@ -34,7 +35,13 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n",
             RunToEnd(CtlArgs(daemon.Uri(), {"get", "FrontPanelLock"})).out);
   daemon.Stop(SIGTERM);
-  RunToEnd({"rm", "-r", parent.path + "/new"});
+  // A change still pending at the stop that cannot be written is a failed
+  // stop: exit status 1.
+  ASSERT_TRUE(daemon.Start({"--state-dir", folder, "--flush-ms", "60000"}));
+  RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "0"}));
+  std::filesystem::remove_all(parent.path + "/new");
+  Outcome stopped = daemon.Stop(SIGTERM);
+  EXPECT_EQ(1, stopped.exitCode) << stopped.err;
 }
 
 TEST(ConfigdStateTest, AnUnusableStateFolderIsSaidAsSuch) {

@@ -120,6 +120,14 @@ TEST(OutboxTest, CutsOffAStalledPeerByTimeAndAtTheCeiling) {
   EXPECT_FALSE(timed.outbox->Send(record.data(), record.size()));
   EXPECT_EQ(1u, timed.Failures().size());
 
+  // Past the limit, the next check cuts the peer off (the loop checks only
+  // every half second; here the check is made at once).
+  Pair prompt(50);
+  for (int i = 0; i < 20000; ++i) ASSERT_TRUE(prompt.outbox->Post(record.data(), record.size()));
+  std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  prompt.outbox->CheckDrained();
+  EXPECT_EQ(std::vector<std::string>{"queue not drained for 50 ms"}, prompt.Failures());
+
   Pair bounded(60000, 200000);
   bool refused = false;
   for (int i = 0; i < 100000 && !refused; ++i)

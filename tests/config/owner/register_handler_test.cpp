@@ -310,7 +310,8 @@ TEST_F(RegisterHandlerTest, HandOverFolderIsNotATrap) {
   };
   std::vector<Case> cases = {
       {&linked, [] {}, "it is a symlink"},
-      {&handler, [&] { chmod(folder.path.c_str(), 0777); }, "it is writable by others"}};
+      {&handler, [&] { chmod(folder.path.c_str(), 0777); }, "it is writable by others"},
+      {&handler, [&] { chmod(folder.path.c_str(), 01777); }, "it is writable by others"}};
   if (geteuid() == 0)
     cases.push_back({&handler,
                      [&] {
