@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <mutex>
 #include <sstream>
 #include <thread>
 #include <vector>
@@ -322,11 +323,18 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
     AddMapping(object, descriptor, config, mapping);
   Json command = CommandJson(descriptor);
   if (!command.is_null()) object["command"] = command;
-  object["descriptor"] = Json::parse(common::DescribeJson(descriptor));
+  object["descriptor"] = Describe(descriptor);
   ParamValue value;
   if (common::ReadValue(config, descriptor, value))
     object["current"] = Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, value));
   return object;
+}
+
+Json WebApi::Describe(ParamDescriptor* descriptor) {
+  std::lock_guard<std::mutex> hold(_describedLock);
+  auto known = _described.find(descriptor->GetParamID());
+  if (known != _described.end()) return known->second;
+  return _described[descriptor->GetParamID()] = Json::parse(common::DescribeJson(descriptor));
 }
 
 WebReply WebApi::Group(const std::string& number) {

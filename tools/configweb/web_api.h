@@ -8,12 +8,16 @@
 // for now), 409 for a value the store refused (with the value it kept), 503
 // while configd is not connected. Paths outside /api/ are the page's files.
 //
-// Holds no state of its own beyond the session it reads through; Handle may
-// be called from any HTTP connection thread at once.
+// Holds no state of its own beyond the session it reads through and the
+// descriptors' JSON, made once per parameter (the catalogue does not change
+// while the program runs) under _describedLock; Handle may be called from
+// any HTTP connection thread at once.
 #ifndef TOOLS_CONFIGWEB_WEB_API_H
 #define TOOLS_CONFIGWEB_WEB_API_H
 
+#include <mutex>
 #include <string>
+#include <unordered_map>
 
 #include "common/json.h"
 
@@ -84,7 +88,12 @@ class WebApi {
   // The descriptor, current value and editing hints of one parameter.
   common::Json ParamJson(ParamDescriptor* descriptor, Config* config);
 
+  // A copy of the descriptor's JSON, made on first use and kept.
+  common::Json Describe(ParamDescriptor* descriptor);
+
   DaemonSession& _session;
+  std::mutex _describedLock;
+  std::unordered_map<unsigned int, common::Json> _described;  // guarded by _describedLock
 };
 
 // Whether the page leaves `descriptor` out of its menus: the front panel's

@@ -224,8 +224,19 @@ function mapsText(p) {
 // --- a group: sections, rows, duplicates ----------------------------------
 
 // Sections follow the menu numbers' first part ("28.3" is in section 28),
-// as the unit's own menus group them; a section is named by the words its
-// parameters' names share ("SDI1 Level"), or by its first parameter.
+// as the unit's own menus group them. A section is named by the words its
+// parameters' names share at their start and end ("Mix Down 1 … Level",
+// "SDI1 Level per channel", "Level Adjust"), or by its first parameter.
+function sharedWords(lists) {
+  let common = lists[0];
+  for (const words of lists) {
+    let n = 0;
+    while (n < common.length && n < words.length && common[n] === words[n]) ++n;
+    common = common.slice(0, n);
+  }
+  return common;
+}
+
 function sectionsOf(params) {
   const sections = [];
   let last = null;
@@ -238,17 +249,15 @@ function sectionsOf(params) {
     last.params.push(p);
   }
   for (const s of sections) {
-    let common = (s.params[0].name || "").split(" ");
-    for (const p of s.params) {
-      const words = (p.name || "").split(" ");
-      let n = 0;
-      while (n < common.length && n < words.length && common[n] === words[n]) ++n;
-      common = common.slice(0, n);
-    }
-    while (common.length && /^\d+$/.test(common[common.length - 1])) common.pop();
-    const name = common.join(" ");
+    const names = s.params.map(p => (p.name || "").split(" "));
+    const head = sharedWords(names);
+    const tail = sharedWords(names.map((w, i) => w.slice(head.length).reverse()))
+        .reverse();
+    let title = head.join(" ").replace(/ Ch$/, " per channel");
+    if (tail.length && title) title += " … " + tail.join(" ");
     const first = s.params[0].name || (s.params[0].command || {}).label || "";
-    s.title = s.params.length > 1 && name.length > 2 ? name :
+    if (!head.length && tail.length) title = tail.join(" ");
+    s.title = s.params.length > 1 && title ? title :
         first + (s.params.length > 1 ? " and more" : "");
   }
   return sections;
@@ -353,28 +362,38 @@ function showGroup(group, target) {
 
 // The generics of the view stand for another parameter when a selector
 // changed: their labels, values and whether they can be edited follow.
-let remapPending = false;
+let remapping = 0;  // 0 idle, 1 asking, 2 asking and asked again meanwhile
 function remap() {
-  if (remapPending || !view.group) return;
-  remapPending = true;
+  if (!view.group) return;
+  if (remapping) {
+    remapping = 2;
+    return;
+  }
+  remapping = 1;
   const group = view.group;
+  const done = () => {
+    const again = remapping === 2;
+    remapping = 0;
+    if (again) remap();
+  };
   api("GET", "/api/groups/" + group + "/mapping").then(r => {
-    remapPending = false;
-    if (view.group !== group || r.data.error) return;
-    for (const m of r.data) {
-      const entry = view.entries.get(m.id);
-      if (!entry) continue;
-      entry.p.maps_to_name = m.maps_to_name;
-      entry.maps.textContent = mapsText(entry.p);
-      if (m.readonly !== entry.p.readonly) {
-        entry.p.readonly = m.readonly;
-        entry.control = makeControl(entry.p, "name-" + entry.p.param);
-        entry.cell.replaceChildren(entry.control);
-        entry.note.textContent = limits(entry.p);
+    if (view.group === group && !r.data.error) {
+      for (const m of r.data) {
+        const entry = view.entries.get(m.id);
+        if (!entry) continue;
+        entry.p.maps_to_name = m.maps_to_name;
+        entry.maps.textContent = mapsText(entry.p);
+        if (m.readonly !== entry.p.readonly) {
+          entry.p.readonly = m.readonly;
+          entry.control = makeControl(entry.p, "name-" + entry.p.param);
+          entry.cell.replaceChildren(entry.control);
+          entry.note.textContent = limits(entry.p);
+        }
+        setShown(entry, m.current);
       }
-      setShown(entry, m.current);
     }
-  }, () => { remapPending = false; });
+    done();
+  }, done);
 }
 
 // --- search ----------------------------------------------------------------
