@@ -169,9 +169,10 @@ def main():
             "return window.configwebRender && window.configwebRender.group === 9;"))
         timing = driver.execute_script("return window.configwebRender;")
         rows = len(driver.find_elements(By.CSS_SELECTOR, "#sections tbody tr"))
-        print("Audio Proc first view: %.1f ms to render %d of 626 rows after %.1f ms fetching"
-              % (timing["renderMs"], rows, timing["fetchMs"]))
-        assert timing["renderMs"] < RENDER_LIMIT_MS, timing
+        print("Audio Proc first view: %.1f ms from the click to its open section's values "
+              "(%.1f ms fetching the group, %.1f ms rendering %d of 626 rows)"
+              % (timing["totalMs"], timing["fetchMs"], timing["renderMs"], rows))
+        assert timing["totalMs"] < RENDER_LIMIT_MS, timing
         assert len(driver.find_elements(By.TAG_NAME, "details")) > 30
         shoot("audio-proc")
 
@@ -218,6 +219,14 @@ def main():
         assert ctl("get", "DisplayIntensity")["value"] == 100
         field.send_keys(Keys.END, Keys.BACKSPACE * 6, "50", Keys.TAB)
         eventually(lambda: ctl("get", "DisplayIntensity").get("value") == 50, "50 through the page")
+        # configd's own refusal is shown in its words, and nothing is stored.
+        trap = find(By.NAME, "eParamID_SNMPTrapIP1")
+        trap.send_keys(Keys.END, Keys.BACKSPACE * 15, "1.2", Keys.TAB)
+        trap_note = lambda d: d.find_element(By.CSS_SELECTOR, "#row-eParamID_SNMPTrapIP1 td.note")
+        wait.until(lambda d: "refused" in trap_note(d).get_attribute("class")
+                   and trap_note(d).text.strip())
+        print("refused on the page: " + trap_note(driver).text)
+        assert ctl("get", "SNMPTrapIP1")["value"] == "0.0.0.0"
         # And a change elsewhere shows without a reload.
         ctl("set", "DisplayIntensity", "75")
         wait.until(lambda d: d.find_element(By.NAME, "eParamID_DisplayIntensity")
@@ -230,7 +239,8 @@ def main():
         find(By.ID, "confirmNo").click()
         wait.until(lambda d: not d.find_element(By.ID, "confirm").is_displayed())
         assert ctl("get", "SoftwareReset")["value"] == 0, "cancelled, nothing sent"
-        errors = console_errors()
+        errors = console_errors(allowed=("SNMPTrapIP1 - Failed to load resource: the server "
+                                         "responded with a status of 400",))
         assert not errors, errors
 
         # Presets: every slot with its name and state, save with a name,

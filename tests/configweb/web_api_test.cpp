@@ -498,6 +498,15 @@ TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIs) {
   EXPECT_EQ("KR-9", unit.json.get<std::string>("product", "")) << unit.body;
   EXPECT_EQ("21F000500", unit.json.get<std::string>("serial_number", "")) << unit.body;
   EXPECT_TRUE(Has(Get("/api/index").body, "[\"eParamID_AudioLevelCh1_SDI1\",\"SDI1 Level Ch 1\""));
+  // A large group in brief, and one of its sections in full.
+  HttpReply brief = Get("/api/groups/9?values=no");
+  EXPECT_EQ(626u, brief.json.get_child("params").size());
+  EXPECT_FALSE(Has(brief.body, "\"descriptor\"") || Has(brief.body, "\"current\"")) << "brief";
+  HttpReply section = Get("/api/groups/9?section=15");
+  ASSERT_EQ(16u, section.json.get_child("params").size()) << section.body;
+  for (const auto& p : section.json.get_child("params"))
+    EXPECT_EQ(0u, p.second.get<std::string>("descriptor.menu_number").find("15."));
+  EXPECT_TRUE(Has(section.body, "\"current\""));
   // The reboot is a command with its consequence, not a bare choice.
   EXPECT_TRUE(Has(Get("/api/groups/3").body, "\"label\":\"Reboot the unit\""));
 }

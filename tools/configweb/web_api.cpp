@@ -257,7 +257,10 @@ WebReply WebApi::Handle(const std::string& method, const std::string& target,
   if (what == "unit" && n == 2 && get) return Unit();
   if (what == "index" && n == 2 && get) return Index();
   if (what == "groups" && n == 2 && get) return Groups();
-  if (what == "groups" && n == 3 && get) return Group(path[2]);
+  if (what == "groups" && n == 3 && get)
+    return Group(path[2], target.find('?') == std::string::npos
+                              ? std::string()
+                              : target.substr(target.find('?') + 1));
   if (what == "groups" && n == 4 && get && path[3] == "mapping") return Mapping(path[2]);
   if (what == "params" && n == 3) {
     if (get) return GetParam(path[2]);
@@ -310,7 +313,7 @@ WebReply WebApi::Groups() {
   return JsonReply(groups);
 }
 
-Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
+Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config, const ParamValue* value) {
   Json object{
       {"param", descriptor->GetParamIDName()},
       {"id", descriptor->GetParamID()},
@@ -324,9 +327,8 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config) {
   Json command = CommandJson(descriptor);
   if (!command.is_null()) object["command"] = command;
   object["descriptor"] = Describe(descriptor);
-  ParamValue value;
-  if (common::ReadValue(config, descriptor, value))
-    object["current"] = Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, value));
+  if (value != nullptr)
+    object["current"] = Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, *value));
   return object;
 }
 
@@ -337,17 +339,57 @@ Json WebApi::Describe(ParamDescriptor* descriptor) {
   return _described[descriptor->GetParamID()] = Json::parse(common::DescribeJson(descriptor));
 }
 
-WebReply WebApi::Group(const std::string& number) {
+WebReply WebApi::Group(const std::string& number, const std::string& query) {
   int group = StringToGroup(number);
   if (group == 0) return Error(404, "no menu group '" + number + "'");
+  // "section=K": only the parameters whose menu number starts "K."; and
+  // "values=no": only their names and menu numbers, all that a large
+  // group's first view needs for the sections it keeps folded.
+  std::string section;
+  bool values = true;
+  std::istringstream fields(query);
+  for (std::string field; std::getline(fields, field, '&');) {
+    if (field.compare(0, 8, "section=") == 0) section = field.substr(8) + ".";
+    if (field == "values=no") values = false;
+  }
   std::vector<ParamDescriptor*> descriptors;
   for (unsigned int id : GetParamGroup(group)) {
     ParamDescriptor* descriptor = GetDescriptor(id);
-    if (!HiddenFromPage(descriptor)) descriptors.push_back(descriptor);
+    std::string menu;
+    descriptor->GetAttribute("menu_number", menu);
+    if (!HiddenFromPage(descriptor) && menu.compare(0, section.size(), section) == 0)
+      descriptors.push_back(descriptor);
+  }
+  if (!values) {
+    // The brief form: what names and folds the sections, nothing read.
+    Json brief = Json::array();
+    for (ParamDescriptor* descriptor : descriptors) {
+      std::string menu;
+      descriptor->GetAttribute("menu_number", menu);
+      Json object{{"param", descriptor->GetParamIDName()},
+                  {"id", descriptor->GetParamID()},
+                  {"name", descriptor->GetName()},
+                  {"menu_number", menu}};
+      Json command = CommandJson(descriptor);
+      if (!command.is_null()) object["command"] = command;
+      brief.push_back(object);
+    }
+    return JsonReply(Json{{"group", group}, {"name", GroupName(group)}, {"params", brief}});
+  }
+  // Values come from the session's cache where it has them, so they are
+  // read before the connection is taken for the rest.
+  std::vector<ParamValue> current(descriptors.size());
+  std::vector<bool> read(current.size(), false);
+  for (size_t i = 0; i < current.size(); ++i) {
+    bool got = false;
+    if (!_session.ReadValue(descriptors[i], current[i], got)) return Unreachable(_session);
+    read[i] = got;
   }
   Json params = Json::array();
   bool connected = _session.WithConfig([&](Config* config) {
-    for (ParamDescriptor* descriptor : descriptors) params.push_back(ParamJson(descriptor, config));
+    for (size_t i = 0; i < descriptors.size(); ++i)
+      params.push_back(ParamJson(descriptors[i], config,
+                                 read[i] ? &current[i] : nullptr));
   });
   if (!connected) return Unreachable(_session);
   return JsonReply(Json{{"group", group}, {"name", GroupName(group)}, {"params", params}});

@@ -26,6 +26,7 @@ class ParamDescriptor;
 
 namespace common {
 class OwnerRequest;
+struct ParamValue;
 }  // namespace common
 
 namespace configweb {
@@ -58,7 +59,10 @@ class WebApi {
 
  private:
   WebReply Groups();
-  WebReply Group(const std::string& number);
+  // One group's parameters; `query` may ask for one section
+  // ("section=K", menu numbers "K.*") or for names and menu numbers only
+  // ("values=no").
+  WebReply Group(const std::string& number, const std::string& query);
   WebReply GetParam(const std::string& name);
   WebReply SetParam(const std::string& name, const std::string& body);
   // save (body {"name":TEXT} optional), recall, or the preset file's
@@ -85,8 +89,10 @@ class WebApi {
   // {"ok":BOOL,"message":TEXT}: configd's health line; 503 with "configd
   // lost" while it is not connected, 502 when it publishes no health.
   WebReply Health();
-  // The descriptor, current value and editing hints of one parameter.
-  common::Json ParamJson(ParamDescriptor* descriptor, Config* config);
+  // The descriptor, editing hints and, when `value` is given, the current
+  // value of one parameter.
+  common::Json ParamJson(ParamDescriptor* descriptor, Config* config,
+                         const common::ParamValue* value);
 
   // A copy of the descriptor's JSON, made on first use and kept.
   common::Json Describe(ParamDescriptor* descriptor);

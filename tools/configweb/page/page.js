@@ -241,7 +241,7 @@ function sectionsOf(params) {
   const sections = [];
   let last = null;
   for (const p of params) {
-    const key = String(p.descriptor.menu_number || "").split(".")[0];
+    const key = String(p.menu_number || p.descriptor.menu_number || "").split(".")[0];
     if (!last || last.key !== key) {
       last = { key: key, params: [] };
       sections.push(last);
@@ -289,27 +289,43 @@ function renderRow(p, counts, body) {
   body.appendChild(row);
 }
 
+// A large group comes in brief (names and menu numbers): an opened
+// section asks for its parameters in full, with their values.
 function renderSection(section, counts, details) {
-  if (details.dataset.rendered) return;
+  if (details.dataset.rendered) return Promise.resolve();
   details.dataset.rendered = "1";
-  const table = element("table");
-  const head = element("thead");
-  const titles = element("tr");
-  for (const t of ["Menu", "Setting", "Value", "Limits and notes"]) {
-    const th = element("th", t);
-    th.scope = "col";
-    titles.appendChild(th);
-  }
-  head.appendChild(titles);
-  const body = element("tbody");
-  for (const p of section.params) renderRow(p, counts, body);
-  table.append(head, body);
-  details.appendChild(table);
+  const group = view.group;
+  const full = section.params.every(p => p.descriptor);
+  const ready = full ? Promise.resolve(section.params) :
+      api("GET", "/api/groups/" + group + "?section=" + section.key)
+          .then(r => (r.data.error ? [] : r.data.params));
+  return ready.then(params => {
+    if (view.group !== group) return;
+    section.params = params;
+    const table = element("table");
+    const head = element("thead");
+    const titles = element("tr");
+    for (const t of ["Menu", "Setting", "Value", "Limits and notes"]) {
+      const th = element("th", t);
+      th.scope = "col";
+      titles.appendChild(th);
+    }
+    head.appendChild(titles);
+    const body = element("tbody");
+    for (const p of params) {
+      renderRow(p, counts, body);
+      if (p.selector) view.selectors.add(p.selector);
+    }
+    table.append(head, body);
+    details.appendChild(table);
+  }, () => { delete details.dataset.rendered; });
 }
 
 function showGroup(group, target) {
   const started = performance.now();
-  return api("GET", "/api/groups/" + group).then(r => {
+  const known = groups.find(g => g.group === group);
+  const large = known && known.count >= kOpenAllBelow;
+  return api("GET", "/api/groups/" + group + (large ? "?values=no" : "")).then(r => {
     const fetched = performance.now();
     if (r.data.error) {
       $("title").textContent = r.data.error;
@@ -324,11 +340,9 @@ function showGroup(group, target) {
     $("title").textContent = r.data.name;
     $("summary").textContent = r.data.params.length + " settings";
     const counts = new Map();
-    for (const p of r.data.params) {
-      counts.set(p.name, (counts.get(p.name) || 0) + 1);
-      if (p.selector) view.selectors.add(p.selector);
-    }
+    for (const p of r.data.params) counts.set(p.name, (counts.get(p.name) || 0) + 1);
     const all = sectionsOf(r.data.params);
+    const filled = [];
     all.forEach((s, i) => {
       const details = element("details");
       const summary = element("summary", s.title);
@@ -341,22 +355,25 @@ function showGroup(group, target) {
       const holds = target && s.params.some(p => p.param === target);
       if (r.data.params.length < kOpenAllBelow || holds || (!target && i === 0)) {
         details.open = true;
-        renderSection(s, counts, details);
+        filled.push(renderSection(s, counts, details));
       }
       sections.appendChild(details);
     });
     void sections.offsetHeight;  // the layout is part of the first view
-    window.configwebRender = { group: group, fetchMs: fetched - started,
-                               renderMs: performance.now() - fetched };
-    if (target) {
-      const row = document.getElementById("row-" + target);
+    const rendered = performance.now();
+    return Promise.all(filled).then(() => {
+      void sections.offsetHeight;
+      window.configwebRender = { group: group, fetchMs: fetched - started,
+                                 renderMs: rendered - fetched,
+                                 totalMs: performance.now() - started };
+      const row = target && document.getElementById("row-" + target);
       if (row) {
         row.className = "target";
         row.scrollIntoView({ block: "center" });
         const control = row.querySelector("input, select, button");
         if (control) control.focus();
       }
-    }
+    });
   });
 }
 
