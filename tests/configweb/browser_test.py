@@ -216,6 +216,8 @@ def main():
         wait.until(lambda d: "Empty" in note() and "Nothing was sent" in note())
         field.send_keys(Keys.END, "500", Keys.TAB)
         wait.until(lambda d: "500 is outside 25 to 100 %" in note())
+        field.send_keys(Keys.END, Keys.BACKSPACE * 6, "5x", Keys.TAB)
+        wait.until(lambda d: "\u201c5x\u201d is not a number in %" in note())
         assert ctl("get", "DisplayIntensity")["value"] == 100
         field.send_keys(Keys.END, Keys.BACKSPACE * 6, "50", Keys.TAB)
         eventually(lambda: ctl("get", "DisplayIntensity").get("value") == 50, "50 through the page")

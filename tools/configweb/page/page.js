@@ -11,7 +11,6 @@ const kMaxResults = 100;
 
 const view = {
   group: 0,
-  params: [],
   entries: new Map(),    // parameter ID -> {p, row, cell, control, note, maps}
   selectors: new Set(),  // IDs whose change re-maps a generic of the view
 };
@@ -170,21 +169,26 @@ function showNote(entry, text, kind) {
   }
 }
 
-// A number as typed, checked before anything is sent: the reason it cannot
-// be sent, or null. Scaled values are checked by configd, which knows their
+// A number as typed ("-3.0", "-3.0 dB" in the value's own units), checked
+// before anything is sent: {problem} with the reason it cannot be sent, or
+// {number}. Scaled values' limits are checked by configd, which knows the
 // scale.
-function numberProblem(p, text) {
+function readNumber(p, text) {
   const d = p.descriptor;
   const range = d.min + " to " + d.max + (d.units ? " " + d.units : "");
-  if (text === "") return "Empty: enter a number" + (scaled(p) ? "" : " from " + range) +
-      ". Nothing was sent.";
-  const number = Number(text.replace(/\s*[^\d.]*$/, ""));
-  if (!isFinite(number)) return "\u201c" + text + "\u201d is not a number. Nothing was sent.";
-  if (scaled(p)) return null;
-  if (!Number.isInteger(number)) return "Whole numbers only. Nothing was sent.";
+  const unit = units(p);
+  if (text === "") return { problem: "Empty: enter a number" +
+      (scaled(p) ? (unit ? " in " + unit : "") : " from " + range) + ". Nothing was sent." };
+  const match = /^([-+]?(?:\d+\.?\d*|\.\d+))\s*(\S*)$/.exec(text);
+  if (!match || (match[2] && match[2] !== unit))
+    return { problem: "\u201c" + text + "\u201d is not a number" + (unit ? " in " + unit : "") +
+        ". Nothing was sent." };
+  const number = Number(match[1]);
+  if (scaled(p)) return { number: number };
+  if (!Number.isInteger(number)) return { problem: "Whole numbers only. Nothing was sent." };
   if (number < d.min || number > d.max)
-    return number + " is outside " + range + ". Nothing was sent.";
-  return null;
+    return { problem: number + " is outside " + range + ". Nothing was sent." };
+  return { number: number };
 }
 
 function send(p, entry, commandValue) {
@@ -195,9 +199,9 @@ function send(p, entry, commandValue) {
     if (d.kind === "enumeration") value = Number(text);
     else if (d.kind === "string") value = entry.control.value;
     else {
-      const problem = numberProblem(p, text);
-      if (problem) return showNote(entry, problem, "invalid");
-      value = scaled(p) ? text : Number(text.replace(/\s*[^\d.]*$/, ""));
+      const typed = readNumber(p, text);
+      if (typed.problem) return showNote(entry, typed.problem, "invalid");
+      value = scaled(p) ? text : typed.number;
     }
   }
   showNote(entry, "sending\u2026");
@@ -336,7 +340,6 @@ function showGroup(group, target) {
     sections.textContent = "";
     view.entries.clear();
     view.selectors.clear();
-    view.params = r.data.params;
     $("title").textContent = r.data.name;
     $("summary").textContent = r.data.params.length + " settings";
     const counts = new Map();
