@@ -23,7 +23,8 @@ SKIP = 77
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 AXE = os.environ.get("CONFIGWEB_AXE", "/usr/local/lib/node_modules/axe-core/axe.min.js")
 DEADLINE_S = 20
-RENDER_LIMIT_MS = 300
+# The first view's limit; 0 (sanitized builds, slow by design) only prints it.
+RENDER_LIMIT_MS = int(os.environ.get("CONFIGWEB_RENDER_LIMIT_MS", "300"))
 # What the accessibility check covers: names of form fields and buttons,
 # text contrast, landmarks and headings, valid ARIA, the document's language.
 AXE_RULES = ["label", "select-name", "button-name", "link-name", "color-contrast",
@@ -172,7 +173,7 @@ def main():
         print("Audio Proc first view: %.1f ms from the click to its open section's values "
               "(%.1f ms fetching the group, %.1f ms rendering %d of 626 rows)"
               % (timing["totalMs"], timing["fetchMs"], timing["renderMs"], rows))
-        assert timing["totalMs"] < RENDER_LIMIT_MS, timing
+        assert not RENDER_LIMIT_MS or timing["totalMs"] < RENDER_LIMIT_MS, timing
         assert len(driver.find_elements(By.TAG_NAME, "details")) > 30
         shoot("audio-proc")
 
@@ -246,15 +247,24 @@ def main():
         assert not errors, errors
 
         # Presets: every slot with its name and state, save with a name,
-        # nothing offered for an empty slot.
+        # nothing offered for an empty slot. (Slots apart from the API test's:
+        # preset files pass through /tmp/zyn, shared by tests running at once.)
         find(By.ID, "group-presets").click()
         wait.until(lambda d: len(d.find_elements(By.CSS_SELECTOR, "#slots tbody tr")) == 41)
-        Select(find(By.ID, "slot")).select_by_value("5")
+        Select(find(By.ID, "slot")).select_by_value("14")
         find(By.ID, "presetName").clear()
         find(By.ID, "presetName").send_keys("Studio B")
         find(By.ID, "save").click()
         wait.until(lambda d: "Store Complete" in text("presetResult"))
-        wait.until(lambda d: "Studio B" in text("preset-5") and "saved" in text("preset-5"))
+        wait.until(lambda d: "Studio B" in text("preset-14") and "saved" in text("preset-14"))
+        # A preset file taken in through the page.
+        image = os.path.join(state, "studio-b.bin")
+        ctl("preset", "export", "14", image)
+        Select(find(By.ID, "slot")).select_by_value("15")
+        find(By.ID, "importFile").send_keys(image)
+        find(By.ID, "import").click()
+        wait.until(lambda d: "Import Complete" in text("presetResult"))
+        wait.until(lambda d: "saved" in text("preset-15"))
         Select(find(By.ID, "slot")).select_by_value("7")
         assert not find(By.ID, "recall").is_enabled(), "recall offered for an empty slot"
         assert "empty" in text("presetResult"), text("presetResult")
@@ -262,10 +272,10 @@ def main():
         accessible("the preset panel")
         # The unit refuses what the page believed possible: said in words.
         ctl("factory-reset", "--hard")
-        Select(find(By.ID, "slot")).select_by_value("5")
+        Select(find(By.ID, "slot")).select_by_value("14")
         find(By.ID, "recall").click()
-        wait.until(lambda d: "Preset 5 was not recalled: Preset Empty" in text("presetResult"))
-        wait.until(lambda d: "empty" in text("preset-5"))
+        wait.until(lambda d: "Preset 14 was not recalled: Preset Empty" in text("presetResult"))
+        wait.until(lambda d: "empty" in text("preset-14"))
 
         # configd's health, then configd itself going away and coming back.
         failed = "state folder %s: No space left on device" % state
