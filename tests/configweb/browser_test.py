@@ -99,8 +99,9 @@ def main():
 
         configd_port = start_configd(0)
         uri = "socket://127.0.0.1:%d" % configd_port
+        web_errors = open(os.path.join(state, "configweb.err"), "w+", encoding="utf-8")
         web = subprocess.Popen([configweb_path, "--uri", uri, "--listen", "127.0.0.1:0"],
-                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+                               stdout=subprocess.PIPE, stderr=web_errors, text=True)
         children["configweb"] = web
         base = ready_line(web, "configweb: serving").split()[-1]
 
@@ -148,8 +149,11 @@ def main():
             assert not result["violations"], "%s: %s" % (view, result["violations"])
             print("axe-core on %s: %d rules passed, no violations" % (view, result["passes"]))
 
+        def click(element_id):
+            wait.until(lambda d: d.find_elements(By.ID, element_id))[0].click()
+
         def open_group(group, ready_name):
-            find(By.ID, "group-%d" % group).click()
+            click("group-%d" % group)
             wait.until(lambda d: d.find_elements(By.NAME, ready_name))
 
         driver.get(base)
@@ -165,7 +169,7 @@ def main():
         wait.until(lambda d: "connected" in text("link"))
 
         # The largest group's first view: folded sections, timed in the page.
-        find(By.ID, "group-9").click()
+        click("group-9")
         wait.until(lambda d: d.execute_script(
             "return window.configwebRender && window.configwebRender.group === 9;"))
         timing = driver.execute_script("return window.configwebRender;")
@@ -249,7 +253,7 @@ def main():
         # Presets: every slot with its name and state, save with a name,
         # nothing offered for an empty slot. (Slots apart from the API test's:
         # preset files pass through /tmp/zyn, shared by tests running at once.)
-        find(By.ID, "group-presets").click()
+        click("group-presets")
         wait.until(lambda d: len(d.find_elements(By.CSS_SELECTOR, "#slots tbody tr")) == 41)
         Select(find(By.ID, "slot")).select_by_value("14")
         find(By.ID, "presetName").clear()
@@ -295,6 +299,12 @@ def main():
         errors = console_errors(allowed=("status of 409", "status of 503", "status of 502",
                                          "api/events", "ERR_CONNECTION"))
         assert not errors, errors
+        # A sanitized configweb reports what it found on standard error.
+        web.terminate()
+        web.wait(timeout=DEADLINE_S)
+        web_errors.seek(0)
+        found = [line for line in web_errors if "Sanitizer" in line or "runtime error" in line]
+        assert not found, "".join(found)
         print("PASSED")
         return 0
     finally:
