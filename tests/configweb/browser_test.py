@@ -197,7 +197,8 @@ def main():
         version = find(By.NAME, "eParamID_SoftwareVersion")
         assert version.tag_name == "output" and version.text == "0.1.0", version.tag_name
         assert not driver.find_elements(By.CSS_SELECTOR, "#sections input")
-        names = [e.text for e in driver.find_elements(By.CSS_SELECTOR, "td.name > span:first-child")]
+        names = [e.text for e in
+                 driver.find_elements(By.CSS_SELECTOR, "td.name > span:first-child")]
         assert "Ref1 Alarm Status (menu 2.1)" in names and "Ref1 Alarm Status (menu 2.2)" in names
 
         # A mapped generic names what it stands for and follows its selector.

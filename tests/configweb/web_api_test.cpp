@@ -407,14 +407,15 @@ TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
   HttpReply named =
       Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"Studio B\"}");
   EXPECT_EQ(200, named.status) << named.body;
-  EXPECT_EQ(400, Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"\"}")
-                     .status)
+  EXPECT_EQ(400,
+            Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"\"}").status)
       << "an empty name";
   HttpReply list = Get("/api/presets");
   ASSERT_EQ(41u, list.json.size()) << list.body;
   std::string states;
   for (const auto& slot : list.json)
-    states += slot.second.get<std::string>("name") + "=" + slot.second.get<std::string>("state") + ";";
+    states +=
+        slot.second.get<std::string>("name") + "=" + slot.second.get<std::string>("state") + ";";
   EXPECT_TRUE(Has(states, "Factory values=factory;")) << states;
   EXPECT_TRUE(Has(states, "Preset 4=empty;Studio B=saved;")) << states;
   HttpReply file = Get("/api/presets/5/file");
@@ -448,7 +449,8 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI", mapsTo());
   // In words, with the selector the page follows, and re-asked alone.
   HttpReply mapping = Get("/api/groups/3/mapping");
-  EXPECT_TRUE(Has(mapping.body, "\"maps_to_name\":\"IP Address (IP Config: DHCP)\"")) << mapping.body;
+  EXPECT_TRUE(Has(mapping.body, "\"maps_to_name\":\"IP Address (IP Config: DHCP)\""))
+      << mapping.body;
   ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
   EXPECT_TRUE(Has(Get("/api/groups/3/mapping").body, "IP Address (IP Config: Static Addr)"));
   EXPECT_TRUE(Has(Get("/api/groups/3").body, "\"selector\":2947125650"));

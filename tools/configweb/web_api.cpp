@@ -328,7 +328,8 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config, const ParamV
   if (!command.is_null()) object["command"] = command;
   object["descriptor"] = Describe(descriptor);
   if (value != nullptr)
-    object["current"] = Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, *value));
+    object["current"] =
+        Json::parse(common::ValueJson(descriptor->GetParamID(), descriptor, *value));
   return object;
 }
 

@@ -67,8 +67,7 @@ class WebApi {
   WebReply SetParam(const std::string& name, const std::string& body);
   // save (body {"name":TEXT} optional), recall, or the preset file's
   // export (GET) and import (PUT, the file as the body).
-  WebReply Preset(const std::string& number, const std::string& operation,
-                  const std::string& body);
+  WebReply Preset(const std::string& number, const std::string& operation, const std::string& body);
   // Every preset: number, name and "factory", "saved" or "empty".
   WebReply PresetList();
   WebReply PresetExport(unsigned int preset);

@@ -164,8 +164,11 @@ function showNote(entry, text, kind) {
   entry.note.textContent = text;
   entry.note.className = "note " + (kind || "");
   if (entry.control.tagName === "INPUT") {
-    if (kind === "invalid" || kind === "refused") entry.control.setAttribute("aria-invalid", "true");
-    else entry.control.removeAttribute("aria-invalid");
+    if (kind === "invalid" || kind === "refused") {
+      entry.control.setAttribute("aria-invalid", "true");
+    } else {
+      entry.control.removeAttribute("aria-invalid");
+    }
   }
 }
 
@@ -503,7 +506,9 @@ function loadPresets() {
 }
 
 function presetOutcome(what, n, r) {
-  if (r.data.error) return presetSaid("Preset " + n + " was not " + what + ": " + r.data.error, true);
+  if (r.data.error) {
+    return presetSaid("Preset " + n + " was not " + what + ": " + r.data.error, true);
+  }
   const done = r.status === 200;
   presetSaid((done ? "" : "Preset " + n + " was not " + what + ": ") + r.data.result +
       (r.data.message ? " \u2014 " + r.data.message : "") + ".", !done);
