@@ -291,10 +291,13 @@ def main():
         children["configd"].terminate()
         children["configd"].wait(timeout=DEADLINE_S)
         wait.until(lambda d: "configd does not answer" in text("banner"))
+        assert driver.execute_script("return document.getElementById('view').inert;"), \
+            "settings offered while configd is away"
         shoot("configd-lost")
         start_configd(configd_port)
         wait.until(lambda d: not d.find_element(By.ID, "banner").is_displayed())
         wait.until(lambda d: "connected" in text("link") and "lost" not in text("link"))
+        assert not driver.execute_script("return document.getElementById('view').inert;")
 
         # Only the refusals and the outage above may have logged errors.
         errors = console_errors(allowed=("status of 409", "status of 503", "status of 502",

@@ -334,7 +334,7 @@ Json WebApi::ParamJson(ParamDescriptor* descriptor, Config* config, const ParamV
 }
 
 Json WebApi::Describe(ParamDescriptor* descriptor) {
-  std::lock_guard<std::mutex> hold(_describedLock);
+  std::lock_guard<std::mutex> hold(_keptLock);
   auto known = _described.find(descriptor->GetParamID());
   if (known != _described.end()) return known->second;
   return _described[descriptor->GetParamID()] = Json::parse(common::DescribeJson(descriptor));
@@ -362,20 +362,27 @@ WebReply WebApi::Group(const std::string& number, const std::string& query) {
       descriptors.push_back(descriptor);
   }
   if (!values) {
-    // The brief form: what names and folds the sections, nothing read.
-    Json brief = Json::array();
-    for (ParamDescriptor* descriptor : descriptors) {
-      std::string menu;
-      descriptor->GetAttribute("menu_number", menu);
-      Json object{{"param", descriptor->GetParamIDName()},
-                  {"id", descriptor->GetParamID()},
-                  {"name", descriptor->GetName()},
-                  {"menu_number", menu}};
-      Json command = CommandJson(descriptor);
-      if (!command.is_null()) object["command"] = command;
-      brief.push_back(object);
+    // The brief form: what names and folds the sections, nothing read. It
+    // depends on the catalogue alone, so a whole group's is made once.
+    std::lock_guard<std::mutex> hold(_keptLock);
+    std::string made;
+    std::string& kept = section.empty() ? _briefs[group] : made;
+    if (kept.empty()) {
+      Json brief = Json::array();
+      for (ParamDescriptor* descriptor : descriptors) {
+        std::string menu;
+        descriptor->GetAttribute("menu_number", menu);
+        Json object{{"param", descriptor->GetParamIDName()},
+                    {"id", descriptor->GetParamID()},
+                    {"name", descriptor->GetName()},
+                    {"menu_number", menu}};
+        Json command = CommandJson(descriptor);
+        if (!command.is_null()) object["command"] = command;
+        brief.push_back(object);
+      }
+      kept = JsonText(Json{{"group", group}, {"name", GroupName(group)}, {"params", brief}});
     }
-    return JsonReply(Json{{"group", group}, {"name", GroupName(group)}, {"params", brief}});
+    return JsonReply(kept);
   }
   // Values come from the session's cache where it has them, so they are
   // read before the connection is taken for the rest.

@@ -8,10 +8,10 @@
 // for now), 409 for a value the store refused (with the value it kept), 503
 // while configd is not connected. Paths outside /api/ are the page's files.
 //
-// Holds no state of its own beyond the session it reads through and the
-// descriptors' JSON, made once per parameter (the catalogue does not change
-// while the program runs) under _describedLock; Handle may be called from
-// any HTTP connection thread at once.
+// Holds no state of its own beyond the session it reads through and what it
+// makes once from the catalogue, which does not change while the program
+// runs (each descriptor's JSON, each group's brief form), under _keptLock;
+// Handle may be called from any HTTP connection thread at once.
 #ifndef TOOLS_CONFIGWEB_WEB_API_H
 #define TOOLS_CONFIGWEB_WEB_API_H
 
@@ -97,8 +97,9 @@ class WebApi {
   common::Json Describe(ParamDescriptor* descriptor);
 
   DaemonSession& _session;
-  std::mutex _describedLock;
-  std::unordered_map<unsigned int, common::Json> _described;  // guarded by _describedLock
+  std::mutex _keptLock;
+  std::unordered_map<unsigned int, common::Json> _described;  // guarded by _keptLock
+  std::unordered_map<int, std::string> _briefs;               // guarded by _keptLock
 };
 
 // Whether the page leaves `descriptor` out of its menus: the front panel's

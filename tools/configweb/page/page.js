@@ -59,6 +59,8 @@ function showLink(connected) {
   const link = $("link");
   link.textContent = connected ? "configd connected" : "configd lost";
   link.className = connected ? "" : "down";
+  // Nothing can be changed meanwhile, so nothing is offered.
+  $("view").inert = !connected;
   $("banner").hidden = connected;
   $("banner").textContent = connected ? "" :
       "configd does not answer: settings cannot be read or changed, and values shown may be " +
