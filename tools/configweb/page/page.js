@@ -123,7 +123,10 @@ function setShown(entry, value) {
   if (c.tagName === "OUTPUT") c.textContent = shownText(entry.p, value);
   else if (c.tagName === "SELECT") c.value = String(value.value);
   else if (c.tagName === "INPUT" && document.activeElement !== c) {
-    c.value = String(value.value);
+    // A scaled value with its decimals ("-3.0").
+    const digits = entry.p.current.display_precision ?? entry.p.descriptor.display_precision;
+    c.value = digits !== undefined && typeof value.value === "number" ?
+        value.value.toFixed(digits) : String(value.value);
     c.removeAttribute("aria-invalid");
   }
 }
