@@ -12,6 +12,7 @@
 #include "config/config.h"
 #include "config/descriptors/param_descriptor.h"
 #include "config/descriptors/param_groups.h"
+#include "configweb/page.h"
 #include "configweb/value_cache.h"
 #include "web_fixture.h"
 
@@ -311,7 +312,7 @@ TEST_F(WebTest, HealthSaysWhetherConfigdKeepsItsSettings) {
   EXPECT_EQ(200, bad.status);
   EXPECT_EQ("false", bad.json.get<std::string>("ok", ""));
   EXPECT_EQ(failed, bad.json.get<std::string>("message", ""));
-  EXPECT_TRUE(Has(Get("/").body, "/api/health")) << "the page shows it";
+  EXPECT_TRUE(Has(Get("/page.js").body, "/api/health")) << "the page shows it";
 }
 
 TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorClosed) {
@@ -400,6 +401,34 @@ TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
   EXPECT_EQ(409, empty.status) << empty.body;
   EXPECT_EQ("Preset Empty", empty.json.get<std::string>("result", ""));
   EXPECT_EQ(400, Request(server->GetPort(), "POST", "/api/presets/41/save").status);
+  EXPECT_EQ(403, Request(server->GetPort(), "POST", "/api/presets/0/save").status)
+      << "the factory preset is never overwritten";
+
+  // Saved with a name, listed with it; the file out and in again, larger
+  // than any other request body may be.
+  HttpReply named =
+      Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"Studio B\"}");
+  EXPECT_EQ(200, named.status) << named.body;
+  EXPECT_EQ(400,
+            Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"\"}").status)
+      << "an empty name";
+  HttpReply list = Get("/api/presets");
+  ASSERT_EQ(41u, list.json.size()) << list.body;
+  std::string states;
+  for (const auto& slot : list.json)
+    states +=
+        slot.second.get<std::string>("name") + "=" + slot.second.get<std::string>("state") + ";";
+  EXPECT_TRUE(Has(states, "Factory values=factory;")) << states;
+  EXPECT_TRUE(Has(states, "Preset 4=empty;Studio B=saved;")) << states;
+  HttpReply file = Get("/api/presets/5/file");
+  ASSERT_EQ(200, file.status) << file.body;
+  ASSERT_GT(file.body.size(), configweb::HttpServer::kBodyLimit);
+  EXPECT_EQ(409, Get("/api/presets/7/file").status) << "an empty preset has no file";
+  HttpReply imported = Request(server->GetPort(), "PUT", "/api/presets/9/file", file.body);
+  EXPECT_EQ(200, imported.status) << imported.body;
+  EXPECT_TRUE(file.body == Get("/api/presets/9/file").body) << "the same image back";
+  EXPECT_EQ(413, Request(server->GetPort(), "PUT", "/api/params/SystemName", file.body).status)
+      << "only a preset file may be large";
   EXPECT_EQ(404, Request(server->GetPort(), "POST", "/api/presets/3/erase").status);
   EXPECT_EQ(405, Get("/api/presets/3/save").status);
 }
@@ -420,6 +449,13 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_SDI1", mapsTo());
   ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI", mapsTo());
+  // In words, with the selector the page follows, and re-asked alone.
+  HttpReply mapping = Get("/api/groups/3/mapping");
+  EXPECT_TRUE(Has(mapping.body, "\"maps_to_name\":\"IP Address (IP Config: DHCP)\""))
+      << mapping.body;
+  ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
+  EXPECT_TRUE(Has(Get("/api/groups/3/mapping").body, "IP Address (IP Config: Static Addr)"));
+  EXPECT_TRUE(Has(Get("/api/groups/3").body, "\"selector\":2947125650"));
 
   HttpReply set = Put("/api/params/Vid1YUVProcAmpGain", "{\"value\":95.0}");
   EXPECT_EQ(200, set.status) << set.body;
@@ -453,4 +489,45 @@ TEST(ValueCacheTest, AReadOlderThanAChangeIsNotKept) {
   cache.Fill(7, changed, cache.Ticket());
   ASSERT_TRUE(cache.Find(7, found));
   EXPECT_EQ(2u, found.number);
+}
+
+// The page's files come from the program with validators: a repeated
+// request with the validator is answered 304 without the body; who the
+// unit is, and the search index, come from the API.
+TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIs) {
+  size_t total = 0;
+  for (const char* path : {"/", "/page.css", "/page.js"}) {
+    HttpReply file = Get(path);
+    EXPECT_EQ(200, file.status) << path;
+    total += file.body.size();
+  }
+  EXPECT_LT(total, 100u * 1024) << "the page stays small";
+  EXPECT_EQ(404, Get("/nothing.js").status);
+  EXPECT_EQ(405, Request(server->GetPort(), "POST", "/").status);
+  std::string raw = "GET /page.js HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n";
+  HttpReply first = Request(server->GetPort(), "", "", "", raw);
+  ASSERT_EQ(200, first.status);
+  const configweb::PageFile* js = configweb::FindPageFile("/page.js");
+  ASSERT_NE(nullptr, js);
+  raw.insert(raw.find("Connection"), "If-None-Match: " + std::string(js->etag) + "\r\n");
+  HttpReply again = Request(server->GetPort(), "", "", "", raw);
+  EXPECT_EQ(304, again.status);
+  EXPECT_TRUE(again.body.empty()) << again.body;
+
+  HttpReply unit = Get("/api/unit");
+  EXPECT_EQ("zyn-kr-9", unit.json.get<std::string>("system_name", "")) << unit.body;
+  EXPECT_EQ("KR-9", unit.json.get<std::string>("product", "")) << unit.body;
+  EXPECT_EQ("21F000500", unit.json.get<std::string>("serial_number", "")) << unit.body;
+  EXPECT_TRUE(Has(Get("/api/index").body, "[\"eParamID_AudioLevelCh1_SDI1\",\"SDI1 Level Ch 1\""));
+  // A large group in brief, and one of its sections in full.
+  HttpReply brief = Get("/api/groups/9?values=no");
+  EXPECT_EQ(626u, brief.json.get_child("params").size());
+  EXPECT_FALSE(Has(brief.body, "\"descriptor\"") || Has(brief.body, "\"current\"")) << "brief";
+  HttpReply section = Get("/api/groups/9?section=15");
+  ASSERT_EQ(16u, section.json.get_child("params").size()) << section.body;
+  for (const auto& p : section.json.get_child("params"))
+    EXPECT_EQ(0u, p.second.get<std::string>("descriptor.menu_number").find("15."));
+  EXPECT_TRUE(Has(section.body, "\"current\""));
+  // The reboot is a command with its consequence, not a bare choice.
+  EXPECT_TRUE(Has(Get("/api/groups/3").body, "\"label\":\"Reboot the unit\""));
 }

@@ -204,10 +204,18 @@ void HttpServer::Serve(Connection& connection) {
   for (;;) {
     http::request_parser<http::string_body> parser;
     parser.header_limit(kHeaderLimit);
-    parser.body_limit(kBodyLimit);
+    // A preset file is the one body allowed to be large: the header is read
+    // under the larger limit, which then narrows for every other request.
+    parser.body_limit(WebApi::kPresetFileLimit);
     boost::system::error_code ec;
     connection.deadlineMs = NowMs() + kReadTimeoutMs;
-    http::read(connection.socket, buffer, parser, ec);
+    http::read_header(connection.socket, buffer, parser, ec);
+    if (!ec && !TakesPresetFile(std::string(parser.get().method_string()),
+                                std::string(parser.get().target()))) {
+      if (parser.content_length().value_or(0) > kBodyLimit) ec = http::error::body_limit;
+      parser.body_limit(kBodyLimit);
+    }
+    if (!ec) http::read(connection.socket, buffer, parser, ec);
     connection.deadlineMs = 0;
     if (ec == http::error::end_of_stream) return;
     if (ec == http::error::header_limit) {
@@ -247,8 +255,18 @@ void HttpServer::Serve(Connection& connection) {
                                                request.version()};
     response.set(http::field::server, "configweb");
     response.set(http::field::content_type, reply.contentType);
-    response.set(http::field::cache_control, "no-store");
     response.keep_alive(request.keep_alive());
+    if (reply.etag.empty()) {
+      response.set(http::field::cache_control, "no-store");
+    } else {
+      // Kept by the browser, and asked again each time with its validator.
+      response.set(http::field::cache_control, "no-cache");
+      response.set(http::field::etag, reply.etag);
+      if (request[http::field::if_none_match] == reply.etag) {
+        response.result(http::status::not_modified);
+        reply.body.clear();
+      }
+    }
     response.body() = std::move(reply.body);
     response.prepare_payload();
     connection.deadlineMs = NowMs() + kWriteTimeoutMs;

@@ -1,15 +1,28 @@
-// The page configweb serves at "/": one HTML document with its style and
-// script inline, so the program needs no files and nothing is fetched at
-// run time. The script lists the menu groups, shows a group's parameters
-// with controls by kind, sets values through the JSON API and keeps them
-// current from the event stream.
+// The page configweb serves: the files under tools/configweb/page/, built
+// into the program (embed_page.cmake writes them into a generated source),
+// so the unit needs no files and the browser fetches nothing from elsewhere.
+// Each file has a strong ETag from its bytes, for conditional requests.
 #ifndef TOOLS_CONFIGWEB_PAGE_H
 #define TOOLS_CONFIGWEB_PAGE_H
 
+#include <cstddef>
+#include <string>
+
 namespace configweb {
 
-// The document; static storage, valid for the life of the program.
-const char* PageHtml();
+struct PageFile {
+  const char* path;  // "/index.html"
+  const char* contentType;
+  const char* etag;  // quoted, as sent
+  const unsigned char* data;
+  size_t size;
+};
+
+extern const PageFile kPageFiles[];
+extern const size_t kPageFileCount;
+
+// The file served at `path` ("/" is "/index.html"); null when there is none.
+const PageFile* FindPageFile(const std::string& path);
 
 }  // namespace configweb
 
