@@ -178,6 +178,10 @@ def main():
         driver.switch_to.active_element.send_keys(Keys.ENTER)
         wait.until(lambda d: d.find_elements(By.CSS_SELECTOR, "tr.target"))
         assert "g=9" in driver.current_url and "p=eParamID_" in driver.current_url
+        # Scaled values in their units: a level the store holds as 600 is 0.0 dB.
+        target = find(By.CSS_SELECTOR, "tr.target")
+        assert target.find_element(By.TAG_NAME, "input").get_attribute("value") == "0.0"
+        assert "-60.0 to 12.0 dB" in target.text, target.text
 
         # Read-only values are values; duplicate names say which is which.
         open_group(5, "eParamID_SoftwareVersion")

@@ -94,8 +94,20 @@ function units(p) {
   return v.units !== undefined ? v.units : p.descriptor.units || "";
 }
 
+// Whether the number shown differs from the store's: (raw - offset) / scale
+// with a number of decimals.
 function scaled(p) {
-  return p.descriptor.scale_by !== undefined || (p.current && p.current.raw !== undefined);
+  const d = p.descriptor;
+  if (p.current && p.current.raw !== undefined) return true;
+  return (d.scale_by !== undefined && d.scale_by !== 1) || d.offset_by > 0 ||
+      d.display_precision > 0;
+}
+
+// A store number as shown, for limits: "-60.0".
+function shownNumber(p, raw) {
+  const d = p.descriptor;
+  if (!scaled(p)) return String(raw);
+  return ((raw - (d.offset_by || 0)) / (d.scale_by || 1)).toFixed(d.display_precision || 0);
 }
 
 function shownText(p, v) {
@@ -109,10 +121,10 @@ function limits(p) {
   const d = p.descriptor;
   if (p.readonly || p.command) return "";
   if (d.kind === "string") return d.min_length + " to " + d.max_length + " characters";
-  if ((d.kind === "integer" || d.kind === "decimal") && !scaled(p))
-    return d.min + " to " + d.max + (d.units ? " " + d.units : "") +
-        (p.step > 1 ? ", step " + p.step : "");
-  if (scaled(p) && units(p)) return "in " + units(p);
+  if (d.kind === "integer" || d.kind === "decimal")
+    return shownNumber(p, d.min) + " to " + shownNumber(p, d.max) +
+        (units(p) ? " " + units(p) : "") +
+        (p.step > 1 && !scaled(p) ? ", step " + p.step : "");
   return "";
 }
 
@@ -179,23 +191,23 @@ function showNote(entry, text, kind) {
 
 // A number as typed ("-3.0", "-3.0 dB" in the value's own units), checked
 // before anything is sent: {problem} with the reason it cannot be sent, or
-// {number}. Scaled values' limits are checked by configd, which knows the
-// scale.
+// {number}. A scaled value finer than the store's step is refused by
+// configd, which says so.
 function readNumber(p, text) {
   const d = p.descriptor;
-  const range = d.min + " to " + d.max + (d.units ? " " + d.units : "");
   const unit = units(p);
-  if (text === "") return { problem: "Empty: enter a number" +
-      (scaled(p) ? (unit ? " in " + unit : "") : " from " + range) + ". Nothing was sent." };
+  const low = Number(shownNumber(p, d.min)), high = Number(shownNumber(p, d.max));
+  const range = shownNumber(p, d.min) + " to " + shownNumber(p, d.max) + (unit ? " " + unit : "");
+  if (text === "") return { problem: "Empty: enter a number from " + range + ". Nothing was sent." };
   const match = /^([-+]?(?:\d+\.?\d*|\.\d+))\s*(\S*)$/.exec(text);
   if (!match || (match[2] && match[2] !== unit))
     return { problem: "\u201c" + text + "\u201d is not a number" + (unit ? " in " + unit : "") +
         ". Nothing was sent." };
   const number = Number(match[1]);
-  if (scaled(p)) return { number: number };
-  if (!Number.isInteger(number)) return { problem: "Whole numbers only. Nothing was sent." };
-  if (number < d.min || number > d.max)
-    return { problem: number + " is outside " + range + ". Nothing was sent." };
+  if (!scaled(p) && !Number.isInteger(number))
+    return { problem: "Whole numbers only. Nothing was sent." };
+  if (low <= high && (number < low || number > high))
+    return { problem: match[1] + " is outside " + range + ". Nothing was sent." };
   return { number: number };
 }
 
