@@ -19,8 +19,9 @@ SKIP = 77
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 AXE = os.environ.get("CONFIGWEB_AXE", "/usr/local/lib/node_modules/axe-core/axe.min.js")
 DEADLINE_S = 20
-# The first view's limit; 0 (sanitized builds, slow by design) only prints it.
-RENDER_LIMIT_MS = int(os.environ.get("CONFIGWEB_RENDER_LIMIT_MS", "300"))
+# The first view's limit, checked when set (bench/configweb_page sets it to
+# 300); otherwise the time is only printed.
+RENDER_LIMIT_MS = int(os.environ.get("CONFIGWEB_RENDER_LIMIT_MS", "0"))
 # What the accessibility check covers: names of form fields and buttons,
 # text contrast, landmarks and headings, valid ARIA, the document's language.
 AXE_RULES = ["label", "select-name", "button-name", "link-name", "color-contrast",
