@@ -121,9 +121,11 @@ TEST(OutboxTest, CutsOffAStalledPeerByTimeAndAtTheCeiling) {
   EXPECT_EQ(1u, timed.Failures().size());
 
   // Past the limit, the next check cuts the peer off (the loop checks only
-  // every half second; here the check is made at once).
+  // every half second; here the check is made at once). On a loaded machine
+  // the posting itself may outlast the limit and be cut at hand-over.
   Pair prompt(50);
-  for (int i = 0; i < 20000; ++i) ASSERT_TRUE(prompt.outbox->Post(record.data(), record.size()));
+  for (int i = 0; i < 20000 && prompt.outbox->Post(record.data(), record.size()); ++i) {
+  }
   std::this_thread::sleep_for(std::chrono::milliseconds(60));
   prompt.outbox->CheckDrained();
   EXPECT_EQ(std::vector<std::string>{"queue not drained for 50 ms"}, prompt.Failures());
