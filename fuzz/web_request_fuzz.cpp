@@ -30,6 +30,8 @@ struct Web {
   std::unique_ptr<configweb::WebApi> api;
 };
 
+Web* g_web = nullptr;
+
 Web* Start() {
   static char folder[] = "/tmp/configweb-fuzz.XXXXXX";
   if (mkdtemp(folder) == nullptr) abort();
@@ -43,10 +45,14 @@ Web* Start() {
       "socket://127.0.0.1:" + std::to_string(web->daemon.GetPort()) + "/configid=0", web->hub);
   if (!web->session->Start()) abort();
   web->api = std::make_unique<configweb::WebApi>(*web->session);
+  // The link's and the owner's threads end before the catalogue's and the
+  // mapper's tables are destroyed at exit.
+  atexit([] {
+    g_web->session->Stop();
+    g_web->daemon.Stop();
+  });
   return web;
 }
-
-Web* g_web = nullptr;
 
 }  // namespace
 
