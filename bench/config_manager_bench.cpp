@@ -64,7 +64,6 @@ ConfigManager* Store() {
   return store;
 }
 
-
 void BM_GetInteger(benchmark::State& state) {
   ConfigManager* store = Store();
   const std::vector<unsigned int>& ids = Build().integers;

@@ -185,8 +185,8 @@ class EchoServer {
       XCONFIGMGR_REQUEST_T get;
       if (RecvExact(fd, request + 4, sizeof get - 4) != sizeof get - 4) return;
       Unpack(request, get);
-      XCONFIGMGR_RESPONSE_T answer{AnswerHeader(get.header, XCFG_GET_PARAM_RESPONSE), get.paramID,
-                                   0, 0, 0, 0};
+      XCONFIGMGR_RESPONSE_T answer{
+          AnswerHeader(get.header, XCFG_GET_PARAM_RESPONSE), get.paramID, 0, 0, 0, 0};
       char bytes[sizeof answer];
       Pack(answer, bytes);
       if (!SendAll(fd, bytes, sizeof bytes)) return;

@@ -19,7 +19,8 @@ TEST_F(ConfigctlDaemonTest, GetSetAndWatchOverTcpUdpAndMulticast) {
     EXPECT_EQ(1, refused.exitCode);
     EXPECT_TRUE(Has(refused.err, "'7' is not a value of eParamID_FrontPanelLock")) << refused.err;
     Outcome clamped = RunToEnd(CtlArgs(uri + "/caching=true", {"set", kClampedParam, "250"}));
-    EXPECT_EQ("eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n", clamped.out) << clamped.err;
+    EXPECT_EQ("eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n", clamped.out)
+        << clamped.err;
     EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n",
               RunToEnd(CtlArgs(uri + "/caching=true", {"get", "FrontPanelLock"})).out);
 

@@ -15,14 +15,14 @@
 #include "common/parameters.h"
 #include "common/user_access.h"
 #include "config/access/mapping_config.h"
-#include "config/mapper/mapper_rules.h"
-#include "config/values/file.h"
 #include "config/config.h"
 #include "config/descriptors/enum_descriptor.h"
 #include "config/descriptors/owner_params.h"
 #include "config/descriptors/param_descriptors.h"
 #include "config/descriptors/param_groups.h"
 #include "config/descriptors/param_ids.h"
+#include "config/mapper/mapper_rules.h"
+#include "config/values/file.h"
 #include "config/values/presets_param_vector.h"
 #include "configweb/daemon_session.h"
 #include "configweb/page.h"
@@ -142,11 +142,9 @@ Json CommandJson(const ParamDescriptor* descriptor) {
   }
   if (!confirming) return nullptr;
   std::string label = descriptor->GetName().empty() ? values->GetEnumValue(values->GetMinValue())
-                                                      : descriptor->GetName();
+                                                    : descriptor->GetName();
   if (!label.empty() && label.back() == '?') label.pop_back();
-  Json command{{"label", label},
-               {"consequence", "This acts on the unit at once."},
-               {"value", act}};
+  Json command{{"label", label}, {"consequence", "This acts on the unit at once."}, {"value", act}};
   for (const CommandText& text : kCommandTexts)
     if (descriptor->GetParamIDName() == text.param) {
       command["label"] = text.label;
@@ -186,7 +184,8 @@ void AddMapping(Json& object, ParamDescriptor* descriptor, Config* config,
     auto* list = dynamic_cast<EnumDescriptor*>(chooser);
     std::string chosen = list != nullptr && !choice.isString
                              ? list->GetEnumValue(static_cast<unsigned int>(choice.number))
-                             : choice.isString ? choice.text : std::to_string(choice.number);
+                         : choice.isString ? choice.text
+                                           : std::to_string(choice.number);
     words += " (" + chooser->GetName() + ": " + chosen + ")";
   }
   object["maps_to_name"] = words;
@@ -356,9 +355,8 @@ WebReply WebApi::Group(const std::string& number, const std::string& query) {
   std::vector<ParamDescriptor*> descriptors;
   for (unsigned int id : GetParamGroup(group)) {
     ParamDescriptor* descriptor = GetDescriptor(id);
-    std::string menu;
-    descriptor->GetAttribute("menu_number", menu);
-    if (!HiddenFromPage(descriptor) && menu.compare(0, section.size(), section) == 0)
+    if (!HiddenFromPage(descriptor) &&
+        common::MenuNumber(descriptor).compare(0, section.size(), section) == 0)
       descriptors.push_back(descriptor);
   }
   if (!values) {
@@ -370,12 +368,10 @@ WebReply WebApi::Group(const std::string& number, const std::string& query) {
     if (kept.empty()) {
       Json brief = Json::array();
       for (ParamDescriptor* descriptor : descriptors) {
-        std::string menu;
-        descriptor->GetAttribute("menu_number", menu);
         Json object{{"param", descriptor->GetParamIDName()},
                     {"id", descriptor->GetParamID()},
                     {"name", descriptor->GetName()},
-                    {"menu_number", menu}};
+                    {"menu_number", common::MenuNumber(descriptor)}};
         Json command = CommandJson(descriptor);
         if (!command.is_null()) object["command"] = command;
         brief.push_back(object);
@@ -396,8 +392,7 @@ WebReply WebApi::Group(const std::string& number, const std::string& query) {
   Json params = Json::array();
   bool connected = _session.WithConfig([&](Config* config) {
     for (size_t i = 0; i < descriptors.size(); ++i)
-      params.push_back(ParamJson(descriptors[i], config,
-                                 read[i] ? &current[i] : nullptr));
+      params.push_back(ParamJson(descriptors[i], config, read[i] ? &current[i] : nullptr));
   });
   if (!connected) return Unreachable(_session);
   return JsonReply(Json{{"group", group}, {"name", GroupName(group)}, {"params", params}});
@@ -546,7 +541,7 @@ WebReply WebApi::PresetList() {
       if (!RunOwnerRequest(probe, failure)) return failure;
       state = probe.GetState() == kRegisterDone    ? "saved"
               : probe.GetState() == kRegisterEmpty ? "empty"
-                                                    : "unknown";
+                                                   : "unknown";
     }
     presets.push_back(Json{{"preset", preset}, {"name", name}, {"state", state}});
   }
@@ -559,8 +554,8 @@ WebReply WebApi::PresetExport(unsigned int preset) {
   WebReply failure;
   if (!RunOwnerRequest(request, failure)) return failure;
   if (request.GetState() != kRegisterDone)
-    return Error(409, "preset " + std::to_string(preset) + " not exported: " +
-                          request.GetMessage());
+    return Error(409,
+                 "preset " + std::to_string(preset) + " not exported: " + request.GetMessage());
   // configd has handed the preset over; take it and clear the hand-over.
   zyn::config::values::PresetsParamVector image;
   std::string handedOver = zyn::config::values::PresetsParamVector::PresetFileName(preset);
@@ -579,20 +574,19 @@ WebReply WebApi::PresetImport(unsigned int preset, const std::string& image) {
   using zyn::config::values::kRegisterDone;
   if (image.empty()) return Error(400, "the preset file is empty");
   std::string handOver = zyn::config::values::PresetsParamVector::PresetFileName(preset);
-  if (!File::write_file(handOver, image.data(),
-                                             static_cast<unsigned int>(image.size())))
+  if (!File::write_file(handOver, image.data(), static_cast<unsigned int>(image.size())))
     return Error(502, "the preset file cannot be handed to configd at " + handOver);
   common::OwnerRequest request("store", preset);
   WebReply failure;
   bool answered = RunOwnerRequest(request, failure);
   unlink(handOver.c_str());
   if (!answered) return failure;
-  WebReply reply = JsonReply(Json{{"preset", preset},
-                                  {"operation", "import"},
-                                  {"state", request.GetState()},
-                                  {"result", request.GetState() == kRegisterDone ? "Import Complete"
-                                                                                 : "Import Failed"},
-                                  {"message", request.GetMessage()}});
+  WebReply reply = JsonReply(
+      Json{{"preset", preset},
+           {"operation", "import"},
+           {"state", request.GetState()},
+           {"result", request.GetState() == kRegisterDone ? "Import Complete" : "Import Failed"},
+           {"message", request.GetMessage()}});
   if (request.GetState() != kRegisterDone) reply.status = 409;
   return reply;
 }
@@ -603,9 +597,8 @@ WebReply WebApi::FactoryReset(const std::string& kind) {
   common::OwnerRequest request("reset", kind == "hard" ? 2 : 1);
   WebReply failure;
   if (!RunOwnerRequest(request, failure)) return failure;
-  WebReply reply = JsonReply(Json{{"reset", kind},
-                                  {"state", request.GetState()},
-                                  {"message", request.GetMessage()}});
+  WebReply reply = JsonReply(
+      Json{{"reset", kind}, {"state", request.GetState()}, {"message", request.GetMessage()}});
   if (request.GetState() != kRegisterDone) reply.status = 409;
   return reply;
 }
@@ -647,10 +640,9 @@ WebReply WebApi::Index() {
     for (unsigned int id : GetParamGroup(group)) {
       ParamDescriptor* descriptor = GetDescriptor(id);
       if (HiddenFromPage(descriptor)) continue;
-      std::string menu;
-      descriptor->GetAttribute("menu_number", menu);
-      rows.push_back(Json::array({descriptor->GetParamIDName(), descriptor->GetName(),
-                                  descriptor->GetShortName(), group, menu}));
+      rows.push_back(
+          Json::array({descriptor->GetParamIDName(), descriptor->GetName(),
+                       descriptor->GetShortName(), group, common::MenuNumber(descriptor)}));
     }
   return JsonReply(rows);
 }
@@ -665,9 +657,9 @@ WebReply WebApi::Mapping(const std::string& number) {
     for (unsigned int id : GetParamGroup(group)) {
       ParamDescriptor* descriptor = GetDescriptor(id);
       if (HiddenFromPage(descriptor)) continue;
-      Json object{{"id", id},
-                  {"readonly", common::IsUserReadOnly(
-                                   common::EffectiveDescriptor(descriptor, config))}};
+      Json object{
+          {"id", id},
+          {"readonly", common::IsUserReadOnly(common::EffectiveDescriptor(descriptor, config))}};
       AddMapping(object, descriptor, config, mapping);
       if (!object.contains("maps_to")) continue;
       ParamValue value;

@@ -35,8 +35,8 @@
 #include <string>
 #include <vector>
 
-#include "config/access/outbox.h"
 #include "config/access/network_connection.h"
+#include "config/access/outbox.h"
 #include "config/access/stream_io.h"
 #include "config/access/xconfigmgr_records.h"
 #include "config/config.h"
@@ -124,13 +124,13 @@ class NetworkTCPConnection : public NetworkConnection, public ConfigEventListene
   Socket* socket;
   int _fd;  // the socket's descriptor, fixed for the connection's life
   ::zyn::config::access::StreamReader _reader;
-  long _read_timeout_ms = 0;  // set before Start
+  long _read_timeout_ms = 0;               // set before Start
   std::atomic<unsigned int> connectionID;  // set by the connection's thread
-  uint32_t _config_id;        // the open store's ID, for events; guarded by _state_lock
-  bool registered;            // guarded by _state_lock
-  bool _listening;            // added to the store's listeners (connection's thread)
+  uint32_t _config_id;  // the open store's ID, for events; guarded by _state_lock
+  bool registered;      // guarded by _state_lock
+  bool _listening;      // added to the store's listeners (connection's thread)
   std::atomic<bool> stopped;
-  std::atomic<bool> _broken;  // cut off: no more sends
+  std::atomic<bool> _broken;                                      // cut off: no more sends
   const ::zyn::config::access::Outbox::FailureFunction _cut_off;  // calls CutOff
   // Every byte to the client once one was needed (registration, or a send
   // that would block); set by the connection's thread before it registers,

@@ -88,8 +88,7 @@ bool Outbox::Send(std::shared_ptr<Outbox>& outbox, int fd, const FailureFunction
   return outbox->Send(bytes, length);
 }
 
-bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes,
-                           size_t length) {
+bool Outbox::SendNowLocked(std::unique_lock<std::mutex>& hold, const char* bytes, size_t length) {
   _sending = true;
   hold.unlock();
   ssize_t sent = send(_fd, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL);

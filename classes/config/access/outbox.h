@@ -138,15 +138,15 @@ class Outbox : public std::enable_shared_from_this<Outbox> {
   SendLoop& _loop;
 
   std::mutex _lock;
-  std::condition_variable _turn_free;  // Close waits on it for _sending
+  std::condition_variable _turn_free;     // Close waits on it for _sending
   std::vector<std::vector<char>> _queue;  // blocks not yet taken by a sender
   std::vector<char> _spare;               // an emptied block kept for reuse
   size_t _queued = 0;                     // bytes in _queue and _writing
   timespec _undrained_since{};            // when _queued last left 0
-  bool _sending = false;    // a thread holds the sending turn
-  bool _blocked = false;    // the socket would block: wait for epoll
-  bool _scheduled = false;  // the loop has been asked to flush
-  bool _kick = false;       // the loop found the turn taken: the holder retries
+  bool _sending = false;                  // a thread holds the sending turn
+  bool _blocked = false;                  // the socket would block: wait for epoll
+  bool _scheduled = false;                // the loop has been asked to flush
+  bool _kick = false;                     // the loop found the turn taken: the holder retries
   bool _cut_off = false;
   bool _closed = false;
   int _slot = -1;  // the loop thread attached to, once the loop was needed

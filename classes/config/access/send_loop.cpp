@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <utility>
@@ -18,7 +18,8 @@ namespace config {
 namespace access {
 
 SendLoop::SendLoop(unsigned threads) {
-  if (threads == 0) threads = std::max(1u, std::min(kMaxThreads, std::thread::hardware_concurrency()));
+  if (threads == 0)
+    threads = std::max(1u, std::min(kMaxThreads, std::thread::hardware_concurrency()));
   for (unsigned i = 0; i < threads; ++i) {
     auto thread = std::make_unique<Thread>();
     thread->epoll = epoll_create1(EPOLL_CLOEXEC);

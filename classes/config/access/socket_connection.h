@@ -119,15 +119,15 @@ class SocketConnection : public ConfigEventListener, public Runnable {
 
   Config* _store;
   Socket* _socket;
-  int _fd;                          // the socket's descriptor, fixed for the connection's life
-  StreamReader _reader;             // the connection thread's reads
-  long _read_timeout_ms = 0;        // set before Start
+  int _fd;                               // the socket's descriptor, fixed for the connection's life
+  StreamReader _reader;                  // the connection thread's reads
+  long _read_timeout_ms = 0;             // set before Start
   std::atomic<uint32_t> _connection_id;  // set by the connection's thread
-  bool _registered;                 // guarded by _state_lock
-  bool _listening;                  // added to the store's listeners
-  std::list<unsigned int> _filter;  // guarded by _state_lock; empty: all
+  bool _registered;                      // guarded by _state_lock
+  bool _listening;                       // added to the store's listeners
+  std::list<unsigned int> _filter;       // guarded by _state_lock; empty: all
   std::atomic<bool> _stop;
-  std::atomic<bool> _broken;  // cut off: no more sends
+  std::atomic<bool> _broken;                                      // cut off: no more sends
   const ::zyn::config::access::Outbox::FailureFunction _cut_off;  // calls CutOff
   // Every byte to the client once one was needed (registration, or a send
   // that would block); set by the connection's thread before it registers,

@@ -143,8 +143,8 @@ XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t ms
   return header;
 }
 
-XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID,
-                                        uint32_t paramID, uint32_t value) {
+XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID, uint32_t paramID,
+                                        uint32_t value) {
   return XCONFIGMGR_RESPONSE_T{
       MakeHeader(XCFG_PARAM_CHANGED_EVENT, connectionID, kXConfigEventRequestID, configID),
       paramID,

@@ -148,8 +148,8 @@ XCONFIGMGR_HEADER_T AnswerHeader(const XCONFIGMGR_HEADER_T& request, uint32_t ms
 
 // The "Param Changed Event" of an integer change, for the connection
 // `connectionID` of the store `configID`.
-XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID,
-                                        uint32_t paramID, uint32_t value);
+XCONFIGMGR_RESPONSE_T ParamChangedEvent(uint32_t connectionID, uint32_t configID, uint32_t paramID,
+                                        uint32_t value);
 // The request a "Param String Changed Event" is built from, as a string
 // response is from its request.
 XCONFIGMGR_REQUEST_T StreamChangedEventRequest(uint32_t connectionID, uint32_t configID,

@@ -134,10 +134,10 @@ class ConfigManager : public Config {
     IntegerValue* integer = nullptr;  // exactly one of these two is set
     StringValue* text = nullptr;
     ParamDescriptor* descriptor = nullptr;
-    IntegerDescriptor* range = nullptr;       // Check::kRange
-    EnumDescriptor* enumeration = nullptr;    // Check::kEnum
-    unsigned int dependentMinimum = 0;        // its "dependent_minimum", or 0
-    std::vector<unsigned int> dependents;     // its GetDependentParamIDs()
+    IntegerDescriptor* range = nullptr;     // Check::kRange
+    EnumDescriptor* enumeration = nullptr;  // Check::kEnum
+    unsigned int dependentMinimum = 0;      // its "dependent_minimum", or 0
+    std::vector<unsigned int> dependents;   // its GetDependentParamIDs()
   };
   // Open addressing with linear probing; capacity a power of two at least
   // twice the number of values, so a probe ends on an empty place.
@@ -177,9 +177,9 @@ class ConfigManager : public Config {
   // without a slot.
   std::unordered_map<unsigned int, ConfigValue*> _values;  // guarded by _values_lock
   sem_t _values_lock;
-  std::atomic<const SlotTable*> _slots{nullptr};  // published under _values_lock
+  std::atomic<const SlotTable*> _slots{nullptr};    // published under _values_lock
   std::vector<std::unique_ptr<SlotTable>> _tables;  // guarded by _values_lock
-  std::vector<ConfigEventListener*> _listeners;  // guarded by _listeners_lock
+  std::vector<ConfigEventListener*> _listeners;     // guarded by _listeners_lock
   sem_t _listeners_lock;
   std::vector<zyn::config::UpdatePrecondition*> _preconditions;
   // The sole precondition when it is exactly UpdatePreconditionValues (a

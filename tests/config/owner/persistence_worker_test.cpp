@@ -62,7 +62,8 @@ TEST_F(PersistenceWorkerTest, RestoreClampsDropsAndSkips) {
   std::string name;
   store.Get(kSystemName, name);
   EXPECT_EQ("zyn-kr-9", name);
-  Stderr([&] { EXPECT_FALSE(store.Set(kSystemName, std::string())) << "shorter than its minimum"; });
+  Stderr(
+      [&] { EXPECT_FALSE(store.Set(kSystemName, std::string())) << "shorter than its minimum"; });
   EXPECT_EQ(recallBefore, store.Get(kRegisterRecall)) << "a value not kept is not restored";
   const auto& counts = worker.GetRestoreCounts();
   EXPECT_EQ(2u, counts.restored);

@@ -91,4 +91,3 @@ TEST_F(ClassFactoryTest, UnknownPresetsPolicy) {
   std::string err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_Presets)); });
   EXPECT_EQ("PresetsFactory::Create - unknown policy 5, unable to create Presets instance\n", err);
 }
-
