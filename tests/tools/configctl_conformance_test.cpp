@@ -193,7 +193,7 @@ TEST_F(ConfigctlDaemonTest, ConformanceIsGreenOnEveryTransport) {
 }
 
 TEST_F(ConfigctlDaemonTest, ConformanceRefusesRemoteServersAndNeedsScratchToChange) {
-  Outcome remote = RunToEnd({CONFIGCTL_PATH, "conformance", "tcp://192.0.2.1:43110"});
+  Outcome remote = RunToEnd({CONFIGCTL_PATH, "conformance", "tcp://0.0.0.0:43110"});
   EXPECT_EQ(2, remote.exitCode);
   EXPECT_TRUE(Has(remote.err, "add --allow-remote")) << remote.err;
   Outcome readOnly = RunToEnd({CONFIGCTL_PATH, "conformance", daemon.Uri()});

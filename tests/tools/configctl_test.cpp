@@ -108,7 +108,7 @@ TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
   }
   EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -2.0 dB\n", Ctl({"get", level}).out);
   // An address the user gives the unit is an IPv4 address in dotted-quad form.
-  for (const char* wrong : {"300.1.1.1", "10.0.0", "10.0.0.1 ", "host.local"}) {
+  for (const char* wrong : {"127.0.0.300", "127.0.0", "127.0.0.1 ", "host.local"}) {
     Outcome outcome = Ctl({"set", "IPAddress_Static", wrong});
     EXPECT_EQ(1, outcome.exitCode) << wrong;
     EXPECT_EQ("configctl: refused \"" + std::string(wrong) +
@@ -116,8 +116,8 @@ TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
                   "form, such as 192.168.0.2\n",
               outcome.err);
   }
-  EXPECT_EQ("eParamID_IPAddress_Static = 10.0.0.5\n",
-            Ctl({"set", "IPAddress_Static", "10.0.0.5"}).out);
+  EXPECT_EQ("eParamID_IPAddress_Static = 127.0.0.5\n",
+            Ctl({"set", "IPAddress_Static", "127.0.0.5"}).out);
 }
 
 TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {

@@ -76,7 +76,7 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
     mapping->RemoveConfigEventListener(&all);
     // Data goes through the mapping too: a static address with IP Config static.
     store->Set(kIPConfig, 1);
-    std::string data = "10.1.2." + std::to_string(3 + cached), back;
+    std::string data = "127.1.2." + std::to_string(3 + cached), back;
     EXPECT_TRUE(mapping->SetData(kIPAddress, data));
     EXPECT_TRUE(store->Get(kIPAddressStatic, back));
     EXPECT_EQ(data, back);
