@@ -16,6 +16,11 @@ std::string Stderr(F body) {
   return testing::internal::GetCapturedStderr();
 }
 
+// True when `part` occurs in `text`.
+inline bool Has(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
 // How many times `what` occurs in `text`.
 inline size_t Count(const std::string& text, const std::string& what) {
   size_t n = 0;

@@ -115,7 +115,7 @@ TEST(ConfigFactoryImplTest, RoutesByURI) {
   Config* cache = nullptr;
   err = Stderr([&] { cache = factory->Connect("tcp://" + closed + "/caching=true"); });
   ASSERT_NE(nullptr, dynamic_cast<ConfigCache*>(cache)) << err;
-  EXPECT_EQ(std::string::npos, err.find(kFailed));
+  EXPECT_FALSE(Has(err, kFailed));
   Stderr([&] { EXPECT_EQ(0u, cache->Get(test_catalogue::kPercent)); });
   EXPECT_FALSE(factory->Disconnect(cache)) << "a cache is the caller's to delete";
   delete cache;

@@ -64,8 +64,7 @@ TEST(LoggerTest, SwitchFileSelectsWatchedParameters) {
     VerboseDiagnostics verbose;
     logger = CreateWith(nullptr, &err);
   }
-  EXPECT_NE(std::string::npos,
-            err.find("ReadLoggingConfig - unable to open " + logger->GetConfigPath() + "\n"))
+  EXPECT_TRUE(Has(err, "ReadLoggingConfig - unable to open " + logger->GetConfigPath() + "\n"))
       << err;
 
   logger = CreateWith(

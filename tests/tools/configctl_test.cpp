@@ -93,9 +93,8 @@ TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
   EXPECT_EQ(600, json["offset_by"]);
   EXPECT_EQ(1, json["display_precision"]);
   std::string described = Ctl({"describe", level}).out;
-  EXPECT_NE(std::string::npos, described.find("range           -60.0 to 12.0 dB (raw 0 to 720)\n"))
-      << described;
-  EXPECT_NE(std::string::npos, described.find("default         0.0 dB\n")) << described;
+  EXPECT_TRUE(Has(described, "range           -60.0 to 12.0 dB (raw 0 to 720)\n")) << described;
+  EXPECT_TRUE(Has(described, "default         0.0 dB\n")) << described;
   for (const auto& refused : std::vector<std::pair<std::string, std::string>>{
            {"-3.25", "'-3.25' is finer than eParamID_AudioLevelCh10_SDI1's step of 0.1 dB"},
            {"3 dBu", "'3 dBu' is not a number of dB for eParamID_AudioLevelCh10_SDI1"},
@@ -126,8 +125,9 @@ TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {
   EXPECT_EQ("eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n", high.out);
   Outcome low = Ctl({"--json", "set", kClampedParam, "0x0A"});
   EXPECT_EQ(0, low.exitCode);
-  EXPECT_NE(std::string::npos, low.out.find("\"value\":25,\"display\":\"25 %\",\"units\":\"%\","
-                                            "\"requested\":10,\"result\":\"clamped\"}"))
+  EXPECT_TRUE(Has(low.out,
+                  "\"value\":25,\"display\":\"25 %\",\"units\":\"%\","
+                  "\"requested\":10,\"result\":\"clamped\"}"))
       << low.out;
   EXPECT_EQ("eParamID_DisplayIntensity = 25 %\n", Ctl({"get", kClampedParam}).out);
 }
@@ -252,13 +252,13 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
            "\n  values          0 Unlocked\n                  1 Locked\n",
            "\n  default         0 (Unlocked)\n", "\n  class names     panel_hidden\n",
            "\n  menu number     " + menu + "\n"}) {
-    EXPECT_NE(std::string::npos, text.out.find(expected)) << expected << text.out;
+    EXPECT_TRUE(Has(text.out, expected)) << expected << text.out;
   }
   Outcome json = RunToEnd({CONFIGCTL_PATH, "--json", "describe", "SystemName"});
   EXPECT_EQ(0, json.exitCode);
   EXPECT_EQ(0u, json.out.find("{\"param\":\"eParamID_SystemName\",\"id\":1715415909,"));
-  EXPECT_NE(std::string::npos, json.out.find(",\"kind\":\"string\",\"type\":12,"));
-  EXPECT_NE(std::string::npos, json.out.find(",\"default\":\"zyn-kr-9\","));
+  EXPECT_TRUE(Has(json.out, ",\"kind\":\"string\",\"type\":12,"));
+  EXPECT_TRUE(Has(json.out, ",\"default\":\"zyn-kr-9\","));
 
   // The catalogue without configd's own parameters, which configctl knows too.
   Outcome list = RunToEnd({CONFIGCTL_PATH, "list"});

@@ -45,18 +45,16 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
     if (!verbose) {
       EXPECT_EQ("", stopped.err) << "nothing was wrong";
     } else {
-      EXPECT_NE(std::string::npos, stopped.err.find("configd: SIGHUP ignored\n")) << stopped.err;
-      EXPECT_NE(std::string::npos, stopped.err.find("configd: stopped")) << stopped.err;
+      EXPECT_TRUE(Has(stopped.err, "configd: SIGHUP ignored\n")) << stopped.err;
+      EXPECT_TRUE(Has(stopped.err, "configd: stopped")) << stopped.err;
       for (const char* alarming : {"failed", "rror", "Invalid argument"})
-        EXPECT_EQ(std::string::npos,
-                  stopped.err.substr(stopped.err.find("received, stopping")).find(alarming))
+        EXPECT_FALSE(Has(stopped.err.substr(stopped.err.find("received, stopping")), alarming))
             << "a clean stop says nothing alarming: " << stopped.err;
     }
     // The watcher notices that the daemon has gone.
     Outcome watched = watch.Wait(kStopMs);
     EXPECT_EQ(1, watched.exitCode);
-    EXPECT_NE(std::string::npos, watched.err.find("configctl: lost the connection to configd"))
-        << watched.err;
+    EXPECT_TRUE(Has(watched.err, "configctl: lost the connection to configd")) << watched.err;
   }
 }
 
@@ -74,8 +72,7 @@ TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
   Outcome outcome = RunToEnd({CONFIGD_PATH, "--port", port});
   EXPECT_EQ(1, outcome.exitCode);
   EXPECT_EQ("", outcome.out);
-  EXPECT_NE(std::string::npos, outcome.err.find("configd: cannot listen on port " + port + "\n"))
-      << outcome.err;
+  EXPECT_TRUE(Has(outcome.err, "configd: cannot listen on port " + port + "\n")) << outcome.err;
   // A low soft descriptor limit is raised to the hard one; a hard limit
   // below what the connection limit needs is said before anything else.
   for (std::string limit : {"-S -n 100", "-n 100"}) {

@@ -12,6 +12,7 @@
 
 #include "child_process.h"
 #include "config/descriptors/param_descriptors.h"
+#include "test_stderr.h"
 #include "test_temp_folder.h"
 
 namespace tools_test {
@@ -34,10 +35,6 @@ inline std::vector<std::string> ConfigdArgs(const std::string& port, const std::
   args.insert(args.end(), {"--tcp-port", "0", "--udp-port", "0", "--multicast-port"});
   args.push_back(std::to_string(multicastPort));
   return args;
-}
-
-inline bool Has(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
 }
 
 // A configd child on a free port, its state in a folder of its own.

@@ -303,7 +303,7 @@ inline void CheckStalledRecordsTimedOut(int port, int slots, const std::string& 
     fresh.Sync();
     idle.Sync();
   });
-  EXPECT_NE(std::string::npos, err.find(line)) << err;
+  EXPECT_TRUE(Has(err, line)) << err;
 }
 
 #endif  // TESTS_CONFIG_ACCESS_LOOPBACK_SERVER_H

@@ -93,7 +93,7 @@ TEST(MappingConfigTest, CreateFailuresAndNoMapper) {
   std::string err = Stderr([] {
     EXPECT_EQ(nullptr, MappingConfig::Create("local:configid=49", "nowhere:", nullptr, 0, 0));
   });
-  EXPECT_NE(std::string::npos, err.find("MappingConfig::Create: pEvConfig failed\n")) << err;
+  EXPECT_TRUE(Has(err, "MappingConfig::Create: pEvConfig failed\n")) << err;
   EXPECT_EQ(1, static_cast<ConfigManager*>(store)->GetUseCount()) << "requests released";
 
   MappingConfig* plain = MappingConfig::Create("local:configid=49", nullptr, false, false);

@@ -111,19 +111,15 @@ TEST_F(NetworkClientTest, EveryExchangeOverBothTransports) {
       EXPECT_FALSE(client->Set(kUnknown, 1));
       EXPECT_FALSE(client->Set(kUnknown, std::string("x")));
     });
-    EXPECT_NE(std::string::npos,
-              err.find("NetworkClient::Get(eParam_t) - invalid paramid 0xFEEDC0FF \n"))
-        << err;
-    EXPECT_NE(std::string::npos,
-              err.find("NetworkClient::Set(eParam_t) - invalid paramid 0xFEEDC0FF \n"));
-    EXPECT_NE(std::string::npos,
-              err.find("NetworkClient::Set(string) - invalid paramid 0xFEEDC0FF \n"));
+    EXPECT_TRUE(Has(err, "NetworkClient::Get(eParam_t) - invalid paramid 0xFEEDC0FF \n")) << err;
+    EXPECT_TRUE(Has(err, "NetworkClient::Set(eParam_t) - invalid paramid 0xFEEDC0FF \n"));
+    EXPECT_TRUE(Has(err, "NetworkClient::Set(string) - invalid paramid 0xFEEDC0FF \n"));
   }
 
   // Only UDP answers a Set, so only there a refused value fails it.
   EXPECT_TRUE(Quietly([&] { return tcpClient->Set(kMode, 7); }));
   std::string err = Stderr([&] { EXPECT_FALSE(udpClient->Set(kMode, 7)); });
-  EXPECT_NE(std::string::npos, err.find("NetworkUDPClient::Set - response error:-1\n")) << err;
+  EXPECT_TRUE(Has(err, "NetworkUDPClient::Set - response error:-1\n")) << err;
   EXPECT_EQ(1u, udpClient->Get(kMode));
 
   std::string data = "blob";
@@ -143,12 +139,13 @@ TEST_F(NetworkClientTest, FactoryRefusals) {
     EXPECT_EQ(nullptr, factory.Connect("tcp://127.0.0.1"));
     EXPECT_EQ(nullptr, factory.Connect("tcp://127.0.0.1:" + std::to_string(events.port)));
   });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkFactory::Connect - The transport for ftp://127.0.0.1:1 is not "
-                     "supported\n"));
-  EXPECT_NE(std::string::npos, err.find("NetworkFactory::Connect - failed to connect to host "
-                                        "127.0.0.1, port " +
-                                        std::to_string(events.port) + "\n"));
+  EXPECT_TRUE(Has(err,
+                  "NetworkFactory::Connect - The transport for ftp://127.0.0.1:1 is not "
+                  "supported\n"));
+  EXPECT_TRUE(Has(err,
+                  "NetworkFactory::Connect - failed to connect to host "
+                  "127.0.0.1, port " +
+                      std::to_string(events.port) + "\n"));
   err = Stderr([&] {
     NetworkClient* client =
         factory.Connect("udp://127.0.0.1:" + std::to_string(udp.port) + "/configid=x");
@@ -158,7 +155,7 @@ TEST_F(NetworkClientTest, FactoryRefusals) {
     }
     factory.Disconnect(client);
   });
-  EXPECT_NE(std::string::npos, err.find("unable to read configid, matches = 0")) << err;
+  EXPECT_TRUE(Has(err, "unable to read configid, matches = 0")) << err;
 }
 
 TEST_F(NetworkClientTest, MulticastUriBindsWithoutConnecting) {
@@ -167,7 +164,7 @@ TEST_F(NetworkClientTest, MulticastUriBindsWithoutConnecting) {
   ASSERT_NE(nullptr, client);
   EXPECT_EQ(3, client->GetConfigID());
   std::string err = Stderr([&] { EXPECT_EQ(0u, client->Get(kPercent)); });
-  EXPECT_NE(std::string::npos, err.find("NetworkClient::Get - send failed")) << err;
+  EXPECT_TRUE(Has(err, "NetworkClient::Get - send failed")) << err;
   EXPECT_TRUE(factory.Disconnect(client.release())) << "no goodbye to say";
 }
 
@@ -278,8 +275,7 @@ TEST_F(NetworkClientTest, UdpEventsReachListeners) {
     ASSERT_TRUE(Heard(other, "FEEDC001=99"));
   });
   EXPECT_EQ("FEEDC001=99", other.Rendered()) << "an event for another store reached a listener";
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkUDPClient::ProcessEvents - ConfigID:2  Inbound ConfigID:0\n"));
+  EXPECT_TRUE(Has(err, "NetworkUDPClient::ProcessEvents - ConfigID:2  Inbound ConfigID:0\n"));
   EXPECT_TRUE(Quietly([&] { return client->RemoveConfigEventListener(&own); }));
   EXPECT_EQ(71u, client->Get(kPercent)) << "requests after the last listener left";
 }
@@ -311,8 +307,7 @@ TEST_F(NetworkClientTest, UdpEventSequenceGapsCounted) {
     ASSERT_TRUE(Heard(recorder, "FEEDC001=8"));
     EXPECT_EQ(5u, listener->LostEvents()) << "a repeated number loses nothing";
   });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkUDPClient::ProcessEvents - lost 2 events (sequence 9 after 6)\n"))
+  EXPECT_TRUE(Has(err, "NetworkUDPClient::ProcessEvents - lost 2 events (sequence 9 after 6)\n"))
       << err;
   EXPECT_EQ("FEEDC001=1 FEEDC001=2 FEEDC001=3 FEEDC001=5 FEEDC001=6 FEEDC001=7 FEEDC001=8",
             recorder.Rendered());
@@ -329,9 +324,9 @@ TEST_F(NetworkClientTest, SystemShutdownEndsUdpEvents) {
     Multicast(3, 0, kPercent, 1);
     EXPECT_FALSE(Heard(recorder, "FEEDC001=1", 300)) << "an event after the shut-down was handled";
   });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkUDPClient::ProcessEvents exiting due to system state going into "
-                     "shutdown state\n"));
+  EXPECT_TRUE(Has(err,
+                  "NetworkUDPClient::ProcessEvents exiting due to system state going into "
+                  "shutdown state\n"));
   EXPECT_EQ("7D02010A=3 7D02010A=9", recorder.Rendered());
 }
 

@@ -119,8 +119,7 @@ TEST_F(NetworkTCPServerTest, RequestsAnsweredByteForByte) {
     peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 13, kName));
     peer.Sync();
   });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
+  EXPECT_TRUE(Has(err, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
 
   peer.Send(XCONFIGMGR_EVENT_HANDLER_REQUEST_T{
       MakeHeader(XCFG_REMOVE_CONFIG_EVENT_LISTENER_REQUEST, kClient, 14, 0), 0});
@@ -174,10 +173,8 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
     big.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 3, kName, 0, 3073));
     EXPECT_TRUE(big.ClosedByPeer()) << "an oversized payload did not close the connection";
   });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkTCPConnection::ProcessMessages - Unknown message type 256\n"));
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
+  EXPECT_TRUE(Has(err, "NetworkTCPConnection::ProcessMessages - Unknown message type 256\n"));
+  EXPECT_TRUE(Has(err, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
   other.Sync();
 }
 
@@ -221,7 +218,7 @@ TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
   ASSERT_EQ(0u, peer.Connect(kClient));
   VerboseDiagnostics verbose;
   std::string err = Stderr([&] { server.Stop(); });
-  EXPECT_NE(std::string::npos, err.find("NetworkServer::Run - exiting\n"));
+  EXPECT_TRUE(Has(err, "NetworkServer::Run - exiting\n"));
   EXPECT_EQ(0, NetworkTCPConnection::LiveCount());
   EXPECT_TRUE(peer.ClosedByPeer()) << "StopAll left a client connected";
 }
@@ -277,8 +274,9 @@ TEST_F(NetworkUDPServerTest, SetAnsweredThenMulticastWithDependants) {
     EXPECT_EQ((Words{97, kClient, 3, 0, 0, 4096, kMode, kRefused, 1, 0, 0}),
               peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
   });
-  EXPECT_NE(std::string::npos, err.find("\tNetworkUDPConnection::ProcessSetRequest - Set failed "
-                                        "for paramID 0xfeedc003 (eParamID_TestMode), value 7\n"))
+  EXPECT_TRUE(Has(err,
+                  "\tNetworkUDPConnection::ProcessSetRequest - Set failed "
+                  "for paramID 0xfeedc003 (eParamID_TestMode), value 7\n"))
       << err;
   EXPECT_EQ((Words{144, 0, sequence + 1, 0, 0, 4096, kMode, 0, 1, 0, 3072}),
             events.ReceiveWords<XCONFIGMGR_RESPONSE_T>());
@@ -324,7 +322,7 @@ TEST_F(NetworkUDPServerTest, BadDatagramsDroppedWhileServing) {
         "Request\" (0x30 )\n",
         "NetworkUDPConnection::GetConfig - ConfigID 7 instance not present\n",
         "NetworkUDPConnection::ProcessSetStreamMessage - invalid streamLength\n"})
-    EXPECT_NE(std::string::npos, err.find(line)) << "missing: " << line << "in:\n" << err;
+    EXPECT_TRUE(Has(err, line)) << "missing: " << line << "in:\n" << err;
   EXPECT_TRUE(events.Receive(200).empty()) << "a dropped Set String was multicast";
 }
 
@@ -357,8 +355,8 @@ TEST_F(NetworkUDPServerTest, GarbageFloodCostsALineASecondPerKind) {
   EXPECT_LE(Count(err, "NetworkUDPConnection::ProcessDatagramMessages"),
             static_cast<size_t>(2 * (seconds + 2)))
       << err;
-  EXPECT_NE(std::string::npos, err.find("insufficient message length")) << err;
-  EXPECT_NE(std::string::npos, err.find("Unknown message type")) << err;
+  EXPECT_TRUE(Has(err, "insufficient message length")) << err;
+  EXPECT_TRUE(Has(err, "Unknown message type")) << err;
 }
 
 TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
@@ -397,16 +395,16 @@ TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
     EXPECT_FALSE(answered(5)) << "store 5, given back, cannot open again while 6 holds its place";
     factory->SetMaxStores(0);
   });
-  EXPECT_NE(std::string::npos, err.find("store limit of")) << "the limit never bound:\n" << err;
-  EXPECT_NE(std::string::npos, err.find("idle stores released")) << err;
+  EXPECT_TRUE(Has(err, "store limit of")) << "the limit never bound:\n" << err;
+  EXPECT_TRUE(Has(err, "idle stores released")) << err;
 }
 
 TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
   ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
   VerboseDiagnostics verbose;
   std::string err = Stderr([&] { udp.Stop(); });
-  EXPECT_NE(std::string::npos,
-            err.find("NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
-                     "NetworkServer::Run - exiting\n"))
+  EXPECT_TRUE(Has(err,
+                  "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
+                  "NetworkServer::Run - exiting\n"))
       << err;
 }

@@ -112,7 +112,7 @@ TEST_F(SocketClientTest, RequestsInOrder) {
   EXPECT_EQ(70u, client->Get(kPercent));
   EXPECT_FALSE(client->Get(kPercent, text)) << "an integer parameter has no string";
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos, err.find("store refused the value of paramID 0xFEEDC001"));
+  EXPECT_TRUE(Has(err, "store refused the value of paramID 0xFEEDC001"));
   EXPECT_EQ(50u + 20u, client->Get(kPercent)) << "the connection is still in step";
   EXPECT_EQ(0u, client->Get(kUnknown));
   factory.Disconnect(client);
@@ -125,8 +125,9 @@ TEST_F(SocketClientTest, ConnectMessages) {
   std::string err = testing::internal::GetCapturedStderr();
   ASSERT_NE(nullptr, client);
   EXPECT_EQ(0, client->GetConfigID());
-  EXPECT_NE(std::string::npos, err.find("SocketFactory::Connect - unable to read configid, "
-                                        "matches = 0, uri = socket://127.0.0.1:"));
+  EXPECT_TRUE(Has(err,
+                  "SocketFactory::Connect - unable to read configid, "
+                  "matches = 0, uri = socket://127.0.0.1:"));
   factory.Disconnect(client);
 
   // Nobody listens on the port of a socket that was bound and closed.
@@ -138,9 +139,8 @@ TEST_F(SocketClientTest, ConnectMessages) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(nullptr, factory.Connect("socket://127.0.0.1:" + std::to_string(free) + "/configid=0"));
   err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos,
-            err.find("SocketFactory::Connect - failed to connect to host 127.0.0.1, port " +
-                     std::to_string(free)))
+  EXPECT_TRUE(Has(err, "SocketFactory::Connect - failed to connect to host 127.0.0.1, port " +
+                           std::to_string(free)))
       << err;
 }
 
@@ -176,7 +176,7 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   testing::internal::CaptureStderr();
   EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener));
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(std::string::npos, err.find("WARNING")) << "no global registration yet";
+  EXPECT_FALSE(Has(err, "WARNING")) << "no global registration yet";
   listener.AwaitRegistration(requests);
   requests->Set(kPercent, 12);  // not in the filter
   requests->Set(kName, std::string("B"));
@@ -189,9 +189,10 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   mixed->AddConfigEventListener(&other);
   mixed->AddConfigEventListener(kPercent, &other);
   err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos, err.find("SocketClient::AddConfigEventListener - WARNING: use "
-                                        "either filtered or global event registration, not "
-                                        "both\n"));
+  EXPECT_TRUE(Has(err,
+                  "SocketClient::AddConfigEventListener - WARNING: use "
+                  "either filtered or global event registration, not "
+                  "both\n"));
   factory.Disconnect(mixed);
   // Disconnecting an event connection: the events thread hands the
   // Disconnect Response over and ends.
@@ -287,8 +288,9 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
   client.SetResponseTimeout(100);
   std::string text;
   std::string err = Stderr([&] { EXPECT_FALSE(client.Get(kUnknown, text)); });  // request 0
-  EXPECT_NE(std::string::npos, err.find("SocketClient::Get - no response to "
-                                        "XCFG_GET_STREAM_PARAM_REQUEST within 100 ms\n"))
+  EXPECT_TRUE(Has(err,
+                  "SocketClient::Get - no response to "
+                  "XCFG_GET_STREAM_PARAM_REQUEST within 100 ms\n"))
       << err;
   answer(XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_STREAM_PARAM_RESPONSE, 7, 0, 0), kUnknown,
                                0xFFFFFFFF, 0, 0, 0});
@@ -300,7 +302,7 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
       XCONFIGMGR_RESPONSE_T{MakeHeader(XCFG_GET_PARAM_RESPONSE, 8, 2, 0), kPercent, 0, 12, 0, 0});
   unsigned int value = 0;
   err = Stderr([&] { EXPECT_FALSE(client.Get(kPercent, value)); });
-  EXPECT_NE(std::string::npos, err.find("response does not match request")) << err;
+  EXPECT_TRUE(Has(err, "response does not match request")) << err;
   // An answer already there is taken though a 1 ms time-out has run out
   // before the poll.
   answer(

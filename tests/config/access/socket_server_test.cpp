@@ -158,8 +158,9 @@ TEST_F(SocketServerTest, StreamLengthBounds) {
   peer.SendBytes(payload.data(), payload.size());
   EXPECT_TRUE(peer.ReadUntilClosed()) << "a length beyond any value closes the connection";
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos, err.find("SocketConnection::ProcessSetStreamMessage - invalid "
-                                        "streamLength\n"))
+  EXPECT_TRUE(Has(err,
+                  "SocketConnection::ProcessSetStreamMessage - invalid "
+                  "streamLength\n"))
       << err;
   std::string name;
   server.store->Get(kName, name);
@@ -239,9 +240,7 @@ TEST_F(SocketServerTest, BadInputEndsOnlyThatConnection) {
     partial.SendBytes(bytes, cut);
   }
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos,
-            err.find("SocketConnection::ProcessMessages - Unknown message type 114\n"))
-      << err;
+  EXPECT_TRUE(Has(err, "SocketConnection::ProcessMessages - Unknown message type 114\n")) << err;
   EXPECT_EQ(1u, Count(err, "SocketConnection::ProcessMessages - error calling recv for "))
       << "the cut records are reported once in the second: " << err;
 
@@ -323,11 +322,10 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
   EXPECT_TRUE(SocketConnection::WaitForAll(10000));
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos,
-            err.find("SocketServer::Init - invalid listening address not-an-address\n"));
-  EXPECT_NE(std::string::npos,
-            err.find("SocketServer::WaitForConnection - connection limit of 1 reached, 1 clients "
-                     "refused so far\n"))
+  EXPECT_TRUE(Has(err, "SocketServer::Init - invalid listening address not-an-address\n"));
+  EXPECT_TRUE(Has(err,
+                  "SocketServer::WaitForConnection - connection limit of 1 reached, 1 clients "
+                  "refused so far\n"))
       << err;
   EXPECT_LE(Count(err, "connection limit"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
       << "ten refusals are one line a second at most";
@@ -356,9 +354,9 @@ TEST_F(SocketServerTest, ClientsPastTheDescriptorLimitAreClosedAtOnce) {
   RawPeer later(server.port);
   EXPECT_EQ(0u, later.Connect(kConnection)) << "served again once descriptors are free";
   std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_NE(std::string::npos,
-            err.find("SocketServer::WaitForConnection - out of descriptors, 1 clients refused so "
-                     "far\n"))
+  EXPECT_TRUE(Has(err,
+                  "SocketServer::WaitForConnection - out of descriptors, 1 clients refused so "
+                  "far\n"))
       << err;
   EXPECT_EQ(err.find("Socket::accept"), err.rfind("Socket::accept"))
       << "only the first refusal tries to accept: " << err;
@@ -386,7 +384,7 @@ TEST_F(SocketServerTest, TracesFollowTheWatchList) {
       peer.Sync();
     });
     EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
-    EXPECT_NE(std::string::npos, err.find(" [2] {0x")) << "traced with its payload";
+    EXPECT_TRUE(Has(err, " [2] {0x")) << "traced with its payload";
     EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
   }
   Logger::Install(nullptr);  // the servers' threads have ended their traces

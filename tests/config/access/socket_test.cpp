@@ -23,7 +23,7 @@ int BoundPort(const Socket& socket) {
 }
 
 void ExpectContains(const std::string& text, const std::string& part) {
-  EXPECT_NE(std::string::npos, text.find(part)) << "missing \"" << part << "\" in:\n" << text;
+  EXPECT_TRUE(Has(text, part)) << "missing \"" << part << "\" in:\n" << text;
 }
 
 // A connected loopback pair on a port the kernel picked: `client` and the

@@ -43,8 +43,8 @@ class Owner {
       : thread([=, &store] {
           // The requester marks the result "in progress" before it names the
           // preset, so both must be seen before the preset number is read.
-          while (!stop && (store.Get(resultParam) != kRegisterInProgress ||
-                           store.Get(registerParam) == 0))
+          while (!stop &&
+                 (store.Get(resultParam) != kRegisterInProgress || store.Get(registerParam) == 0))
             usleep(1000);
           if (stop) return;
           std::string path = PresetsParamVector::PresetFileName(store.Get(registerParam));
@@ -105,8 +105,8 @@ TEST_F(PresetExchangeTest, LoadTakesTheOwnersFile) {
   EXPECT_EQ(0, memcmp("image!", data, 6));
   EXPECT_FALSE(Exists(path)) << "the file is removed after a load";
   EXPECT_EQ(static_cast<unsigned int>(preset), store.Get(kRegisterLoadParamID));
-  EXPECT_NE(std::string::npos, err.find("normal return state = 2\n")) << err;
-  EXPECT_NE(std::string::npos, err.find("PresetsParamVector::Load - slurping " + path)) << err;
+  EXPECT_TRUE(Has(err, "normal return state = 2\n")) << err;
+  EXPECT_TRUE(Has(err, "PresetsParamVector::Load - slurping " + path)) << err;
 }
 
 TEST_F(PresetExchangeTest, LoadOfEmptyOrFailedPreset) {
@@ -118,9 +118,9 @@ TEST_F(PresetExchangeTest, LoadOfEmptyOrFailedPreset) {
     err = Stderr([&] { EXPECT_FALSE(presets.Load(preset, &store)); });
   }
   // The store's ID (0) is printed, not the preset number.
-  EXPECT_NE(std::string::npos,
-            err.find("detected an error state while waiting for preset 0\n"
-                     "PresetsParamVector::Load - error/empty/timeout waiting for load\n"))
+  EXPECT_TRUE(Has(err,
+                  "detected an error state while waiting for preset 0\n"
+                  "PresetsParamVector::Load - error/empty/timeout waiting for load\n"))
       << err;
   EXPECT_FALSE(presets.Load(preset, nullptr));
 }
@@ -133,9 +133,9 @@ TEST_F(PresetExchangeTest, LoadTimesOut) {
                 kRegisterInProgress);
     err = Stderr([&] { EXPECT_FALSE(presets.Load(preset, &store)); });
   }
-  EXPECT_NE(std::string::npos,
-            err.find("PresetsParamVector::WaitForStates - detected an error while waiting for "
-                     "preset 0\n"))
+  EXPECT_TRUE(Has(err,
+                  "PresetsParamVector::WaitForStates - detected an error while waiting for "
+                  "preset 0\n"))
       << err;
 }
 
@@ -162,8 +162,7 @@ TEST_F(PresetExchangeTest, StoreHandsTheImageOver) {
                 kRegisterFailed);
     err = Stderr([&] { EXPECT_FALSE(presets.Store(preset, &store)); });
   }
-  EXPECT_NE(std::string::npos, err.find("PresetsParamVector::Store - WaitForState failed\n"))
-      << err;
+  EXPECT_TRUE(Has(err, "PresetsParamVector::Store - WaitForState failed\n")) << err;
   EXPECT_FALSE(Exists(path)) << "removed after a failed store too";
 
   err = Stderr([&] { EXPECT_FALSE(presets.Store(eConfigID_Default, &store)); });

@@ -166,7 +166,7 @@ TEST_F(MapperTest, ASpecificThatIsItselfGenericIsMappedInTurnAndBrokenRulesAreRe
         "Warning: Mapped (specific) parameter eParamID_TestOuter_HDMI is not set to ePersist! "
         "154\n",
         "WARNING: Attribute 'proc_no' not found for input based param : eParamID_TestOuter_HDMI\n"})
-    EXPECT_NE(std::string::npos, out.find(line)) << line;
+    EXPECT_TRUE(Has(out, line)) << line;
   EXPECT_EQ(2 + 1 + 3 + 1 + 9 + 2, std::count(out.begin(), out.end(), '\n')) << out;
 
   selectors.values[Id("Vid2VideoInput")] = 6;  // no "proc_no": processor 2's selector

@@ -76,7 +76,7 @@ TEST_F(PersistenceWorkerTest, RestoreClampsDropsAndSkips) {
         GetDescriptor(choice)->GetParamIDName() + " dropped: 2989 is not in its list",
         std::string("eParamID_SystemName dropped: 3000 characters, outside 1 to 20"),
         std::string("2 settings restored (odometer 1), 1 clamped, 2 dropped, 2 unknown skipped")})
-    EXPECT_NE(std::string::npos, err.find(line)) << line << "\nin:\n" << err;
+    EXPECT_TRUE(Has(err, line)) << line << "\nin:\n" << err;
 
   worker.Start();
   worker.Stop();
@@ -97,8 +97,8 @@ TEST_F(PersistenceWorkerTest, MissingOrUnusableStateStartsAtFactoryValues) {
   std::ofstream(folder.path + "/settings.a") << SectorCodec::Encode(1, 0x1234, "x");
   std::ofstream(folder.path + "/settings.b") << "half a sect";
   std::string err = Stderr([&] { EXPECT_FALSE(worker.Restore()); });
-  EXPECT_NE(std::string::npos, err.find("foreign config version 0x00001234")) << err;
-  EXPECT_NE(std::string::npos, err.find("no valid saved settings, starting at factory values"));
+  EXPECT_TRUE(Has(err, "foreign config version 0x00001234")) << err;
+  EXPECT_TRUE(Has(err, "no valid saved settings, starting at factory values"));
 }
 
 TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {

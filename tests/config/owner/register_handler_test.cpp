@@ -125,8 +125,8 @@ TEST_F(RegisterHandlerTest, TokenedRequestsAreAnsweredOnePerToken) {
   ASSERT_TRUE(store.Get(kOwnerRegisterOutcomesParamID, answers));
   EXPECT_EQ(kOwnerOutcomeLines,
             static_cast<size_t>(std::count(answers.begin(), answers.end(), '\n')));
-  EXPECT_NE(std::string::npos, answers.find("\n0000002c 4 preset 9 is empty\n")) << answers;
-  EXPECT_EQ(std::string::npos, answers.find("00000001 ")) << "the oldest answers go first";
+  EXPECT_TRUE(Has(answers, "\n0000002c 4 preset 9 is empty\n")) << answers;
+  EXPECT_FALSE(Has(answers, "00000001 ")) << "the oldest answers go first";
   EXPECT_EQ(kRegisterEmpty, store.Get(kRecallResult)) << "plain result still moves";
   std::string six;
   EXPECT_TRUE(presets.Get(6, six));
@@ -151,7 +151,7 @@ TEST_F(RegisterHandlerTest, RecallFromTheOlderCopySaysSo) {
   std::string err = Stderr([&] { outcome = after.Recall(8); });
   EXPECT_EQ(kRegisterDone, outcome.state);
   EXPECT_EQ("preset 8 recalled from its older copy: the newer copy is damaged", outcome.message);
-  EXPECT_NE(std::string::npos, err.find("older copy")) << err;
+  EXPECT_TRUE(Has(err, "older copy")) << err;
   EXPECT_EQ(Range()->GetMinValue() + 1, store.Get(range));
   Stderr([&] {
     after.Save(8);
@@ -190,8 +190,8 @@ TEST_F(RegisterHandlerTest, RecallIsAllOrNothing) {
     store.RemoveUpdatePrecondition(&refuse);
     EXPECT_EQ(kRegisterFailed, store.Get(kRecallResult)) << bad.reason;
     EXPECT_EQ(Range()->GetFactoryDefault(), store.Get(range)) << "nothing applied";
-    EXPECT_NE(std::string::npos, err.find("RegisterHandler::Recall - preset 5 refused: ")) << err;
-    EXPECT_NE(std::string::npos, err.find(bad.reason)) << err;
+    EXPECT_TRUE(Has(err, "RegisterHandler::Recall - preset 5 refused: ")) << err;
+    EXPECT_TRUE(Has(err, bad.reason)) << err;
   }
 }
 
@@ -224,7 +224,7 @@ TEST_F(RegisterHandlerTest, HandOverChecksTheWholeImage) {
     WriteFile(7, bytes);
     std::string err = Stderr([&] { handler.Store(7); });
     EXPECT_EQ(kRegisterEmpty, store.Get(kRegisterStoreResultParamID)) << reason;
-    EXPECT_NE(std::string::npos, err.find(reason)) << err;
+    EXPECT_TRUE(Has(err, reason)) << err;
   }
   unlink((folder.path + "/preset_7.bin").c_str());
   Stderr([&] { handler.Store(7); });
@@ -259,9 +259,9 @@ TEST_F(RegisterHandlerTest, FactoryResetKeepsIdentityAndHardResetClearsAll) {
 TEST_F(RegisterHandlerTest, OwnerRefusesTextsOutsideTheirLimits) {
   store.AddUpdatePrecondition(new StringLengthPrecondition());
   std::string err = Stderr([&] { EXPECT_FALSE(store.Set(kSystemName, std::string(3000, 'x'))); });
-  EXPECT_NE(std::string::npos,
-            err.find("StringLengthPrecondition::IsUpdateValid - eParamID_SystemName refuses "
-                     "3000 characters (1 to 20)\n"))
+  EXPECT_TRUE(Has(err,
+                  "StringLengthPrecondition::IsUpdateValid - eParamID_SystemName refuses "
+                  "3000 characters (1 to 20)\n"))
       << err;
   EXPECT_TRUE(store.Set(kSystemName, std::string(20, 'x')));
   // Every text the catalogue starts with passes its own limits.
@@ -292,7 +292,7 @@ TEST_F(RegisterHandlerTest, HandOverFolderIsNotATrap) {
   for (unsigned int n : {3, 4}) {
     std::string err = Stderr([&] { handler.Store(n); });
     EXPECT_EQ(kRegisterFailed, store.Get(kRegisterStoreResultParamID)) << n;
-    EXPECT_NE(std::string::npos, err.find(preset(n) + " cannot be read")) << err;
+    EXPECT_TRUE(Has(err, preset(n) + " cannot be read")) << err;
   }
   std::string kept;
   ASSERT_TRUE(FileSystem::Default()->ReadFile(target, 1 << 20, kept));

@@ -84,7 +84,7 @@ TEST(SectorFileTest, WritesAlternateAndTheNewestWins) {
             err);
   std::ofstream(folder.path + "/settings.a") << "garbage";
   Load(folder.path, SectorFile::LoadResult::kNoneValid, &err);
-  EXPECT_NE(std::string::npos, err.find("settings.a damaged (truncated at 7 bytes)")) << err;
+  EXPECT_TRUE(Has(err, "settings.a damaged (truncated at 7 bytes)")) << err;
 }
 
 TEST(SectorFileTest, FailedWritesLeaveThePreviousSectorWhole) {
@@ -106,7 +106,7 @@ TEST(SectorFileTest, FailedWritesLeaveThePreviousSectorWhole) {
   files.writeBudget = -1;
   files.failFsync = true;
   std::string err = Stderr([&] { EXPECT_FALSE(file.Write(big)); });
-  EXPECT_NE(std::string::npos, err.find("fsync of " + folder.path + "/settings.a failed"));
+  EXPECT_TRUE(Has(err, "fsync of " + folder.path + "/settings.a failed"));
   EXPECT_EQ(2u, file.GetOdometer()) << "a failed write is not counted";
   // Once the faults are gone the next write goes to the same slot.
   files.failFsync = false;

@@ -184,9 +184,7 @@ TEST(EncodingTest, UnknownClassIdYieldsNull) {
   Serializable* object = nullptr;
   std::string err = Stderr([&] { EXPECT_FALSE(in.Read("Serializable", object)); });
   EXPECT_EQ(nullptr, object);
-  EXPECT_NE(std::string::npos,
-            err.find("pValue == NULL after ClassFactory::Create() for classID = 5\n"))
-      << err;
+  EXPECT_TRUE(Has(err, "pValue == NULL after ClassFactory::Create() for classID = 5\n")) << err;
 }
 
 TEST(EncodingTest, NestingIsBounded) {

@@ -100,14 +100,11 @@ TEST(PresetsTest, WriteThenSlurp) {
 TEST(PresetsTest, FileFailures) {
   PresetsParamVector presets;
   std::string err = Stderr([&] { EXPECT_FALSE(presets.Slurp("/nonexistent-dir/preset_1.bin")); });
-  EXPECT_NE(std::string::npos,
-            err.find("PresetsParamVector::Slurp - open /nonexistent-dir/preset_1.bin failed\n"))
+  EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open /nonexistent-dir/preset_1.bin failed\n"))
       << err;
 
   err = Stderr([] { EXPECT_FALSE(File::write_file("/nonexistent-dir/preset_1.bin", "x", 1)); });
-  EXPECT_NE(std::string::npos,
-            err.find("File::write_file - open /nonexistent-dir/preset_1.bin failed\n"))
-      << err;
+  EXPECT_TRUE(Has(err, "File::write_file - open /nonexistent-dir/preset_1.bin failed\n")) << err;
   EXPECT_EQ(0u, err.find("open failed: ")) << err;
 
   // A symlink or a FIFO planted as the preset file is refused as a failed
@@ -120,9 +117,9 @@ TEST(PresetsTest, FileFailures) {
   ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
   for (const std::string& path : {link, fifo}) {
     err = Stderr([&] { EXPECT_FALSE(File::write_file(path, "x", 1)) << path; });
-    EXPECT_NE(std::string::npos, err.find("File::write_file - open " + path + " failed\n")) << err;
+    EXPECT_TRUE(Has(err, "File::write_file - open " + path + " failed\n")) << err;
     err = Stderr([&] { EXPECT_FALSE(presets.Slurp(path)) << path; });
-    EXPECT_NE(std::string::npos, err.find("PresetsParamVector::Slurp - open " + path + " failed"));
+    EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open " + path + " failed"));
   }
   std::string kept;
   std::ifstream(target) >> kept;
