@@ -18,11 +18,8 @@
 
 using namespace web_test;
 using boost::property_tree::ptree;
-using tools_test::Has;
 
 namespace {
-
-constexpr int kEventMs = 10000;
 
 std::string Value(const HttpReply& reply) { return reply.json.get<std::string>("value", "?"); }
 
@@ -82,7 +79,7 @@ TEST_F(WebTest, GroupsListTheMenusInMenuOrderWithoutHiddenParameters) {
     EXPECT_GT(count, 10u) << "group " << group;
   }
   HttpReply presets = Get("/api/groups/4");
-  EXPECT_EQ(std::string::npos, presets.body.find("\"Factory Preset\"")) << "a hidden preset shown";
+  EXPECT_FALSE(Has(presets.body, "\"Factory Preset\"")) << "a hidden preset shown";
   for (const char* bad : {"0", "12", "x", "2x"})
     EXPECT_EQ(404, Get(std::string("/api/groups/") + bad).status) << bad;
 }
@@ -140,7 +137,7 @@ TEST_F(WebTest, BadRequestsGetClearErrorsAndTheServerKeepsServing) {
   for (const Case& c : cases) {
     HttpReply reply = Request(server->GetPort(), c.method, c.target, c.body);
     EXPECT_EQ(c.status, reply.status) << c.method << " " << c.target;
-    EXPECT_NE(std::string::npos, reply.json.get<std::string>("error", "").find(c.error))
+    EXPECT_TRUE(Has(reply.json.get<std::string>("error", ""), c.error))
         << c.method << " " << c.target << ": " << reply.body;
   }
   std::string bigHeader =
@@ -152,18 +149,11 @@ TEST_F(WebTest, BadRequestsGetClearErrorsAndTheServerKeepsServing) {
 
 TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
   EventStream stream;
-  ASSERT_TRUE(stream.Open(server->GetPort()));
-  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
-  // The store takes the listener's registration asynchronously, so the
-  // first changes may come before it: poke until one arrives.
+  ASSERT_TRUE(OpenStream(stream));
   std::string data;
-  bool seen = false;
-  for (int attempt = 0; attempt < 50 && !seen; ++attempt) {
-    Ctl({"set", "SystemName", "from-ctl-" + std::to_string(attempt)});
-    seen = stream.WaitFor("from-ctl-", 200, &data);
-  }
-  ASSERT_TRUE(seen) << "no change arrived";
-  EXPECT_NE(std::string::npos, data.find("\"param\":\"eParamID_SystemName\"")) << data;
+  ASSERT_TRUE(SetUntilHeard(stream, {"SystemName", "from-ctl-"}, "from-ctl-", &data))
+      << "no change arrived";
+  EXPECT_TRUE(Has(data, "\"param\":\"eParamID_SystemName\"")) << data;
   // Reads are answered from values the events keep current: once the page
   // has the change, so has a read.
   Get("/api/params/SystemName");
@@ -172,8 +162,7 @@ TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
   EXPECT_EQ("read-after", Value(Get("/api/params/SystemName")));
 
   EventStream second;
-  ASSERT_TRUE(second.Open(server->GetPort()));
-  ASSERT_TRUE(second.WaitFor("\"connected\":true", kEventMs));
+  ASSERT_TRUE(OpenStream(second));
   EXPECT_EQ(200, Put("/api/params/FrontPanelLock", "{\"value\":1}").status);
   EXPECT_TRUE(stream.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "first stream";
   EXPECT_TRUE(second.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "second stream";
@@ -181,13 +170,12 @@ TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
 
 TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
   EventStream stream;
-  ASSERT_TRUE(stream.Open(server->GetPort()));
-  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  ASSERT_TRUE(OpenStream(stream));
   EXPECT_EQ(0, daemon.Stop(SIGTERM).exitCode);
   EXPECT_TRUE(stream.WaitFor("\"connected\":false", kEventMs));
   HttpReply down = Get("/api/groups/2");
   EXPECT_EQ(503, down.status);
-  EXPECT_NE(std::string::npos, down.json.get<std::string>("error", "").find("not reachable"));
+  EXPECT_TRUE(Has(down.json.get<std::string>("error", ""), "not reachable"));
   HttpReply lost = Get("/api/health");
   EXPECT_EQ(503, lost.status);
   EXPECT_EQ(503, Put("/api/params/FrontPanelLock", "{\"value\":\"Locked\"}").status);
@@ -206,11 +194,7 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
 // on the last value, and none is told configd was lost.
 TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
   std::vector<std::unique_ptr<EventStream>> streams(3);
-  for (auto& stream : streams) {
-    stream = std::make_unique<EventStream>();
-    ASSERT_TRUE(stream->Open(server->GetPort()));
-    ASSERT_TRUE(stream->WaitFor("\"connected\":true", kEventMs));
-  }
+  for (auto& stream : streams) ASSERT_TRUE(OpenStream(*(stream = std::make_unique<EventStream>())));
   zyn::config::access::SocketFactory factory;
   Config* writer = factory.Connect(daemon.Uri());
   ASSERT_NE(nullptr, writer);
@@ -227,8 +211,7 @@ TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
 
 TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
   EventStream stream;
-  ASSERT_TRUE(stream.Open(server->GetPort()));
-  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
+  ASSERT_TRUE(OpenStream(stream));
   ASSERT_EQ(200, Put("/api/params/SystemName", "{\"value\":\"before-cut\"}").status);
   ASSERT_TRUE(stream.WaitFor("before-cut", kEventMs));
   ASSERT_GT(CutConnectionsTo(daemon.port), 0);
@@ -236,12 +219,8 @@ TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
   ASSERT_TRUE(stream.WaitFor("\"values\":", kEventMs, &data)) << "no resync frame";
   EXPECT_TRUE(Has(data, "\"connected\":true")) << data;
   EXPECT_TRUE(Has(data, "\"value\":\"before-cut\"")) << "values the page was sent: " << data;
-  bool seen = false;  // the new event registration is taken asynchronously
-  for (int attempt = 0; attempt < 50 && !seen; ++attempt) {
-    Ctl({"set", "SystemName", "after-cut-" + std::to_string(attempt)});
-    seen = stream.WaitFor("after-cut-", 200);
-  }
-  EXPECT_TRUE(seen) << "changes after the cut did not arrive";
+  EXPECT_TRUE(SetUntilHeard(stream, {"SystemName", "after-cut-"}, "after-cut-"))
+      << "changes after the cut did not arrive";
   EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
 }
 
@@ -388,30 +367,26 @@ TEST(ListenAddressTest, AddressAndPortAreSplitAndChecked) {
 TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
   const std::string param = "/api/params/AnalogVideoInputSelect";  // kept in presets
   ASSERT_EQ(200, Put(param, "{\"value\":\"Component\"}").status);
-  HttpReply saved = Request(server->GetPort(), "POST", "/api/presets/3/save");
+  HttpReply saved = Post("/api/presets/3/save");
   EXPECT_EQ(200, saved.status) << saved.body;
   EXPECT_EQ("Store Complete", saved.json.get<std::string>("result", ""));
   ASSERT_EQ(200, Put(param, "{\"value\":\"Composite\"}").status);
-  HttpReply recalled = Request(server->GetPort(), "POST", "/api/presets/3/recall");
+  HttpReply recalled = Post("/api/presets/3/recall");
   EXPECT_EQ(200, recalled.status) << recalled.body;
   EXPECT_EQ("Recall Complete", recalled.json.get<std::string>("result", ""));
   EXPECT_EQ("Component", Get(param).json.get<std::string>("value_name", ""));
 
-  HttpReply empty = Request(server->GetPort(), "POST", "/api/presets/7/recall");
+  HttpReply empty = Post("/api/presets/7/recall");
   EXPECT_EQ(409, empty.status) << empty.body;
   EXPECT_EQ("Preset Empty", empty.json.get<std::string>("result", ""));
-  EXPECT_EQ(400, Request(server->GetPort(), "POST", "/api/presets/41/save").status);
-  EXPECT_EQ(403, Request(server->GetPort(), "POST", "/api/presets/0/save").status)
-      << "the factory preset is never overwritten";
+  EXPECT_EQ(400, Post("/api/presets/41/save").status);
+  EXPECT_EQ(403, Post("/api/presets/0/save").status) << "the factory preset is never overwritten";
 
   // Saved with a name, listed with it; the file out and in again, larger
   // than any other request body may be.
-  HttpReply named =
-      Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"Studio B\"}");
+  HttpReply named = Post("/api/presets/5/save", "{\"name\":\"Studio B\"}");
   EXPECT_EQ(200, named.status) << named.body;
-  EXPECT_EQ(400,
-            Request(server->GetPort(), "POST", "/api/presets/5/save", "{\"name\":\"\"}").status)
-      << "an empty name";
+  EXPECT_EQ(400, Post("/api/presets/5/save", "{\"name\":\"\"}").status) << "an empty name";
   HttpReply list = Get("/api/presets");
   ASSERT_EQ(41u, list.json.size()) << list.body;
   std::string states;
@@ -424,12 +399,12 @@ TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
   ASSERT_EQ(200, file.status) << file.body;
   ASSERT_GT(file.body.size(), configweb::HttpServer::kBodyLimit);
   EXPECT_EQ(409, Get("/api/presets/7/file").status) << "an empty preset has no file";
-  HttpReply imported = Request(server->GetPort(), "PUT", "/api/presets/9/file", file.body);
+  HttpReply imported = Put("/api/presets/9/file", file.body);
   EXPECT_EQ(200, imported.status) << imported.body;
   EXPECT_TRUE(file.body == Get("/api/presets/9/file").body) << "the same image back";
-  EXPECT_EQ(413, Request(server->GetPort(), "PUT", "/api/params/SystemName", file.body).status)
+  EXPECT_EQ(413, Put("/api/params/SystemName", file.body).status)
       << "only a preset file may be large";
-  EXPECT_EQ(404, Request(server->GetPort(), "POST", "/api/presets/3/erase").status);
+  EXPECT_EQ(404, Post("/api/presets/3/erase").status);
   EXPECT_EQ(405, Get("/api/presets/3/save").status);
 }
 
@@ -463,15 +438,10 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
             Ctl({"get", "Vid1YUVProcAmpGain_HDMI"}).out);
 
   EventStream stream;
-  ASSERT_TRUE(stream.Open(server->GetPort()));
-  ASSERT_TRUE(stream.WaitFor("\"connected\":true", kEventMs));
-  std::string data;
-  bool seen = false;
-  for (int value = 900; value > 850 && !seen; --value) {
-    Ctl({"set", "--raw", "Vid1YUVProcAmpGain_HDMI", std::to_string(value)});
-    seen = stream.WaitFor("\"param\":\"eParamID_Vid1YUVProcAmpGain\"", 200, &data);
-  }
-  EXPECT_TRUE(seen) << "the generic's change never arrived";
+  ASSERT_TRUE(OpenStream(stream));
+  EXPECT_TRUE(SetUntilHeard(stream, {"--raw", "Vid1YUVProcAmpGain_HDMI", ""},
+                            "\"param\":\"eParamID_Vid1YUVProcAmpGain\""))
+      << "the generic's change never arrived";
 }
 
 // A value read from configd before a change of it arrived is not kept: the
@@ -503,7 +473,7 @@ TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIs) {
   }
   EXPECT_LT(total, 100u * 1024) << "the page stays small";
   EXPECT_EQ(404, Get("/nothing.js").status);
-  EXPECT_EQ(405, Request(server->GetPort(), "POST", "/").status);
+  EXPECT_EQ(405, Post("/").status);
   std::string raw = "GET /page.js HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n";
   HttpReply first = Request(server->GetPort(), "", "", "", raw);
   ASSERT_EQ(200, first.status);

@@ -19,6 +19,8 @@
 
 namespace web_test {
 
+constexpr int kEventMs = 10000;  // the longest wait for an event frame
+
 struct HttpReply {
   int status = 0;  // 0: no reply
   std::string body;
@@ -53,6 +55,28 @@ class WebTest : public tools_test::ConfigctlDaemonTest {
   HttpReply Get(const std::string& target) { return Request(server->GetPort(), "GET", target); }
   HttpReply Put(const std::string& target, const std::string& body) {
     return Request(server->GetPort(), "PUT", target, body);
+  }
+  HttpReply Post(const std::string& target, const std::string& body = "") {
+    return Request(server->GetPort(), "POST", target, body);
+  }
+  // Opens `stream` on this server and reads up to its "connected" frame.
+  bool OpenStream(EventStream& stream) {
+    return stream.Open(server->GetPort()) && stream.WaitFor("\"connected\":true", kEventMs);
+  }
+  // Runs configctl `set` with a number appended to its last word, a new one
+  // each time, until a frame holding `text` arrives on `stream` (true) or
+  // fifty have gone unheard: configd takes an event registration
+  // asynchronously, so the first changes may come before it.
+  bool SetUntilHeard(EventStream& stream, std::vector<std::string> set, const std::string& text,
+                     std::string* data = nullptr) {
+    set.insert(set.begin(), "set");
+    const std::string last = set.back();
+    for (int value = 900; value > 850; --value) {
+      set.back() = last + std::to_string(value);
+      Ctl(set);
+      if (stream.WaitFor(text, 200, data)) return true;
+    }
+    return false;
   }
 
   configweb::EventHub hub;
