@@ -14,7 +14,7 @@ namespace {
 
 typedef std::vector<std::string> Names;
 
-TEST(ParamDescriptorTest, ClassNamesKeepInsertionOrderWithoutDuplicates) {
+TEST(ParamDescriptorTest, ClassNamesAndRelationsKeepInsertionOrder) {
   ParamDescriptor d;
   d.AddClassName("a");
   d.AddClassName("b");
@@ -22,27 +22,17 @@ TEST(ParamDescriptorTest, ClassNamesKeepInsertionOrderWithoutDuplicates) {
   EXPECT_EQ(d.GetClassNames(), (Names{"b", "a"})) << "a re-added name moves to the end";
   EXPECT_FALSE(d.HasClassName("A")) << "class names are case-sensitive";
   EXPECT_FALSE(d.RemoveClassName("c"));
-
   d.ToggleClassName("b");
   EXPECT_EQ(d.GetClassNames(), (Names{"a"}));
   d.ToggleClassName("b");
   EXPECT_EQ(d.GetClassNames(), (Names{"a", "b"}));
-}
 
-TEST(ParamDescriptorTest, RelationsAppendInOrderAndLookupInserts) {
-  ParamDescriptor d;
   d.AddRelation("disabled_by", 7, 3);
   d.AddRelation("disabled_by", 7, 11);
   d.AddRelation("enabled_by", 9, 1);
-  const std::vector<ParamDescriptor::Relation> expected = {{7, 3}, {7, 11}};
-  EXPECT_EQ(d.GetRelation("disabled_by"), expected);
-
-  EXPECT_EQ(d.GetRelations().count("missing"), 0u);
+  EXPECT_EQ(d.GetRelation("disabled_by"),
+            (std::vector<ParamDescriptor::Relation>{{7, 3}, {7, 11}}));
   EXPECT_TRUE(d.GetRelation("missing").empty());
-  EXPECT_EQ(d.GetRelations().count("missing"), 1u) << "a lookup of a missing name inserts it";
-
-  d.GetRelation("enabled_by").clear();
-  EXPECT_TRUE(d.GetRelations()["enabled_by"].empty()) << "GetRelation returns a reference";
 }
 
 TEST(ParamDescriptorTest, AttributeMapsAreSeparate) {
@@ -65,14 +55,6 @@ TEST(ParamDescriptorTest, AttributeMapsAreSeparate) {
   EXPECT_EQ(text, "14.2");
   ASSERT_TRUE(d.GetAttribute("menu_number", number));
   EXPECT_EQ(number, 5u);
-}
-
-TEST(ParamDescriptorTest, RemoveDependencyErasesOnlyTheFirstMatch) {
-  ParamDescriptor d;
-  d.SetDependentParamIDs({1, 2, 1});
-  EXPECT_TRUE(d.RemoveDependentParamID(1));
-  EXPECT_EQ(d.GetDependentParamIDs(), (std::vector<unsigned int>{2, 1}));
-  EXPECT_FALSE(d.RemoveDependentParamID(3));
 }
 
 TEST(EnumDescriptorTest, ValuesKeepDisplayOrder) {
