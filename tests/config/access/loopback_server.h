@@ -30,6 +30,14 @@
 #include "test_catalogue.h"
 #include "test_stderr.h"
 
+// The port a socket is bound to.
+inline int PortOf(const Socket& socket) {
+  sockaddr_in bound{};
+  socklen_t length = sizeof bound;
+  getsockname(socket.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
+  return ntohs(bound.sin_port);
+}
+
 // A stream or datagram server on a free loopback port over store 0 of the
 // test catalogue, started for the test; Stop (or the destructor) stops it
 // and waits for it and every connection it served.
@@ -186,10 +194,7 @@ class RawDatagramPeer {
   RawDatagramPeer() : socket(Socket::kInternetDomain, Socket::kDatagram) {
     socket.create();
     socket.bind("", 0);
-    sockaddr_in bound{};
-    socklen_t length = sizeof bound;
-    getsockname(socket.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
-    port = ntohs(bound.sin_port);
+    port = PortOf(socket);
   }
   // False where the machine cannot deliver multicast on the loopback.
   bool JoinEvents() { return socket.add_membership("239.18.27.18", "127.0.0.1"); }

@@ -111,9 +111,8 @@ TEST_F(NetworkClientTest, EveryExchangeOverBothTransports) {
       EXPECT_FALSE(client->Set(kUnknown, 1));
       EXPECT_FALSE(client->Set(kUnknown, std::string("x")));
     });
-    EXPECT_TRUE(Has(err, "NetworkClient::Get(eParam_t) - invalid paramid 0xFEEDC0FF \n")) << err;
-    EXPECT_TRUE(Has(err, "NetworkClient::Set(eParam_t) - invalid paramid 0xFEEDC0FF \n"));
-    EXPECT_TRUE(Has(err, "NetworkClient::Set(string) - invalid paramid 0xFEEDC0FF \n"));
+    for (std::string call : {"Get(eParam_t)", "Set(eParam_t)", "Set(string)"})
+      EXPECT_TRUE(Has(err, "NetworkClient::" + call + " - invalid paramid 0xFEEDC0FF \n")) << err;
   }
 
   // Only UDP answers a Set, so only there a refused value fails it.
@@ -150,9 +149,7 @@ TEST_F(NetworkClientTest, FactoryRefusals) {
     NetworkClient* client =
         factory.Connect("udp://127.0.0.1:" + std::to_string(udp.port) + "/configid=x");
     EXPECT_NE(nullptr, client);
-    if (client != nullptr) {
-      EXPECT_EQ(0, client->GetConfigID());
-    }
+    EXPECT_EQ(0, client != nullptr ? client->GetConfigID() : -1);
     factory.Disconnect(client);
   });
   EXPECT_TRUE(Has(err, "unable to read configid, matches = 0")) << err;
@@ -172,11 +169,8 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   // A fake server counts what the client sends on the event connection.
   Socket listening(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(listening.create() && listening.bind("127.0.0.1", 0) && listening.listen());
-  sockaddr_in bound{};
-  socklen_t length = sizeof bound;
-  getsockname(listening.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
   Socket* socket = new Socket(Socket::kInternetDomain, Socket::kStream);
-  ASSERT_TRUE(socket->create() && socket->connect("127.0.0.1", ntohs(bound.sin_port)));
+  ASSERT_TRUE(socket->create() && socket->connect("127.0.0.1", PortOf(listening)));
   RecordingListener first, second;
   NetworkTCPClient client(0x10001, socket, eConfigID_Default);
   Socket server(Socket::kInternetDomain, Socket::kStream);
@@ -374,10 +368,7 @@ TEST(NetworkClientDeathTest, SilentServerIsFatal) {
   Socket listening(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(listening.create() && listening.bind("127.0.0.1", 0) && listening.listen());
   RawDatagramPeer silent;
-  sockaddr_in bound{};
-  socklen_t length = sizeof bound;
-  getsockname(listening.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
-  int port = ntohs(bound.sin_port);
+  int port = PortOf(listening);
   NetworkFactory factory;
 
   EXPECT_EXIT(factory.Connect("tcp://127.0.0.1:" + std::to_string(port)), failed,

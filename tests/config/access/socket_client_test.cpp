@@ -107,11 +107,11 @@ TEST_F(SocketClientTest, RequestsInOrder) {
   EXPECT_EQ("Rack 4", text);
 
   // A refused string set is answered later; the next exchange skips it.
-  testing::internal::CaptureStderr();
-  EXPECT_TRUE(client->Set(kPercent, std::string("not a number")));
-  EXPECT_EQ(70u, client->Get(kPercent));
-  EXPECT_FALSE(client->Get(kPercent, text)) << "an integer parameter has no string";
-  std::string err = testing::internal::GetCapturedStderr();
+  std::string err = Stderr([&] {
+    EXPECT_TRUE(client->Set(kPercent, std::string("not a number")));
+    EXPECT_EQ(70u, client->Get(kPercent));
+    EXPECT_FALSE(client->Get(kPercent, text)) << "an integer parameter has no string";
+  });
   EXPECT_TRUE(Has(err, "store refused the value of paramID 0xFEEDC001"));
   EXPECT_EQ(50u + 20u, client->Get(kPercent)) << "the connection is still in step";
   EXPECT_EQ(0u, client->Get(kUnknown));
@@ -120,9 +120,9 @@ TEST_F(SocketClientTest, RequestsInOrder) {
 
 TEST_F(SocketClientTest, ConnectMessages) {
   VerboseDiagnostics verbose;
-  testing::internal::CaptureStderr();
-  Config* client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port));
-  std::string err = testing::internal::GetCapturedStderr();
+  Config* client = nullptr;
+  std::string err = Stderr(
+      [&] { client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port)); });
   ASSERT_NE(nullptr, client);
   EXPECT_EQ(0, client->GetConfigID());
   EXPECT_TRUE(Has(err,
@@ -131,14 +131,11 @@ TEST_F(SocketClientTest, ConnectMessages) {
   factory.Disconnect(client);
 
   // Nobody listens on the port of a socket that was bound and closed.
-  int free = 0;
-  {
-    LoopbackServer gone;
-    free = gone.port;
-  }
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(nullptr, factory.Connect("socket://127.0.0.1:" + std::to_string(free) + "/configid=0"));
-  err = testing::internal::GetCapturedStderr();
+  const int free = LoopbackServer().port;
+  err = Stderr([&] {
+    EXPECT_EQ(nullptr,
+              factory.Connect("socket://127.0.0.1:" + std::to_string(free) + "/configid=0"));
+  });
   EXPECT_TRUE(Has(err, "SocketFactory::Connect - failed to connect to host 127.0.0.1, port " +
                            std::to_string(free)))
       << err;
@@ -173,9 +170,8 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   SocketClient* events = Open();
   SocketClient* requests = Open();
   WaitingListener listener;
-  testing::internal::CaptureStderr();
-  EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener));
-  std::string err = testing::internal::GetCapturedStderr();
+  std::string err = Stderr(
+      [&] { EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener)); });
   EXPECT_FALSE(Has(err, "WARNING")) << "no global registration yet";
   listener.AwaitRegistration(requests);
   requests->Set(kPercent, 12);  // not in the filter
@@ -185,10 +181,10 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   // Mixing a global registration with a filtered one is warned about.
   SocketClient* mixed = Open();
   WaitingListener other;
-  testing::internal::CaptureStderr();
-  mixed->AddConfigEventListener(&other);
-  mixed->AddConfigEventListener(kPercent, &other);
-  err = testing::internal::GetCapturedStderr();
+  err = Stderr([&] {
+    mixed->AddConfigEventListener(&other);
+    mixed->AddConfigEventListener(kPercent, &other);
+  });
   EXPECT_TRUE(Has(err,
                   "SocketClient::AddConfigEventListener - WARNING: use "
                   "either filtered or global event registration, not "
@@ -269,11 +265,8 @@ TEST(SocketClientLateTest, UnansweredRequestsTimeOutAndLateAnswersAreDropped) {
   Socket listener(Socket::kInternetDomain, Socket::kStream);
   Socket owner(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(listener.create() && listener.bind("127.0.0.1", 0) && listener.listen());
-  sockaddr_in bound{};
-  socklen_t length = sizeof bound;
-  getsockname(listener.get_fd(), reinterpret_cast<sockaddr*>(&bound), &length);
   auto* near = new Socket(Socket::kInternetDomain, Socket::kStream);
-  ASSERT_TRUE(near->create() && near->connect("127.0.0.1", ntohs(bound.sin_port)));
+  ASSERT_TRUE(near->create() && near->connect("127.0.0.1", PortOf(listener)));
   ASSERT_TRUE(listener.accept(&owner));
   auto answer = [&](const auto& record) {
     char bytes[sizeof record];

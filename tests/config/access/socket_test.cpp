@@ -11,16 +11,10 @@
 #include <thread>
 #include <vector>
 
+#include "loopback_server.h"
 #include "test_stderr.h"
 
 namespace {
-
-int BoundPort(const Socket& socket) {
-  sockaddr_in address{};
-  socklen_t length = sizeof address;
-  getsockname(socket.get_fd(), reinterpret_cast<sockaddr*>(&address), &length);
-  return ntohs(address.sin_port);
-}
 
 void ExpectContains(const std::string& text, const std::string& part) {
   EXPECT_TRUE(Has(text, part)) << "missing \"" << part << "\" in:\n" << text;
@@ -35,7 +29,7 @@ struct StreamPair {
 
   bool Open() {
     return listener.create() && listener.bind(0) && listener.listen() && client.create() &&
-           client.connect("127.0.0.1", BoundPort(listener)) && listener.accept(&server);
+           client.connect("127.0.0.1", PortOf(listener)) && listener.accept(&server);
   }
 };
 
@@ -128,13 +122,13 @@ TEST(SocketTest, DatagramRoundTrip) {
   ASSERT_TRUE(sender.create() && sender.bind("", 0));
   sockaddr_in to{}, from{};
   to.sin_family = AF_INET;
-  to.sin_port = htons(static_cast<uint16_t>(BoundPort(receiver)));
+  to.sin_port = htons(static_cast<uint16_t>(PortOf(receiver)));
   to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   ASSERT_TRUE(sender.sendto("datagram", 8, to) && sender.sendto("second", 6, to));
   char buffer[32];
   EXPECT_EQ(8, receiver.recvfrom(buffer, sizeof buffer, from));
   EXPECT_EQ("datagram", std::string(buffer, 8));
-  EXPECT_EQ(BoundPort(sender), ntohs(from.sin_port)) << "recvfrom names the sender";
+  EXPECT_EQ(PortOf(sender), ntohs(from.sin_port)) << "recvfrom names the sender";
   EXPECT_EQ(6, receiver.recv(buffer, sizeof buffer)) << "one datagram per recv";
 }
 
