@@ -51,6 +51,11 @@ class ChildProcess {
   std::string _buffer;  // standard output not yet returned as lines
 };
 
+// "status|standard output|standard error", to compare a whole outcome at once.
+inline std::string Summary(const Outcome& outcome) {
+  return std::to_string(outcome.exitCode) + "|" + outcome.out + "|" + outcome.err;
+}
+
 // Runs a command to its end (at most `timeoutMs`).
 Outcome RunToEnd(const std::vector<std::string>& argv, int timeoutMs = 20000);
 

@@ -12,20 +12,15 @@
 using namespace tools_test;
 
 TEST_F(ConfigctlDaemonTest, MapAndMappedCommandsFollowTheSelectorsConfigdHolds) {
-  Outcome before = Ctl({"map", "Vid1YUVProcAmpGain", "IPAddress", "FrontPanelLock"});
-  EXPECT_EQ(0, before.exitCode);
-  EXPECT_EQ("", before.err);  // nor the mapper's build lines
   EXPECT_EQ(
-      "eParamID_Vid1YUVProcAmpGain -> eParamID_Vid1YUVProcAmpGain_SDI1\n"
+      "0|eParamID_Vid1YUVProcAmpGain -> eParamID_Vid1YUVProcAmpGain_SDI1\n"
       "eParamID_IPAddress -> eParamID_IPAddress_DHCP\n"
-      "eParamID_FrontPanelLock -> eParamID_FrontPanelLock\n",
-      before.out);
+      "eParamID_FrontPanelLock -> eParamID_FrontPanelLock\n|",  // nor the mapper's build lines
+      Summary(Ctl({"map", "Vid1YUVProcAmpGain", "IPAddress", "FrontPanelLock"})));
   // A generic parameter is as writable as the one it stands for now.
-  Outcome dhcp = Ctl({"--mapped", "set", "IPAddress", "127.0.0.9"});
-  EXPECT_EQ(1, dhcp.exitCode);
   EXPECT_EQ(
-      "configctl: eParamID_IPAddress_DHCP is read-only (eParamID_IPAddress stands for it now)\n",
-      dhcp.err);
+      "1||configctl: eParamID_IPAddress_DHCP is read-only (eParamID_IPAddress stands for it now)\n",
+      Summary(Ctl({"--mapped", "set", "IPAddress", "127.0.0.9"})));
   ASSERT_EQ(0, Ctl({"set", "Vid1VideoInput", "HDMI"}).exitCode);
   ASSERT_EQ(0, Ctl({"set", "IPConfig", "1"}).exitCode);
   EXPECT_EQ(0, Ctl({"--mapped", "set", "IPAddress", "127.0.0.9"}).exitCode);
@@ -39,9 +34,8 @@ TEST_F(ConfigctlDaemonTest, MapAndMappedCommandsFollowTheSelectorsConfigdHolds) 
 
   const std::string gain = "eParamID_Vid1YUVProcAmpGain", hdmi = gain + "_HDMI";
   ASSERT_EQ(0, Ctl({"set", hdmi, "32.1"}).exitCode);
-  Outcome got = Ctl({"--mapped", "get", "Vid1YUVProcAmpGain"});
-  EXPECT_EQ(gain + " = 32.1 %\n", got.out);
-  EXPECT_EQ("", got.err) << "the mapper's build lines stay off the output";
+  EXPECT_EQ("0|" + gain + " = 32.1 %\n|", Summary(Ctl({"--mapped", "get", "Vid1YUVProcAmpGain"})))
+      << "the mapper's build lines stay off the output";
   std::string sdi1 = Ctl({"get", gain + "_SDI1"}).out;
   EXPECT_EQ(0, Ctl({"--mapped", "set", "Vid1YUVProcAmpGain", "40.0 %"}).exitCode);
   EXPECT_EQ(hdmi + " = 40.0 %\n", Ctl({"get", hdmi}).out);
@@ -61,12 +55,10 @@ TEST(ConfigctlTest, ExportMappingWritesTheTablesWithoutADaemon) {
   Outcome written = RunToEnd({CONFIGCTL_PATH, "export-mapping", path});
   nlohmann::json tables = nlohmann::json::parse(std::ifstream(path), nullptr, false);
   unlink(path);
-  EXPECT_EQ(0, written.exitCode);
-  EXPECT_EQ("", written.out + written.err);
+  EXPECT_EQ("0||", Summary(written));
   EXPECT_EQ(24u, tables["forward_maps"].size());
   EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI",
             tables["forward_maps"]["0x883AD0D9"]["param_maps"][6]["param"]);
-  Outcome failed = RunToEnd({CONFIGCTL_PATH, "export-mapping", "/nonexistent/m.json"});
-  EXPECT_EQ(1, failed.exitCode);
-  EXPECT_EQ("configctl: cannot write the mapping tables to /nonexistent/m.json\n", failed.err);
+  EXPECT_EQ("1||configctl: cannot write the mapping tables to /nonexistent/m.json\n",
+            Summary(RunToEnd({CONFIGCTL_PATH, "export-mapping", "/nonexistent/m.json"})));
 }

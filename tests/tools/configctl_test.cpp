@@ -43,21 +43,18 @@ bool IsTimestamp(const std::string& text) {
 }  // namespace
 
 TEST_F(ConfigctlDaemonTest, GetAcceptsEveryFormOfNameAndPrintsTextOrJson) {
-  Outcome both = Ctl({"get", "FrontPanelLock", "eParamID_SystemName"});
-  EXPECT_EQ(0, both.exitCode);
-  EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\neParamID_SystemName = zyn-kr-9\n", both.out);
-  EXPECT_EQ("", both.err);  // the library's diagnostics stay out of sight
+  // The library's diagnostics stay out of sight.
+  EXPECT_EQ("0|eParamID_FrontPanelLock = 0 (Unlocked)\neParamID_SystemName = zyn-kr-9\n|",
+            Summary(Ctl({"get", "FrontPanelLock", "eParamID_SystemName"})));
   for (const char* form :
        {"eParamID_FrontPanelLock", "0x4D575A8E", "0x4d575a8e", "1297570446", "frontpanellock"}) {
     EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\n", Ctl({"get", form}).out) << form;
   }
-  Outcome json = Ctl({"--json", "get", "FrontPanelLock", "SystemName"});
-  EXPECT_EQ(0, json.exitCode);
   EXPECT_EQ(
-      "{\"param\":\"eParamID_FrontPanelLock\",\"id\":1297570446,\"value\":0,"
+      "0|{\"param\":\"eParamID_FrontPanelLock\",\"id\":1297570446,\"value\":0,"
       "\"display\":\"0 (Unlocked)\",\"value_name\":\"Unlocked\"}\n"
-      "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"zyn-kr-9\"}\n",
-      json.out);
+      "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"zyn-kr-9\"}\n|",
+      Summary(Ctl({"--json", "get", "FrontPanelLock", "SystemName"})));
 }
 
 TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept) {
@@ -68,12 +65,10 @@ TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept
   // A string is taken as it is, also one that looks like an option.
   EXPECT_EQ("eParamID_SystemName = rack \"7\"\n", Ctl({"set", "SystemName", "rack \"7\""}).out);
   EXPECT_EQ("eParamID_SystemName = -left\n", Ctl({"set", "SystemName", "--", "-left"}).out);
-  Outcome json = Ctl({"set", "--json", "SystemName", "tab\there"});
-  EXPECT_EQ(0, json.exitCode);
   EXPECT_EQ(
-      "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"tab\\there\","
-      "\"requested\":\"tab\\there\",\"result\":\"accepted\"}\n",
-      json.out);
+      "0|{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"tab\\there\","
+      "\"requested\":\"tab\\there\",\"result\":\"accepted\"}\n|",
+      Summary(Ctl({"set", "--json", "SystemName", "tab\there"})));
 }
 
 TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
@@ -101,28 +96,24 @@ TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
            {"-61",
             "'-61' is below the lowest value eParamID_AudioLevelCh10_SDI1 can hold, "
             "-60.0 dB"}}) {
-    Outcome outcome = Ctl({"set", level, refused.first});
-    EXPECT_EQ(1, outcome.exitCode);
-    EXPECT_EQ("configctl: " + refused.second + "\n", outcome.err);
+    EXPECT_EQ("1||configctl: " + refused.second + "\n",
+              Summary(Ctl({"set", level, refused.first})));
   }
   EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = -2.0 dB\n", Ctl({"get", level}).out);
   // An address the user gives the unit is an IPv4 address in dotted-quad form.
   for (const char* wrong : {"127.0.0.300", "127.0.0", "127.0.0.1 ", "host.local"}) {
-    Outcome outcome = Ctl({"set", "IPAddress_Static", wrong});
-    EXPECT_EQ(1, outcome.exitCode) << wrong;
-    EXPECT_EQ("configctl: refused \"" + std::string(wrong) +
+    EXPECT_EQ("1||configctl: refused \"" + std::string(wrong) +
                   "\" for eParamID_IPAddress_Static: it takes an IPv4 address in dotted-quad "
                   "form, such as 192.168.0.2\n",
-              outcome.err);
+              Summary(Ctl({"set", "IPAddress_Static", wrong})));
   }
   EXPECT_EQ("eParamID_IPAddress_Static = 127.0.0.5\n",
             Ctl({"set", "IPAddress_Static", "127.0.0.5"}).out);
 }
 
 TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {
-  Outcome high = Ctl({"set", kClampedParam, "250"});
-  EXPECT_EQ(0, high.exitCode);
-  EXPECT_EQ("eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n", high.out);
+  EXPECT_EQ("0|eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n|",
+            Summary(Ctl({"set", kClampedParam, "250"})));
   Outcome low = Ctl({"--json", "set", kClampedParam, "0x0A"});
   EXPECT_EQ(0, low.exitCode);
   EXPECT_TRUE(Has(low.out,
@@ -197,10 +188,8 @@ TEST(ConfigctlTest, UnreachableDaemonIsOneLineAndExitOne) {
                                              {"set", "SystemName", "x"},
                                              {"watch", "--json"},
                                              {"health"}}) {
-    Outcome outcome = RunToEnd(CtlArgs(uri, args));
-    EXPECT_EQ(1, outcome.exitCode) << args[0];
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ("configctl: cannot reach configd at " + uri + "\n", outcome.err);
+    EXPECT_EQ("1||configctl: cannot reach configd at " + uri + "\n",
+              Summary(RunToEnd(CtlArgs(uri, args))));
   }
   // --verbose lets the library's own diagnostics through as well.
   Outcome verbose = RunToEnd(CtlArgs(uri, {"--verbose", "get", "FrontPanelLock"}));
@@ -285,10 +274,8 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
 TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForced) {
   std::string before = Ctl({"get", "SoftwareVersion", "ReferenceAlarm", "LED_Alarm"}).out;
   for (const char* name : {"SoftwareVersion", "ReferenceAlarm", "LED_Alarm", "OwnerHealth"}) {
-    Outcome refused = Ctl({"set", name, "1"});
-    EXPECT_EQ(1, refused.exitCode) << name;
-    EXPECT_EQ("", refused.out) << name;
-    EXPECT_EQ("configctl: eParamID_" + std::string(name) + " is read-only\n", refused.err);
+    EXPECT_EQ("1||configctl: eParamID_" + std::string(name) + " is read-only\n",
+              Summary(Ctl({"set", name, "1"})));
   }
   EXPECT_EQ(before, Ctl({"get", "SoftwareVersion", "ReferenceAlarm", "LED_Alarm"}).out);
   // The user's alarm settings stay settable; --force simulates the hardware.
@@ -299,16 +286,12 @@ TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForced) {
 }
 
 TEST_F(ConfigctlDaemonTest, HealthIsOkOrConfigdsErrorLine) {
-  Outcome ok = Ctl({"health"});
-  EXPECT_EQ(0, ok.exitCode) << ok.err;
-  EXPECT_EQ("ok\n", ok.out);
+  EXPECT_EQ("0|ok\n|", Summary(Ctl({"health"})));
   EXPECT_EQ("{\"health\":\"ok\"}\n", Ctl({"--json", "health"}).out);
   // configd publishes a failed write as one line; a forced set stands in for it.
   const std::string failed = "state folder /var/lib/configd: No space left on device";
   ASSERT_EQ(0, Ctl({"set", "--force", "OwnerHealth", failed}).exitCode);
-  Outcome bad = Ctl({"health"});
-  EXPECT_EQ(1, bad.exitCode);
-  EXPECT_EQ(failed + "\n", bad.out);
+  EXPECT_EQ("1|" + failed + "\n|", Summary(Ctl({"health"})));
 }
 
 TEST_F(ConfigctlDaemonTest, PresetUsageJsonListEnvironmentUriAndVersions) {
@@ -329,10 +312,7 @@ TEST_F(ConfigctlDaemonTest, PresetUsageJsonListEnvironmentUriAndVersions) {
             "configctl: usage: configctl preset export N FILE\nTry 'configctl --help'.\n"},
            {{"preset", "recall", "41"}, 1, "configctl: invalid preset '41' (0 to 40)\n"},
        }) {
-    Outcome outcome = Ctl(c.args);
-    EXPECT_EQ(c.status, outcome.exitCode) << c.args[1];
-    EXPECT_EQ(c.err, outcome.err) << c.args[1];
-    EXPECT_EQ("", outcome.out) << c.args[1];
+    EXPECT_EQ(std::to_string(c.status) + "||" + c.err, Summary(Ctl(c.args)));
   }
 
   Outcome list = Ctl({"--json", "preset", "list"});
