@@ -25,6 +25,10 @@ struct HttpReply {
   int status = 0;  // 0: no reply
   std::string body;
   boost::property_tree::ptree json;  // empty when the body is not JSON
+  // The status and one member of the JSON body: "200 Store Complete".
+  std::string With(const std::string& member) const {
+    return std::to_string(status) + " " + json.get<std::string>(member, "(none)");
+  }
 };
 
 // One request on a new connection to 127.0.0.1:`port`; `raw`, when given,
