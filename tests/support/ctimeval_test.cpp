@@ -8,7 +8,7 @@ namespace {
 std::pair<long, long> Parts(const timeval& t) { return {t.tv_sec, t.tv_usec}; }
 }  // namespace
 
-TEST(TimeValTest, SubtractCarriesAndNormalisesYInPlace) {
+TEST(TimeValTest, SubtractAndAddCarry) {
   timeval x{3, 0}, y{1, 999999}, y_copy = y, result;
   EXPECT_EQ(0, CTimeVal::timeval_subtract(&result, &x, &y)) << "3.000000 - 1.999999 is positive";
   EXPECT_EQ(std::make_pair(1L, 1L), Parts(result));
@@ -18,9 +18,8 @@ TEST(TimeValTest, SubtractCarriesAndNormalisesYInPlace) {
   EXPECT_EQ(1, CTimeVal::timeval_subtract(&result, &early, &late)) << "negative result";
   EXPECT_EQ(0, CTimeVal::timeval_subtract(&result, &wide, &zero));
   EXPECT_EQ(std::make_pair(3L, 500000L), Parts(result)) << "whole seconds carried out of usec";
-}
 
-TEST(TimeValTest, AddUsecCarriesOnlyAboveOneSecond) {
+  // Adding microseconds carries only above one second.
   timeval t{0, 0}, u{0, 0}, v{5, 999999};
   CTimeVal::timeval_add_usec(&t, 1000000);
   CTimeVal::timeval_add_usec(&u, 1000001);

@@ -4,7 +4,7 @@
 
 #include <thread>
 
-TEST(SemaphoreHelperTest, ExcludesConcurrentHolders) {
+TEST(SemaphoreHelperTest, ExcludesConcurrentHoldersAndReleasesOnScopeExit) {
   sem_t lock;
   ASSERT_TRUE(SemaphoreHelper::InitSemaphore(&lock));
   long counter = 0;  // read-modify-write races without the lock
@@ -19,12 +19,6 @@ TEST(SemaphoreHelperTest, ExcludesConcurrentHolders) {
   a.join();
   b.join();
   EXPECT_EQ(40000, counter);
-  SemaphoreHelper::DestroySemaphore(&lock);
-}
-
-TEST(SemaphoreHelperTest, ReleasesOnScopeExit) {
-  sem_t lock;
-  ASSERT_TRUE(SemaphoreHelper::InitSemaphore(&lock));
   { SemaphoreHelper hold(&lock); }
   int count = -1;
   sem_getvalue(&lock, &count);

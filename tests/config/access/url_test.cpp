@@ -9,7 +9,7 @@
 using zyn::config::access::url;
 
 // A parse of fewer than three words leaves the fields as they were.
-TEST(UrlTest, SplitsSchemeHostAndPortIgnoringTheRestOrChangesNothing) {
+TEST(UrlTest, SplitsSchemeHostAndPortBoundedIgnoringTheRestOrChangesNothing) {
   url parsed;
   ASSERT_TRUE(parsed.parse("tcp://host:1/caching=true"));
   EXPECT_EQ(
@@ -22,10 +22,8 @@ TEST(UrlTest, SplitsSchemeHostAndPortIgnoringTheRestOrChangesNothing) {
   EXPECT_EQ("tcp", parsed.scheme);
   EXPECT_EQ("host", parsed.host);
   EXPECT_EQ("1", parsed.port);
-}
 
-TEST(UrlTest, OverlongTextIsBounded) {
-  url parsed;
+  // Overlong text is bounded.
   std::string host(150, 'h');
   EXPECT_TRUE(parsed.parse("s://" + host + ":9"));
   EXPECT_EQ(std::string(url::kMaxWord, 'h'), parsed.host) << "a word keeps at most 99 bytes";

@@ -109,7 +109,7 @@ TEST_F(PresetExchangeTest, LoadTakesTheOwnersFile) {
   EXPECT_TRUE(Has(err, "PresetsParamVector::Load - slurping " + path)) << err;
 }
 
-TEST_F(PresetExchangeTest, LoadOfEmptyOrFailedPreset) {
+TEST_F(PresetExchangeTest, LoadOfAnEmptyPresetOrOfOneNeverAnsweredFails) {
   presets.SetData("old", 3);
   std::string err;
   {
@@ -123,11 +123,8 @@ TEST_F(PresetExchangeTest, LoadOfEmptyOrFailedPreset) {
                   "PresetsParamVector::Load - error/empty/timeout waiting for load\n"))
       << err;
   EXPECT_FALSE(presets.Load(preset, nullptr));
-}
 
-TEST_F(PresetExchangeTest, LoadTimesOut) {
-  presets.SetWaitTimeout(300);
-  std::string err;
+  presets.SetWaitTimeout(300);  // an owner that never answers
   {
     Owner owner(store, kRegisterLoadResultParamID, kRegisterLoadParamID, Owner::kNothing,
                 kRegisterInProgress);

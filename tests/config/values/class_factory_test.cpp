@@ -77,17 +77,16 @@ TEST_F(ClassFactoryTest, UnknownIdLeavesAnEmptyEntryThatRegisterFills) {
   delete made;
 }
 
-TEST_F(ClassFactoryTest, InitAfterManualRegisterAddsNothing) {
+TEST_F(ClassFactoryTest, HandRegisteredFactories) {
   ClassFactory::DestroyFactories();
   new zyn::config::values::VectorFactory();
   ClassFactory::InitFactories();
   std::string err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_IntegerValue)); });
   EXPECT_EQ("Unable to find class factory for classID = 0\n", err);
-}
 
-TEST_F(ClassFactoryTest, UnknownPresetsPolicy) {
+  // A presets factory with a policy it does not know makes nothing.
   ClassFactory::DestroyFactories();
   new zyn::config::values::PresetsFactory(static_cast<zyn::config::values::ePresetsPolicy>(5));
-  std::string err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_Presets)); });
+  err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_Presets)); });
   EXPECT_EQ("PresetsFactory::Create - unknown policy 5, unable to create Presets instance\n", err);
 }

@@ -6,7 +6,7 @@
 #include "config/values/string_value.h"
 #include "test_catalogue.h"
 
-TEST(ConfigValueTest, SetMarksDirtyOnlyOnChange) {
+TEST(ConfigValueTest, SetMarksDirtyOnlyOnChangeAndEqualityIncludesIt) {
   IntegerValue number(eConfigID_Default, 1, eCParam_IntegerValue, 5);
   number.Set(5);
   EXPECT_FALSE(number.IsDirty());
@@ -26,9 +26,8 @@ TEST(ConfigValueTest, SetMarksDirtyOnlyOnChange) {
   EXPECT_FALSE(identity.IsDirty());
   identity.SetParamType(eCParam_EventValue);
   EXPECT_TRUE(identity.IsDirty());
-}
 
-TEST(ConfigValueTest, EqualityIncludesDirtyFlagAndIdentity) {
+  // Equality includes the dirty flag and the identity.
   IntegerValue a(eConfigID_Default, 9, eCParam_IntegerValue, 1);
   IntegerValue b(eConfigID_Default, 9, eCParam_IntegerValue, 1);
   EXPECT_TRUE(a.IsEqual(&b));
@@ -42,14 +41,14 @@ TEST(ConfigValueTest, EqualityIncludesDirtyFlagAndIdentity) {
 
   IntegerValue otherParam(eConfigID_Default, 10, eCParam_IntegerValue, 1);
   EXPECT_FALSE(a.IsEqual(&otherParam));
-  StringValue text(eConfigID_Default, 9, eCParam_IntegerValue, "");
-  EXPECT_FALSE(a.IsEqual(&text));
+  StringValue otherClass(eConfigID_Default, 9, eCParam_IntegerValue, "");
+  EXPECT_FALSE(a.IsEqual(&otherClass));
   Serializable plain(eClassID_IntegerValue);
   EXPECT_FALSE(a.IsEqual(&plain)) << "same class ID but not a ConfigValue";
   EXPECT_FALSE(a.IsEqual(nullptr));
 }
 
-TEST(ConfigValueTest, CopyTakesStoreAndValueOnly) {
+TEST(ConfigValueTest, CopyTakesStoreAndValueOnlyAndACloneIsClean) {
   IntegerValue target(eConfigID_Default, 1, eCParam_IntegerValue, 10);
   IntegerValue source(static_cast<eConfigID_t>(4), 2, eCParam_EventValue, 20);
   target.Copy(source);
@@ -63,21 +62,20 @@ TEST(ConfigValueTest, CopyTakesStoreAndValueOnly) {
   unsigned int v;
   target.Get(v);
   EXPECT_EQ(20u, v);
-}
 
-TEST(ConfigValueTest, CloneIsCleanAndIndependent) {
-  StringValue text(static_cast<eConfigID_t>(2), 0x55, eCParam_StringValue, "abc");
-  text.SetDirty(true);
-  ConfigValue* clone = text.Clone();
+  // A clone is clean and independent.
+  StringValue original(static_cast<eConfigID_t>(2), 0x55, eCParam_StringValue, "abc");
+  original.SetDirty(true);
+  ConfigValue* clone = original.Clone();
   StringValue* copy = dynamic_cast<StringValue*>(clone);
   ASSERT_NE(nullptr, copy);
   EXPECT_FALSE(copy->IsDirty());
   EXPECT_EQ(eClassID_StringValue, copy->GetClassID());
   EXPECT_EQ(2, copy->GetConfigID());
   copy->Set("changed");
-  std::string v;
-  text.Get(v);
-  EXPECT_EQ("abc", v);
+  std::string kept;
+  original.Get(kept);
+  EXPECT_EQ("abc", kept);
   delete clone;
 
   IntegerValue unset;  // class 17 until someone sets it; the clone is class 0

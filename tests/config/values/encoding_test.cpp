@@ -31,7 +31,7 @@ TEST(EncodingTest, ValuesFramedAsSerializable) {
   EXPECT_EQ(20u, MemorySerializerSizer::GetSize(&number));
 }
 
-TEST(EncodingTest, ScalarWritesAndSizes) {
+TEST(EncodingTest, ScalarWritesSizesAndTheBufferEnd) {
   char buffer[64];
   MemorySerializer out(eSerializationFormat_Binary, buffer, buffer + sizeof buffer, false);
   MemorySerializerSizer sizer(eSerializationFormat_Binary);
@@ -52,19 +52,18 @@ TEST(EncodingTest, ScalarWritesAndSizes) {
             Hex(written));
   EXPECT_EQ(written.size(), sizer.GetBytesWritten());
   EXPECT_EQ(written.size(), out.GetBytesWritten());
+
+  // A write never passes the buffer's end.
+  char small[6] = {0, 0, 0, 0, 0, 0x55};
+  MemorySerializer bounded(eSerializationFormat_Binary, small, small + 5, false);
+  bounded.Write("a", 1u);
+  bounded.Write("b", 2u);  // does not fit
+  EXPECT_TRUE(bounded.Overflowed());
+  EXPECT_EQ(0x55, small[5]);
+  EXPECT_EQ(4u, bounded.GetBytesWritten());
 }
 
-TEST(EncodingTest, WriteNeverPassesBufferEnd) {
-  char buffer[6] = {0, 0, 0, 0, 0, 0x55};
-  MemorySerializer out(eSerializationFormat_Binary, buffer, buffer + 5, false);
-  out.Write("a", 1u);
-  out.Write("b", 2u);  // does not fit
-  EXPECT_TRUE(out.Overflowed());
-  EXPECT_EQ(0x55, buffer[5]);
-  EXPECT_EQ(4u, out.GetBytesWritten());
-}
-
-TEST(EncodingTest, BoolReadsTrueOnlyForBeef) {
+TEST(EncodingTest, ScalarReads) {
   auto read = [](std::vector<char> bytes) {
     MemoryDeSerializer in = ReaderOf(bytes);
     bool v = true;
@@ -74,9 +73,8 @@ TEST(EncodingTest, BoolReadsTrueOnlyForBeef) {
   EXPECT_TRUE(read(Bytes({0, 0, 0xBE, 0xEF})));
   EXPECT_FALSE(read(Bytes({0, 0, 0, 1})));
   EXPECT_FALSE(read(Bytes({0, 0, 0xDE, 0xAD})));
-}
 
-TEST(EncodingTest, CharAndLongReadsDoNotAdvance) {
+  // Char and long reads do not advance: the reader skips such a field itself.
   std::vector<char> bytes = Bytes({0xFF, 0xFF, 0xFF, 0xFE, 0, 0, 0, 7});
   MemoryDeSerializer in = ReaderOf(bytes);
   unsigned char c = 0;
@@ -86,7 +84,7 @@ TEST(EncodingTest, CharAndLongReadsDoNotAdvance) {
   EXPECT_EQ(0xFF, c);
   EXPECT_EQ(-2, l);
   EXPECT_EQ(bytes.data(), in.GetPos());
-  in.SetPos(in.GetPos() + 4);  // the reader skips such a field itself
+  in.SetPos(in.GetPos() + 4);
   unsigned int next = 0;
   ASSERT_TRUE(in.Read("u", next));
   EXPECT_EQ(7u, next);
@@ -154,6 +152,14 @@ TEST(EncodingTest, TruncatedInputFailsTheRead) {
   EXPECT_FALSE(sticky.Read("s", s));
   sticky.SetSectorEnd(two.data() + 2);
   EXPECT_FALSE(sticky.Read("s", s));
+
+  // A string longer than the reader's bound.
+  std::vector<char> abc = Bytes({'a', 'b', 'c', 0});
+  MemoryDeSerializer bound = ReaderOf(abc);
+  EXPECT_FALSE(bound.Read(s, 2));
+  MemoryDeSerializer fits = ReaderOf(abc);
+  EXPECT_TRUE(fits.Read(s, 3));
+  EXPECT_EQ("abc", s);
 }
 
 TEST(EncodingTest, FramedObjectRoundTripAndTruncation) {
@@ -178,35 +184,23 @@ TEST(EncodingTest, FramedObjectRoundTripAndTruncation) {
   }
 }
 
-TEST(EncodingTest, UnknownClassIdYieldsNull) {
+TEST(EncodingTest, UnknownClassesAndDeepNestingYieldNull) {
   std::vector<char> bytes = Bytes({0, 0, 0, 5, 0, 0, 0, 0});
   MemoryDeSerializer in = ReaderOf(bytes);
   Serializable* object = nullptr;
   std::string err = Stderr([&] { EXPECT_FALSE(in.Read("Serializable", object)); });
   EXPECT_EQ(nullptr, object);
   EXPECT_TRUE(Has(err, "pValue == NULL after ClassFactory::Create() for classID = 5\n")) << err;
-}
 
-TEST(EncodingTest, NestingIsBounded) {
   for (int levels : {32, 33}) {
-    std::vector<char> bytes;  // Vectors each holding the next; the innermost empty
-    for (int i = 1; i <= levels; ++i) bytes.insert(bytes.end(), {0, 0, 0, 9, 0, 0, 0, i < levels});
-    MemoryDeSerializer in = ReaderOf(bytes);
-    Serializable* object = nullptr;
-    std::string err = Stderr([&] { in.Read("Serializable", object); });
-    EXPECT_EQ(levels == 32, object != nullptr) << err;
-    EXPECT_EQ(levels == 33,
-              err.find("objects nested deeper than 32, refused\n") != std::string::npos);
-    delete object;
+    std::vector<char> nested;  // Vectors each holding the next; the innermost empty
+    for (int i = 1; i <= levels; ++i)
+      nested.insert(nested.end(), {0, 0, 0, 9, 0, 0, 0, i < levels});
+    MemoryDeSerializer reader = ReaderOf(nested);
+    Serializable* made = nullptr;
+    err = Stderr([&] { reader.Read("Serializable", made); });
+    EXPECT_EQ(levels == 32, made != nullptr) << err;
+    EXPECT_EQ(levels == 33, Has(err, "objects nested deeper than 32, refused\n"));
+    delete made;
   }
-}
-
-TEST(EncodingTest, BoundedStringRead) {
-  std::vector<char> bytes = Bytes({'a', 'b', 'c', 0});
-  MemoryDeSerializer in = ReaderOf(bytes);
-  std::string s;
-  EXPECT_FALSE(in.Read(s, 2));
-  MemoryDeSerializer again = ReaderOf(bytes);
-  EXPECT_TRUE(again.Read(s, 3));
-  EXPECT_EQ("abc", s);
 }

@@ -46,11 +46,9 @@ TEST(PresetsTest, VectorEncodingAndOwnedElements) {
   // The elements are the vector's own, not the registry's scratch objects.
   EXPECT_NE(ClassFactory::Create(eClassID_IntegerValue), read->Get(0));
   delete read;  // frees its elements (checked by the sanitizer build)
-}
 
-TEST(PresetsTest, VectorCountLargerThanInput) {
-  std::vector<char> bytes = Bytes({0, 0, 0, 9, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0});
-  EXPECT_EQ(nullptr, DecodeFramed(bytes));
+  std::vector<char> overcounted = Bytes({0, 0, 0, 9, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0});
+  EXPECT_EQ(nullptr, DecodeFramed(overcounted)) << "a count larger than the input";
 }
 
 TEST(PresetsTest, ParamVectorWithImage) {
