@@ -270,16 +270,6 @@ TEST_F(WebTest, ReadOnlyAndBadValuesAreRefusedBeforeAnythingIsStored) {
   EXPECT_EQ("false", readonly(kConfigMenuGroup, "eParamID_IPAddress"));
 }
 
-TEST_F(WebTest, HealthSaysWhetherConfigdKeepsItsSettings) {
-  EXPECT_EQ("{\"ok\":true,\"message\":\"ok\"}", Get("/api/health").body);
-  const std::string failed = "state folder /var/lib/configd: No space left on device";
-  ASSERT_EQ(0, Ctl({"set", "--force", "OwnerHealth", failed}).exitCode);
-  HttpReply bad = Get("/api/health");
-  EXPECT_EQ("200 false", bad.With("ok"));
-  EXPECT_EQ("200 " + failed, bad.With("message"));
-  EXPECT_TRUE(Has(Get("/page.js").body, "/api/health")) << "the page shows it";
-}
-
 TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorClosed) {
   configweb::EventHub hub;
   hub.SetResyncSource([] { return std::string("R"); });
@@ -441,7 +431,7 @@ TEST(ValueCacheTest, AReadOlderThanAChangeIsNotKept) {
 // The page's files come from the program with validators: a repeated
 // request with the validator is answered 304 without the body; who the
 // unit is, and the search index, come from the API.
-TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIs) {
+TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIsAndHowItIs) {
   size_t total = 0;
   for (const char* path : {"/", "/page.css", "/page.js"}) {
     HttpReply file = Get(path);
@@ -477,4 +467,12 @@ TEST_F(WebTest, ThePageIsServedWithValidatorsAndTheUnitSaysWhoItIs) {
   EXPECT_TRUE(Has(section.body, "\"current\""));
   // The reboot is a command with its consequence, not a bare choice.
   EXPECT_TRUE(Has(Get("/api/groups/3").body, "\"label\":\"Reboot the unit\""));
+  // The health says whether configd keeps its settings.
+  EXPECT_EQ("{\"ok\":true,\"message\":\"ok\"}", Get("/api/health").body);
+  const std::string failed = "state folder /var/lib/configd: No space left on device";
+  ASSERT_EQ(0, Ctl({"set", "--force", "OwnerHealth", failed}).exitCode);
+  HttpReply bad = Get("/api/health");
+  EXPECT_EQ("200 false", bad.With("ok"));
+  EXPECT_EQ("200 " + failed, bad.With("message"));
+  EXPECT_TRUE(Has(Get("/page.js").body, "/api/health")) << "the page shows it";
 }

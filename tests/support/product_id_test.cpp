@@ -54,7 +54,7 @@ std::string Answers(const CProductID& p) {
   return answers;
 }
 
-TEST_F(ProductIDTest, ProductStringsMatchExactlyAndSiblingsAreTundra) {
+TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraAndUnsetIsNone) {
   const struct {
     const char* product;
     const char* answers;
@@ -70,9 +70,7 @@ TEST_F(ProductIDTest, ProductStringsMatchExactlyAndSiblingsAreTundra) {
     EXPECT_STREQ(product.getProductID(), c.product);
     EXPECT_FALSE(product.canDoHeight(1080));
   }
-}
-
-TEST_F(ProductIDTest, UnsetProductAnswersFalseAndIsPolluxSaysSoOnce) {
+  // Unset, every answer is false and isPollux says so once.
   Start(nullptr, nullptr);
   std::string answers;
   const std::string err = Stderr([&] {

@@ -71,7 +71,7 @@ TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept
       Summary(Ctl({"set", "--json", "SystemName", "tab\there"})));
 }
 
-TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
+TEST_F(ConfigctlDaemonTest, ScaledAndClampedValuesAreShownAndTakenInTheirUnits) {
   // A level: tenths of a dB held 600 above the shown value.
   const char* level = "AudioLevelCh10_SDI1";
   EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = 0.0 dB\n", Ctl({"get", level}).out);
@@ -107,9 +107,7 @@ TEST_F(ConfigctlDaemonTest, ScaledValuesAreShownAndTakenInTheirUnits) {
   }
   EXPECT_EQ("eParamID_IPAddress_Static = 127.0.0.5\n",
             Ctl({"set", "IPAddress_Static", "127.0.0.5"}).out);
-}
-
-TEST_F(ConfigctlDaemonTest, ClampedValueSaysSo) {
+  // A clamped value says so.
   EXPECT_EQ("0|eParamID_DisplayIntensity = 100 % (clamped from 250 %)\n|",
             Summary(Ctl({"set", kClampedParam, "250"})));
   EXPECT_EQ(
@@ -158,7 +156,7 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
             Ctl({"get", "FrontPanelLock", "SystemName"}).out);
 }
 
-TEST(ConfigctlTest, UsageErrorsExitTwo) {
+TEST(ConfigctlTest, UsageErrorsExitTwoAndAnUnreachableDaemonOne) {
   for (const char* line :
        {"", "frobnicate", "get", "set FrontPanelLock", "set a b c", "describe", "describe a b",
         "list extra", "watch --count 0", "watch --count", "list --group x", "get a --count 2",
@@ -172,9 +170,8 @@ TEST(ConfigctlTest, UsageErrorsExitTwo) {
     EXPECT_EQ(0u, outcome.err.find("configctl: ")) << outcome.err;
   }
   EXPECT_EQ(0u, Summary(RunToEnd({CONFIGCTL_PATH, "--help"})).find("0|Usage: configctl"));
-}
 
-TEST(ConfigctlTest, UnreachableDaemonIsOneLineAndExitOne) {
+  // An unreachable configd is one line and status 1.
   CreateDescriptors();
   std::string uri = "socket://127.0.0.1:" + std::to_string(FreePort());
   for (const std::vector<std::string>& args :
@@ -264,7 +261,7 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
   EXPECT_EQ(1, RunToEnd({CONFIGCTL_PATH, "list", "--group", "99999"}).exitCode);
 }
 
-TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForced) {
+TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForcedAndHealthReadsOne) {
   std::string before = Ctl({"get", "SoftwareVersion", "ReferenceAlarm", "LED_Alarm"}).out;
   for (const char* name : {"SoftwareVersion", "ReferenceAlarm", "LED_Alarm", "OwnerHealth"}) {
     EXPECT_EQ("1||configctl: eParamID_" + std::string(name) + " is read-only\n",
@@ -276,9 +273,8 @@ TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForced) {
   Outcome forced = Ctl({"set", "--force", "ReferenceAlarm", "Alarm"});
   EXPECT_EQ(0, forced.exitCode) << forced.err;
   EXPECT_EQ("eParamID_ReferenceAlarm = 1 (Alarm)\n", Ctl({"get", "ReferenceAlarm"}).out);
-}
 
-TEST_F(ConfigctlDaemonTest, HealthIsOkOrConfigdsErrorLine) {
+  // health is ok, or configd's error line in the read-only OwnerHealth.
   EXPECT_EQ("0|ok\n|", Summary(Ctl({"health"})));
   EXPECT_EQ("{\"health\":\"ok\"}\n", Ctl({"--json", "health"}).out);
   // configd publishes a failed write as one line; a forced set stands in for it.

@@ -121,17 +121,7 @@ TEST_F(ConfigManagerTest, StringsAndData) {
   EXPECT_EQ("FEEDC004='Rack 7' FEEDC004='data:blob'", listener.Rendered());
 }
 
-TEST_F(ConfigManagerTest, PreconditionThatEmptiesTheQueue) {
-  manager.AddUpdatePrecondition(new ScriptedPrecondition([](zyn::config::IntegerUpdates& u) {
-    u.clear();
-    return true;
-  }));
-  EXPECT_FALSE(manager.Set(kPercent, 20));
-  EXPECT_EQ(50u, manager.Get(kPercent));
-  EXPECT_EQ("", listener.Rendered());
-}
-
-TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
+TEST_F(ConfigManagerTest, PreconditionsAddOrDropUpdatesAndFailureKeepsEarlierRounds) {
   // Writing kSource first queues kTenToHundred = 70 in front of it; the
   // source update itself is then refused when its value is 4.
   ConfigManager* store = &manager;
@@ -153,6 +143,16 @@ TEST_F(ConfigManagerTest, PreconditionAddsUpdatesAndFailureKeepsEarlierRounds) {
   EXPECT_EQ("ConfigManager::Set(uint32_t) - update precondition failed, returning false\n", err);
   EXPECT_EQ(70u, manager.Get(kTenToHundred)) << "the earlier round stays applied";
   EXPECT_EQ(3u, manager.Get(kSource));
+
+  // A precondition that empties the queue: nothing is stored or announced.
+  const std::string heard = listener.Rendered();
+  manager.AddUpdatePrecondition(new ScriptedPrecondition([](zyn::config::IntegerUpdates& u) {
+    u.clear();
+    return true;
+  }));
+  EXPECT_FALSE(manager.Set(kPercent, 20));
+  EXPECT_EQ(50u, manager.Get(kPercent));
+  EXPECT_EQ(heard, listener.Rendered());
 }
 
 TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
