@@ -63,9 +63,11 @@ class WebTest : public tools_test::ConfigctlDaemonTest {
   HttpReply Post(const std::string& target, const std::string& body = "") {
     return Request(server->GetPort(), "POST", target, body);
   }
-  // Opens `stream` on this server and reads up to its "connected" frame.
-  bool OpenStream(EventStream& stream) {
-    return stream.Open(server->GetPort()) && stream.WaitFor("\"connected\":true", kEventMs);
+  // Opens `stream` on this server (or on `port`) and reads up to its
+  // "connected" frame.
+  bool OpenStream(EventStream& stream, int port = 0) {
+    return stream.Open(port != 0 ? port : server->GetPort()) &&
+           stream.WaitFor("\"connected\":true", kEventMs);
   }
   // Runs configctl `set` with a number appended to its last word, a new one
   // each time, until a frame holding `text` arrives on `stream` (true) or

@@ -32,7 +32,7 @@ TEST(TimeValTest, SubtractAndAddCarry) {
   EXPECT_EQ(std::make_pair(4L, 100000L), Parts(sum));
 }
 
-TEST(TimeValTest, ComparisonIsTrueForEqualTimes) {
+TEST(TimeValTest, ComparisonIsTrueForEqualTimesAndTheTotalStopsTheWatch) {
   CTimeVal a, b;
   a.startTime = b.startTime = {100, 500};
   EXPECT_TRUE(a > b) << "equal start times count as greater";
@@ -45,9 +45,8 @@ TEST(TimeValTest, ComparisonIsTrueForEqualTimes) {
   EXPECT_TRUE(a > b) << "seconds decide before microseconds";
   a += b;
   EXPECT_EQ(std::make_pair(199L, 1400L), Parts(a.startTime));
-}
 
-TEST(TimeValTest, TotalWithoutStopStopsTheWatch) {
+  // get_total_ms without a stop stops the watch.
   CTimeVal watch;
   watch.start();
   watch.startTime.tv_sec -= 2;  // started two seconds ago

@@ -42,7 +42,7 @@ bool IsTimestamp(const std::string& text) {
 
 }  // namespace
 
-TEST_F(ConfigctlDaemonTest, GetAcceptsEveryFormOfNameAndPrintsTextOrJson) {
+TEST_F(ConfigctlDaemonTest, GetAndSetTakeEveryFormOfNameAndValueAndPrintTextOrJson) {
   // The library's diagnostics stay out of sight.
   EXPECT_EQ("0|eParamID_FrontPanelLock = 0 (Unlocked)\neParamID_SystemName = zyn-kr-9\n|",
             Summary(Ctl({"get", "FrontPanelLock", "eParamID_SystemName"})));
@@ -55,9 +55,8 @@ TEST_F(ConfigctlDaemonTest, GetAcceptsEveryFormOfNameAndPrintsTextOrJson) {
       "\"display\":\"0 (Unlocked)\",\"value_name\":\"Unlocked\"}\n"
       "{\"param\":\"eParamID_SystemName\",\"id\":1715415909,\"value\":\"zyn-kr-9\"}\n|",
       Summary(Ctl({"--json", "get", "FrontPanelLock", "SystemName"})));
-}
 
-TEST_F(ConfigctlDaemonTest, SetTakesNamesNumbersAndTextAndPrintsWhatTheStoreKept) {
+  // set takes names, numbers and text, and prints what the store kept.
   EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"set", "FrontPanelLock", "Locked"}).out);
   EXPECT_EQ("eParamID_FrontPanelLock = 1 (Locked)\n", Ctl({"get", "FrontPanelLock"}).out);
   EXPECT_EQ("eParamID_FrontPanelLock = 0 (Unlocked)\n", Ctl({"set", "FrontPanelLock", "0x0"}).out);

@@ -141,7 +141,7 @@ TEST_F(SocketClientTest, ConnectMessages) {
       << err;
 }
 
-TEST_F(SocketClientTest, ListenersOnAnEventConnection) {
+TEST_F(SocketClientTest, GlobalAndFilteredListenersOnEventConnections) {
   SocketClient* events = Open();
   SocketClient* requests = Open();
   WaitingListener listener;
@@ -163,20 +163,18 @@ TEST_F(SocketClientTest, ListenersOnAnEventConnection) {
   EXPECT_EQ(2u, listener.WaitFor(3, 300).size()) << "no events after removal";
   EXPECT_EQ(0u, events->LostEvents()) << "an orderly end loses nothing";
   delete events;
-  factory.Disconnect(requests);
-}
 
-TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
-  SocketClient* events = Open();
-  SocketClient* requests = Open();
-  WaitingListener listener;
-  std::string err = Stderr(
-      [&] { EXPECT_TRUE(events->AddConfigEventListener(std::list<eParam_t>{kName}, &listener)); });
+  // A filtered registration hears only its parameters.
+  SocketClient* filtered = Open();
+  WaitingListener selective;
+  std::string err = Stderr([&] {
+    EXPECT_TRUE(filtered->AddConfigEventListener(std::list<eParam_t>{kName}, &selective));
+  });
   EXPECT_FALSE(Has(err, "WARNING")) << "no global registration yet";
-  listener.AwaitRegistration(requests);
+  selective.AwaitRegistration(requests);
   requests->Set(kPercent, 12);  // not in the filter
   requests->Set(kName, std::string("B"));
-  EXPECT_EQ((std::vector<std::string>{"4='B'"}), listener.WaitFor(1));
+  EXPECT_EQ((std::vector<std::string>{"4='B'"}), selective.WaitFor(1));
 
   // Mixing a global registration with a filtered one is warned about.
   SocketClient* mixed = Open();
@@ -192,8 +190,8 @@ TEST_F(SocketClientTest, FilteredRegistrationAndDisconnectWithEvents) {
   factory.Disconnect(mixed);
   // Disconnecting an event connection: the events thread hands the
   // Disconnect Response over and ends.
-  EXPECT_TRUE(events->ConfirmDisconnect());
-  delete events;
+  EXPECT_TRUE(filtered->ConfirmDisconnect());
+  delete filtered;
   factory.Disconnect(requests);
 }
 

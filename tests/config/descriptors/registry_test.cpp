@@ -24,7 +24,7 @@ bool Contains(const std::vector<T>& items, const T& item) {
   return std::find(items.begin(), items.end(), item) != items.end();
 }
 
-TEST(DescriptorRegistryTest, LooksUpByIdAndExactName) {
+TEST(DescriptorRegistryTest, LooksUpByIdAndExactNameAndIsBuiltOnce) {
   ParamDescriptor* d = MakeDescriptor(0xFEED0001, "eParamID_RegistryLookup");
   AddDescriptor(d);
   EXPECT_EQ(GetDescriptor(0xFEED0001u), d);
@@ -38,6 +38,11 @@ TEST(DescriptorRegistryTest, LooksUpByIdAndExactName) {
   EXPECT_EQ(GetDescriptor("RegistryLookup"), nullptr) << "names match exactly";
   EXPECT_EQ(GetDescriptor("eparamid_registrylookup"), nullptr);
   EXPECT_TRUE(Contains(GetParamIDNames(), std::string("eParamID_RegistryLookup")));
+
+  CreateDescriptors();
+  const std::unordered_map<unsigned int, ParamDescriptor*> built = g_paramDescriptors;
+  CreateDescriptors();
+  EXPECT_EQ(g_paramDescriptors, built) << "a second build must neither add nor replace";
 }
 
 class DestructionFlag : public IntegerDescriptor {
@@ -66,13 +71,6 @@ TEST(DescriptorRegistryTest, AddDescriptorReplacesAndDestroysTheOldOne) {
   // Leave a descriptor that outlives the flags on this test's stack.
   AddDescriptor(MakeDescriptor(0xFEED0002, "eParamID_RegistryReplaced"));
   EXPECT_TRUE(second_destroyed);
-}
-
-TEST(DescriptorRegistryTest, CreateDescriptorsBuildsOnce) {
-  CreateDescriptors();
-  const std::unordered_map<unsigned int, ParamDescriptor*> built = g_paramDescriptors;
-  CreateDescriptors();
-  EXPECT_EQ(g_paramDescriptors, built) << "a second call must neither add nor replace";
 }
 
 }  // namespace

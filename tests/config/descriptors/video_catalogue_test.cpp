@@ -15,16 +15,6 @@ namespace {
 
 using namespace unit_catalogue;
 
-TEST(VideoCatalogueTest, AttributesTheMapperAndProcessorsRead) {
-  EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1VideoInput"), "useAsReverseMapID"), 1u);
-  EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1AFDOutMode"), "proc_no"), 1u);
-  ParamDescriptor* clip = Find("eParamID_Vid1LegalizerBlackClip");
-  ASSERT_NE(dynamic_cast<DecimalDescriptor*>(clip), nullptr);
-  EXPECT_EQ(clip->GetRelation("enabled_by"),
-            (std::vector<ParamDescriptor::Relation>{
-                {Find("eParamID_Vid1VideoLegalizer")->GetParamID(), 1}}));
-}
-
 // Members are copies of their template under their own ID and name: the
 // generic differs from them only in being neither kept nor in presets nor
 // reset, and the processor's members carry its number.
@@ -68,6 +58,13 @@ TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
   CatalogueIDs();
   InitializeSuffixes();
   EXPECT_EQ(InputName[10], "Universal") << "the one input name no family uses";
+  EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1VideoInput"), "useAsReverseMapID"), 1u);
+  EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1AFDOutMode"), "proc_no"), 1u);
+  ParamDescriptor* clip = Find("eParamID_Vid1LegalizerBlackClip");
+  ASSERT_NE(dynamic_cast<DecimalDescriptor*>(clip), nullptr);
+  EXPECT_EQ(clip->GetRelation("enabled_by"),
+            (std::vector<ParamDescriptor::Relation>{
+                {Find("eParamID_Vid1VideoLegalizer")->GetParamID(), 1}}));
   const struct {
     const char* generic;
     const std::string* suffixes;

@@ -63,7 +63,7 @@ TEST_F(ConfigManagerTest, ValuesStartCleanOnlyInStoreZero) {
   EXPECT_TRUE(value->IsDirty()) << "moving a value to another store marks it";
 }
 
-TEST_F(ConfigManagerTest, WrappedRangesClampBySignedDistance) {
+TEST_F(ConfigManagerTest, WrappedRangesAndDependentMinimums) {
   // A range that starts at its minimum and wraps through zero: a signed
   // distance below the minimum goes to the minimum, above the maximum to the
   // maximum, and 1 (out of the range, not above the maximum) is kept.
@@ -78,9 +78,8 @@ TEST_F(ConfigManagerTest, WrappedRangesClampBySignedDistance) {
   // "do_not_validate" skips the preconditions entirely.
   EXPECT_TRUE(manager.Set(kRaw, 500));
   EXPECT_EQ(500u, manager.Get(kRaw));
-}
 
-TEST_F(ConfigManagerTest, DependentMinimumKeepsTheFormula) {
+  // A dependent minimum keeps its formula.
   ASSERT_TRUE(manager.Set(kPercent, 100));
   EXPECT_TRUE(manager.Set(kLimited, 950));
   EXPECT_EQ(950u, manager.Get(kLimited));

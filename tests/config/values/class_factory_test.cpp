@@ -21,7 +21,7 @@ class ClassFactoryTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(ClassFactoryTest, SharedScratchObjects) {
+TEST_F(ClassFactoryTest, SharedScratchObjectsAndNewOnesOwnedByTheCaller) {
   for (eClassID_t id :
        {eClassID_IntegerValue, eClassID_StringValue, eClassID_SectorHeader, eClassID_Checkpoint}) {
     Serializable* first = ClassFactory::Create(id);
@@ -30,9 +30,7 @@ TEST_F(ClassFactoryTest, SharedScratchObjects) {
     EXPECT_EQ(id, first->GetClassID());
     EXPECT_TRUE(ClassFactory::IsSharedClass(id));
   }
-}
-
-TEST_F(ClassFactoryTest, NewObjectsOwnedByCaller) {
+  // The other classes are made new for each caller, who owns them.
   Serializable* a = nullptr;
   Serializable* b = nullptr;
   std::string err = Stderr([&] {

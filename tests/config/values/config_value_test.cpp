@@ -54,6 +54,11 @@ TEST(ConfigValueTest, CopyTakesStoreAndValueOnlyAndACloneIsClean) {
   target.Copy(source);
   EXPECT_EQ("configID = 4, paramID = 0x1, paramType = 3, value = 20 = 0X14", target.ToString())
       << "the store and the value are copied, the parameter and type kept";
+  IntegerValue negative(eConfigID_Default, 0xABCDEF01, eCParam_EventValue, 0xFFFFFFFF);
+  EXPECT_EQ("configID = 0, paramID = 0xABCDEF01, paramType = 4, value = -1 = 0Xffffffff",
+            negative.ToString());
+  StringValue rack(static_cast<eConfigID_t>(1), 0x100, eCParam_StringValue, "Rack 1");
+  EXPECT_EQ("configID = 1, paramID = 0x100, paramType = 12, value = Rack 1", rack.ToString());
   EXPECT_TRUE(target.IsDirty());
 
   // A value of the other class leaves the value alone.
@@ -114,14 +119,4 @@ TEST(ConfigValueTest, ResetToFactoryUsesDescriptor) {
   mismatched.ResetToFactory();
   mismatched.Get(v);
   EXPECT_EQ(4u, v);
-}
-
-TEST(ConfigValueTest, ToStringForms) {
-  IntegerValue number(eConfigID_Default, 0x1A, eCParam_EventValue, 255);
-  EXPECT_EQ("configID = 0, paramID = 0x1A, paramType = 4, value = 255 = 0Xff", number.ToString());
-  IntegerValue negative(eConfigID_Default, 0xABCDEF01, eCParam_IntegerValue, 0xFFFFFFFF);
-  EXPECT_EQ("configID = 0, paramID = 0xABCDEF01, paramType = 3, value = -1 = 0Xffffffff",
-            negative.ToString());
-  StringValue text(static_cast<eConfigID_t>(1), 0x100, eCParam_StringValue, "Rack 1");
-  EXPECT_EQ("configID = 1, paramID = 0x100, paramType = 12, value = Rack 1", text.ToString());
 }

@@ -20,7 +20,7 @@ MemoryDeSerializer ReaderOf(std::vector<char>& bytes) {
 
 }  // namespace
 
-TEST(EncodingTest, ValuesFramedAsSerializable) {
+TEST(EncodingTest, ValuesFramedAsSerializableRoundTripAndTruncated) {
   StringValue text(eConfigID_Default, 0x100, eCParam_StringValue, "ab");
   EXPECT_EQ("00 00 00 01 00 00 00 00 00 00 01 00 00 00 00 0C 61 62 00", Hex(EncodeFramed(&text)));
   EXPECT_EQ(19u, MemorySerializerSizer::GetSize(&text));
@@ -29,6 +29,25 @@ TEST(EncodingTest, ValuesFramedAsSerializable) {
   EXPECT_EQ("00 00 00 00 00 00 00 02 00 00 00 07 00 00 00 04 00 00 01 2C",
             Hex(EncodeFramed(&number)));
   EXPECT_EQ(20u, MemorySerializerSizer::GetSize(&number));
+
+  StringValue hello(static_cast<eConfigID_t>(3), 0x1234, eCParam_StringValue, "hello");
+  std::vector<char> bytes = EncodeFramed(&hello);
+  StringValue* read = dynamic_cast<StringValue*>(DecodeFramed(bytes));
+  ASSERT_NE(nullptr, read);
+  std::string v;
+  read->Get(v);
+  EXPECT_EQ("hello", v);
+  EXPECT_EQ(0x1234u, read->GetParamID());
+  EXPECT_EQ(3, read->GetConfigID());
+
+  // Every proper prefix of the encoding yields no object.
+  for (size_t cut = 0; cut < bytes.size(); ++cut) {
+    MemoryDeSerializer partial(eSerializationFormat_Binary, bytes.data(), bytes.data() + cut,
+                               false);
+    Serializable* none = reinterpret_cast<Serializable*>(&partial);
+    EXPECT_FALSE(partial.Read("Serializable", none)) << "cut at " << cut;
+    EXPECT_EQ(nullptr, none) << "cut at " << cut;
+  }
 }
 
 TEST(EncodingTest, ScalarWritesSizesAndTheBufferEnd) {
@@ -160,28 +179,6 @@ TEST(EncodingTest, TruncatedInputFailsTheRead) {
   MemoryDeSerializer fits = ReaderOf(abc);
   EXPECT_TRUE(fits.Read(s, 3));
   EXPECT_EQ("abc", s);
-}
-
-TEST(EncodingTest, FramedObjectRoundTripAndTruncation) {
-  StringValue text(static_cast<eConfigID_t>(3), 0x1234, eCParam_StringValue, "hello");
-  std::vector<char> bytes = EncodeFramed(&text);
-
-  StringValue* read = dynamic_cast<StringValue*>(DecodeFramed(bytes));
-  ASSERT_NE(nullptr, read);
-  std::string v;
-  read->Get(v);
-  EXPECT_EQ("hello", v);
-  EXPECT_EQ(0x1234u, read->GetParamID());
-  EXPECT_EQ(3, read->GetConfigID());
-
-  // Every proper prefix of the encoding yields no object.
-  for (size_t cut = 0; cut < bytes.size(); ++cut) {
-    MemoryDeSerializer partial(eSerializationFormat_Binary, bytes.data(), bytes.data() + cut,
-                               false);
-    Serializable* none = reinterpret_cast<Serializable*>(&partial);
-    EXPECT_FALSE(partial.Read("Serializable", none)) << "cut at " << cut;
-    EXPECT_EQ(nullptr, none) << "cut at " << cut;
-  }
 }
 
 TEST(EncodingTest, UnknownClassesAndDeepNestingYieldNull) {

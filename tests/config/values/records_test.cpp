@@ -7,7 +7,7 @@
 #include "config/values/sector_header.h"
 #include "test_bytes.h"
 
-TEST(RecordsTest, Layouts) {
+TEST(RecordsTest, LayoutsAndEquality) {
   Checkpoint checkpoint;
   EXPECT_EQ("00 00 00 00 FF FF FF FF", Hex(EncodeFields(&checkpoint)));
   checkpoint.SetOffset(0x10);
@@ -22,14 +22,11 @@ TEST(RecordsTest, Layouts) {
 
   SectorHeader sector(1, 2, 3);
   EXPECT_EQ("00 00 00 06 00 00 00 01 00 00 00 02 00 00 00 03", Hex(EncodeFramed(&sector)));
-}
 
-TEST(RecordsTest, SectorHeaderEquality) {
-  SectorHeader a(1, 2, 3), b(1, 2, 3), c(1, 2, 4);
-  EXPECT_TRUE(a.IsEqual(&b));
-  EXPECT_FALSE(a.IsEqual(&c));
-  Checkpoint other;
-  EXPECT_FALSE(a.IsEqual(&other));
+  SectorHeader same(1, 2, 3), other(1, 2, 4);
+  EXPECT_TRUE(sector.IsEqual(&same));
+  EXPECT_FALSE(sector.IsEqual(&other));
+  EXPECT_FALSE(sector.IsEqual(&checkpoint));
   Checkpoint x(static_cast<eConfigID_t>(1)), y(static_cast<eConfigID_t>(2));
   EXPECT_TRUE(x.IsEqual(&y)) << "checkpoints compare by class only";
 }
