@@ -51,7 +51,7 @@ std::unique_ptr<Logger> CreateWith(const char* text, std::string* err) {
 
 }  // namespace
 
-TEST(LoggerTest, SwitchFileSelectsWatchedParameters) {
+TEST(LoggerTest, SwitchFileSelectsWatchedParametersAndLinesCarryTimeNameAndThreadID) {
   test_catalogue::Integer(kWatchedID, "eParamID_LoggerTestWatched", 0, 0, 0);
   IndexDescriptorNames();
   std::string err, tag = std::string("[") + program_invocation_short_name + "] ";
@@ -86,12 +86,11 @@ TEST(LoggerTest, SwitchFileSelectsWatchedParameters) {
   if (access(("/usr/local/bin/" + logger->GetProcessName() + ".log").c_str(), F_OK) != 0) {
     EXPECT_FALSE(Logger::GetLogger()->IsEnabled()) << "the default directory has no switch file";
   }
-}
 
-TEST(LoggerTest, LinesCarryTimeNameAndThreadID) {
-  std::string name = program_invocation_short_name, err, text = "x";
+  // Lines carry the time, the name and the thread ID.
+  std::string name = program_invocation_short_name, text = "x";
   EXPECT_EQ(name, Logger::GetLogger()->GetNameFromPID(getpid()));
-  std::unique_ptr<Logger> logger = CreateWith("", &err);
+  logger = CreateWith("", &err);
   ASSERT_NE(nullptr, logger);
   long tid = 0;
   testing::internal::CaptureStderr();
@@ -103,8 +102,8 @@ TEST(LoggerTest, LinesCarryTimeNameAndThreadID) {
     logger->Log(kWatchedID, text, "d %c\n", 'z');
   }).join();
   std::string head = "[" + name + ":" + std::to_string(getpid()) + "] ";
-  std::vector<std::string> expected = {head + "a 1%", head + "b s", head + "c 3",
-                                       "[" + name + ":" + std::to_string(tid) + "] d z"};
+  expected = {head + "a 1%", head + "b s", head + "c 3",
+              "[" + name + ":" + std::to_string(tid) + "] d z"};
   EXPECT_EQ(expected, WithoutClock(testing::internal::GetCapturedStderr()))
       << "the bracket carries the calling thread's ID";
 }

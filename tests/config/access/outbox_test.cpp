@@ -104,8 +104,10 @@ TEST(OutboxTest, KeepsHandOverOrderAcrossResponsesEventsAndPartialWrites) {
 // A peer that stops reading is cut off by time, not count: thousands of
 // events queue while the limit has not passed; the loop's check ends it
 // even when nothing more is handed over, once, and every later hand-over
-// is refused. A safety ceiling on queued bytes cuts off at once.
-TEST(OutboxTest, CutsOffAStalledPeerByTimeAndAtTheCeiling) {
+// is refused. A safety ceiling on queued bytes cuts off at once. A peer
+// that has gone fails the next send with its cause, once; Close after
+// that, or with bytes still queued, returns and nothing is sent.
+TEST(OutboxTest, CutsOffAStalledPeerByTimeAndAtTheCeilingAndAVanishedOneOnce) {
   Pair timed(300);
   std::string record = Record('E', 0);
   const auto start = std::chrono::steady_clock::now();
@@ -136,14 +138,10 @@ TEST(OutboxTest, CutsOffAStalledPeerByTimeAndAtTheCeiling) {
     refused = !bounded.outbox->Post(record.data(), record.size());
   EXPECT_TRUE(refused);
   EXPECT_EQ(std::vector<std::string>{"queue over 200000 bytes"}, bounded.Failures());
-}
 
-// A peer that has gone fails the next send with its cause, once; Close
-// after that, or with bytes still queued, returns and nothing is sent.
-TEST(OutboxTest, VanishedPeerFailsOnceAndCloseDropsTheQueue) {
   Pair pair;
   shutdown(pair.far, SHUT_RDWR);
-  std::string record = Record('R', 1);
+  record = Record('R', 1);
   EXPECT_FALSE(pair.outbox->Send(record.data(), record.size()));
   EXPECT_FALSE(pair.outbox->Post(record.data(), record.size()));
   ASSERT_EQ(1u, pair.Failures().size());

@@ -8,10 +8,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <fstream>
 #include <memory>
-#include <thread>
 
 #include "config/access/send_loop.h"
 #include "config/values/integer_value.h"

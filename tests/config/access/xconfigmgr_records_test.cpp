@@ -9,7 +9,7 @@
 
 using namespace zyn::config::access;
 
-TEST(XConfigRecordsTest, Payloads) {
+TEST(XConfigRecordsTest, PayloadsAndResponseMatching) {
   StringValue text(eConfigID_Default, 0x100, eCParam_StringValue, "ab");
   std::vector<char> payload = EncodePayload(&text);
   EXPECT_EQ("00 00 00 01 00 00 00 00 00 00 01 00 00 00 00 0C 61 62 00", Hex(payload));
@@ -33,9 +33,8 @@ TEST(XConfigRecordsTest, Payloads) {
 
   std::vector<char> vector = Bytes({0, 0, 0, 9, 0, 0, 0, 0});
   Stderr([&] { EXPECT_EQ(nullptr, DecodePayload(vector.data(), vector.size())) << "not a value"; });
-}
 
-TEST(XConfigRecordsTest, ResponseMatching) {
+  // Which response answers a request.
   XCONFIGMGR_HEADER_T request = MakeHeader(80, 0x20001234, 5, 0);
   XCONFIGMGR_HEADER_T response = MakeHeader(96, 0x20001234, 5, 0);
   EXPECT_TRUE(IsValidResponse(request, response));

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <list>
-#include <string>
 
 #include "config/descriptors/audio_descriptor_helpers.h"
 #include "config/descriptors/integer_descriptor.h"
