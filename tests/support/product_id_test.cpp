@@ -54,7 +54,7 @@ std::string Answers(const CProductID& p) {
   return answers;
 }
 
-TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraAndUnsetIsNone) {
+TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraUnsetIsNoneAndAllAreCached) {
   const struct {
     const char* product;
     const char* answers;
@@ -81,9 +81,8 @@ TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraAndUnsetIsNone)
   EXPECT_EQ(answers, "");
   EXPECT_EQ(product.getProductID(), nullptr);
   EXPECT_EQ(err, "isPollux: PRODUCT_ID environment variable not set");
-}
 
-TEST_F(ProductIDTest, AnswersAreCachedUntilForgotten) {
+  // The answers are cached until forgotten.
   Start("KR21", nullptr);
   EXPECT_TRUE(product.isTundra());
   setenv("PRODUCT_ID", "KR-9", 1);
@@ -150,7 +149,7 @@ constexpr const char kRangeError[] =
     "SerialNumber_KR9::GetSerialNumber(). Error!!!  Mac address is not in manufacturing range "
     "and it is not in engineering range\n";
 
-TEST_F(SerialNumberTest, RangesGiveSerialsAndFormats) {
+TEST_F(SerialNumberTest, RangesGiveSerialsAndFormatsAndTheMacAddressItsTextOrFailure) {
   const unsigned int oui = SerialNumber_KR9::kZynOUI;
   const struct {
     unsigned int oui, nic;
@@ -180,9 +179,8 @@ TEST_F(SerialNumberTest, RangesGiveSerialsAndFormats) {
   }
   EXPECT_EQ(SerialNumber_KR9::FormatSerialNumber(-2147483647 - 1), "ENG2147483648 ");
   EXPECT_EQ(SerialNumber_KR9::FormatSerialNumber(999999), "21F1000499  ");
-}
 
-TEST_F(SerialNumberTest, MacAddressTextAndFailures) {
+  // The MAC address as text, and the reader's failures.
   SetMac(0x0A5E9C, 0x36B0FF);
   EXPECT_EQ(SerialNumber_KR9::GetMacAddress(), "0A:5E:9C:36:B0:FF");
   EXPECT_EQ(g_interface, "eth0");

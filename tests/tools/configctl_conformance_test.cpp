@@ -177,7 +177,7 @@ class FaultyProxy {
 
 }  // namespace
 
-TEST_F(ConfigctlDaemonTest, ConformanceIsGreenOnEveryTransport) {
+TEST_F(ConfigctlDaemonTest, ConformanceIsGreenOnEveryTransportRefusesRemoteServersAndNeedsScratch) {
   int total = 0;
   for (const std::string& uri :
        {daemon.Uri(), daemon.NetworkUri("tcp"), daemon.NetworkUri("udp")}) {
@@ -190,9 +190,8 @@ TEST_F(ConfigctlDaemonTest, ConformanceIsGreenOnEveryTransport) {
   EXPECT_GE(total, 60) << "case-runs across the three transports";
   EXPECT_EQ("eParamID_SystemName = zyn-kr-9\n", Ctl({"get", "SystemName"}).out)
       << "the scratch values are restored";
-}
 
-TEST_F(ConfigctlDaemonTest, ConformanceRefusesRemoteServersAndNeedsScratchToChange) {
+  // It refuses remote servers, and needs scratch parameters to change values.
   Outcome remote = RunToEnd({CONFIGCTL_PATH, "conformance", "tcp://0.0.0.0:43110"});
   EXPECT_EQ(2, remote.exitCode);
   EXPECT_TRUE(Has(remote.err, "add --allow-remote")) << remote.err;

@@ -18,7 +18,7 @@
 using namespace tools_test;
 using Clock = std::chrono::steady_clock;
 
-TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
+TEST(ConfigdStateTest, CreatesItsStateFolderKeepsSettingsAcrossAStopAndSaysWhenOneIsUnusable) {
   CreateDescriptors();
   TempFolder parent;
   std::string folder = parent.path + "/new/deeper";
@@ -41,19 +41,18 @@ TEST(ConfigdStateTest, CreatesItsStateFolderAndKeepsSettingsAcrossAStop) {
   std::filesystem::remove_all(parent.path + "/new");
   Outcome stopped = daemon.Stop(SIGTERM);
   EXPECT_EQ(1, stopped.exitCode) << stopped.err;
-}
 
-// (A symlink, or a folder others may write to, is refused by the same check of
-// the preset folder, whose tests try each.)
-TEST(ConfigdStateTest, AnUnusableStateFolderIsSaidAsSuch) {
-  TempFolder parent;
+  // An unusable folder is said as such. (A symlink, or a folder others may
+  // write to, is refused by the same check of the preset folder, whose tests
+  // try each.)
   const std::string file = parent.path + "/file";
   std::ofstream(file) << "x";
-  for (auto [folder, why] : std::vector<std::pair<std::string, std::string>>{
+  for (auto [unusable, why] : std::vector<std::pair<std::string, std::string>>{
            {file, "it is not a folder"}, {file + "/below", "Not a directory"}}) {
-    Outcome refused = RunToEnd(ConfigdArgs("0", folder));
-    EXPECT_EQ(1, refused.exitCode) << folder;
-    EXPECT_TRUE(Has(refused.err, "configd: the state folder " + folder + " is not usable: " + why))
+    Outcome refused = RunToEnd(ConfigdArgs("0", unusable));
+    EXPECT_EQ(1, refused.exitCode) << unusable;
+    EXPECT_TRUE(
+        Has(refused.err, "configd: the state folder " + unusable + " is not usable: " + why))
         << refused.err;
     EXPECT_FALSE(Has(refused.err, "in use by another")) << refused.err;
   }

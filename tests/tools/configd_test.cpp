@@ -56,7 +56,7 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
   }
 }
 
-TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
+TEST(ConfigdTest, CommandLineAndAPortInUseAreClearErrors) {
   int holder = socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -82,9 +82,8 @@ TEST(ConfigdTest, PortInUseIsAClearErrorWithStatusOne) {
         << limit << ": " << outcome.err;
   }
   close(holder);
-}
 
-TEST(ConfigdTest, CommandLine) {
+  // The command line: help, version and each malformed option.
   EXPECT_EQ(0u, Summary(RunToEnd({CONFIGD_PATH, "--help"})).find("0|Usage: configd [OPTION]..."));
   EXPECT_EQ("configd " LIBCONFIG_VERSION "\n", RunToEnd({CONFIGD_PATH, "--version"}).out);
   for (std::vector<std::string> args :
@@ -103,10 +102,8 @@ TEST(ConfigdTest, CommandLine) {
                                              {"--read-timeout-ms=3600001"},
                                              {"--udp-store-idle-s", "604801"}}) {
     args.insert(args.begin(), CONFIGD_PATH);
-    Outcome outcome = RunToEnd(args);
-    EXPECT_EQ(2, outcome.exitCode) << args.back();
-    EXPECT_EQ("", outcome.out) << args.back();
-    EXPECT_EQ(0u, outcome.err.find("configd: ")) << outcome.err;
+    outcome = RunToEnd(args);
+    EXPECT_EQ(0u, Summary(outcome).find("2||configd: ")) << args.back() << ": " << outcome.err;
   }
 }
 

@@ -119,7 +119,7 @@ TEST_F(NetworkTCPServerTest, RegisteredClientHearsEveryParameter) {
   EXPECT_FALSE(listener.ReadRecord(event, 500)) << "an event after the listener was removed";
 }
 
-TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
+TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnectionAndSetsCheckTheValueClass) {
   RawPeer other(server.port);
   ASSERT_EQ(0u, other.Connect(kClient + 1));
   std::string err = Stderr([&] {
@@ -135,9 +135,8 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnection) {
   EXPECT_TRUE(Has(err, "NetworkTCPConnection::ProcessMessages - Unknown message type 256\n"));
   EXPECT_TRUE(Has(err, "NetworkTCPConnection::ProcessSetStreamMessage - invalid streamLength\n"));
   other.Sync();
-}
 
-TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
+  // A Set checks the value's class.
   zyn::boxline::config::access::NetworkConnection connection;
   IntegerValue mode(eConfigID_Default, kMode, eCParam_IntegerValue, 2);
   EXPECT_TRUE(connection.DoSetRequest(server.store, &mode));
@@ -145,7 +144,7 @@ TEST_F(NetworkTCPServerTest, DoSetRequestChecksTheValueClass) {
   StringValue text(eConfigID_Default, kName, eCParam_StringValue, "x");
   mode.SetClassID(eClassID_StringValue);
   text.SetClassID(eClassID_IntegerValue);
-  std::string err = Stderr([&] {
+  err = Stderr([&] {
     EXPECT_FALSE(connection.DoSetRequest(server.store, &mode));
     EXPECT_FALSE(connection.DoSetRequest(server.store, &text));
     text.SetClassID(static_cast<eClassID_t>(6));

@@ -49,7 +49,7 @@ TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatterns) {
   }
 }
 
-TEST(AudioCatalogueTest, MixDownReportsAMissingID) {
+TEST(AudioCatalogueTest, MixDownReportsAMissingIDAndOutputMapMembersTakeTheGlobalDefault) {
   std::map<unsigned int, std::string> made;
   const std::string report = Stderr([&] {
     made = BuildAlone([] {
@@ -66,6 +66,21 @@ TEST(AudioCatalogueTest, MixDownReportsAMissingID) {
             0u)
       << report;
   EXPECT_TRUE(Has(report, "param_descriptors_audioproc_mixdown.cpp at ")) << report;
+
+  // The output map's members take their default from the global map.
+  CatalogueIDs();
+  const unsigned int global5 = Find("eParamID_AudioOutputCh5_GlobalAudio")->GetParamID();
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(
+                Find("eParamID_AudioOutputCh5_SDI2")->GetParamID()),
+            global5);
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(global5), global5);
+  const unsigned int madi40 = Find("eParamID_AudioOutputCh40_MADIBNC")->GetParamID();
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(madi40), madi40)
+      << "beyond the global map's 16 channels a member holds its own default";
+  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(0xFEED0A99), 0u);
+  EXPECT_EQ(
+      static_cast<IntegerDescriptor*>(Find("eParamID_AudioOutputCh5_SDI2"))->GetFactoryDefault(),
+      5u);
 }
 
 TEST(AudioCatalogueTest, DolbyFramerDisablesTheChannelPairsItCanOwn) {
@@ -95,22 +110,6 @@ TEST(AudioCatalogueTest, DolbyFramerDisablesTheChannelPairsItCanOwn) {
   for (const char* state :
        {"3 Framing Ch 1/2", "6 Framing Ch 7/8", "11 Locking Ch 1/2", "14 Locking Ch 7/8"})
     EXPECT_TRUE(Has(states, state)) << states;
-}
-
-TEST(AudioCatalogueTest, OutputMapMembersTakeTheirDefaultFromTheGlobalMap) {
-  CatalogueIDs();
-  const unsigned int global5 = Find("eParamID_AudioOutputCh5_GlobalAudio")->GetParamID();
-  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(
-                Find("eParamID_AudioOutputCh5_SDI2")->GetParamID()),
-            global5);
-  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(global5), global5);
-  const unsigned int madi40 = Find("eParamID_AudioOutputCh40_MADIBNC")->GetParamID();
-  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(madi40), madi40)
-      << "beyond the global map's 16 channels a member holds its own default";
-  EXPECT_EQ(GetAudioProcOutputParamIDThatHasFactoryDefault(0xFEED0A99), 0u);
-  EXPECT_EQ(
-      static_cast<IntegerDescriptor*>(Find("eParamID_AudioOutputCh5_SDI2"))->GetFactoryDefault(),
-      5u);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ constexpr CatalogueRow kChoice = Enum(0xFEED0304, "eParamID_BuilderChoice", "Cho
 constexpr CatalogueRow kFamily = String(0, "eParamID_Builder%dName%d", "Name %d", "N%d").Text(2, 8, "n%d").Menu(7, "9.%d").NumberedBy("member");
 // clang-format on
 
-TEST(CatalogueBuilderTest, BuildsEveryFieldOfARow) {
+TEST(CatalogueBuilderTest, BuildsEveryFieldOfARowAndAnEnumerationsRangeFromItsValues) {
   std::unique_ptr<ParamDescriptor> built(BuildDescriptor(kDecimal));
   DecimalDescriptor* d = dynamic_cast<DecimalDescriptor*>(built.get());
   ASSERT_NE(d, nullptr);
@@ -51,20 +51,19 @@ TEST(CatalogueBuilderTest, BuildsEveryFieldOfARow) {
   EXPECT_EQ(d->GetDependentParamIDs(), (std::vector<unsigned int>{0xFEED0302, 0xFEED0303}));
   EXPECT_EQ(d->GetClassNames(), (std::vector<std::string>{"b", "a"}));
   EXPECT_EQ(MenuPlaceOf(d), "") << "no menu unless given";
-}
 
-TEST(CatalogueBuilderTest, EnumerationRangeComesFromItsValues) {
-  std::unique_ptr<ParamDescriptor> built(BuildDescriptor(kChoice));
-  EnumDescriptor* d = dynamic_cast<EnumDescriptor*>(built.get());
-  ASSERT_NE(d, nullptr);
-  EXPECT_EQ(d->GetParamType(), eCParam_IntegerValue);
-  EXPECT_EQ(d->GetMinValue(), 2u);
-  EXPECT_EQ(d->GetMaxValue(), 9u);
-  EXPECT_EQ(d->GetFactoryDefault(), 2u);
-  EXPECT_EQ(d->GetRegEx(), "*");
-  EXPECT_EQ(d->GetShortName(), "");
+  // An enumeration's range comes from its values.
+  std::unique_ptr<ParamDescriptor> choice(BuildDescriptor(kChoice));
+  EnumDescriptor* e = dynamic_cast<EnumDescriptor*>(choice.get());
+  ASSERT_NE(e, nullptr);
+  EXPECT_EQ(e->GetParamType(), eCParam_IntegerValue);
+  EXPECT_EQ(e->GetMinValue(), 2u);
+  EXPECT_EQ(e->GetMaxValue(), 9u);
+  EXPECT_EQ(e->GetFactoryDefault(), 2u);
+  EXPECT_EQ(e->GetRegEx(), "*");
+  EXPECT_EQ(e->GetShortName(), "");
   std::string order;
-  for (const EnumValueDescriptor& v : d->GetOrderedEnumValueDescriptors())
+  for (const EnumValueDescriptor& v : e->GetOrderedEnumValueDescriptors())
     order += v.GetName() + "/" + v.GetShortName() + "/" + v.GetText() + " ";
   EXPECT_EQ(order, "Five/Five/ Two/2/ Nine/Nine/ix ");
 }

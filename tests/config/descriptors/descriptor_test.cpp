@@ -13,7 +13,7 @@ namespace {
 
 typedef std::vector<std::string> Names;
 
-TEST(ParamDescriptorTest, ClassNamesAndRelationsKeepInsertionOrder) {
+TEST(ParamDescriptorTest, ClassNamesAndRelationsKeepInsertionOrderAndAttributeMapsAreSeparate) {
   ParamDescriptor d;
   d.AddClassName("a");
   d.AddClassName("b");
@@ -32,10 +32,8 @@ TEST(ParamDescriptorTest, ClassNamesAndRelationsKeepInsertionOrder) {
   EXPECT_EQ(d.GetRelation("disabled_by"),
             (std::vector<ParamDescriptor::Relation>{{7, 3}, {7, 11}}));
   EXPECT_TRUE(d.GetRelation("missing").empty());
-}
 
-TEST(ParamDescriptorTest, AttributeMapsAreSeparate) {
-  ParamDescriptor d;
+  // The attribute maps, numbers and texts, are separate.
   d.AddAttribute("menu_number", "14.2");
   d.AddAttribute("menu_number", 5u);
   d.AddAttribute("ParamGroup", 3u);

@@ -92,15 +92,6 @@ TEST_F(PersistenceWorkerTest, RestoreClampsDropsAndSkips) {
   EXPECT_EQ(4u, file.GetOdometer()) << "an unknown entry is written away";
 }
 
-TEST_F(PersistenceWorkerTest, MissingOrUnusableStateStartsAtFactoryValues) {
-  PersistenceWorker worker(&store, &file, 100);
-  std::ofstream(folder.path + "/settings.a") << SectorCodec::Encode(1, 0x1234, "x");
-  std::ofstream(folder.path + "/settings.b") << "half a sect";
-  std::string err = Stderr([&] { EXPECT_FALSE(worker.Restore()); });
-  EXPECT_TRUE(Has(err, "foreign config version 0x00001234")) << err;
-  EXPECT_TRUE(Has(err, "no valid saved settings, starting at factory values"));
-}
-
 TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {
   PersistenceWorker worker(&store, &file, 20);
   Stderr([&] { worker.Restore(); });
@@ -137,7 +128,8 @@ TEST_F(PersistenceWorkerTest, WritesBehindCoalescedAndOnlyOnChange) {
   EXPECT_EQ(low + 5, store.Get(range));
 }
 
-TEST_F(PersistenceWorkerTest, FailingWritesAreReportedOnceKeptAndRecovered) {
+TEST_F(PersistenceWorkerTest,
+       FailingWritesAreReportedOnceKeptAndRecoveredAndUnusableStateIsFactory) {
   FaultyFiles files;
   SectorFile faulty(&files, folder.path, "settings", SectorCodec::kSettingsVersion);
   PersistenceWorker worker(&store, &faulty, 20);
@@ -169,6 +161,13 @@ TEST_F(PersistenceWorkerTest, FailingWritesAreReportedOnceKeptAndRecovered) {
   store.Set(range, low);
   Stderr([&] { PersistenceWorker(&store, &file, 20).Restore(); });
   EXPECT_EQ(low + 5, store.Get(range));
+
+  // Unusable state starts at the factory values.
+  std::ofstream(folder.path + "/settings.a") << SectorCodec::Encode(1, 0x1234, "x");
+  std::ofstream(folder.path + "/settings.b") << "half a sect";
+  err = Stderr([&] { EXPECT_FALSE(PersistenceWorker(&store, &file, 100).Restore()); });
+  EXPECT_TRUE(Has(err, "foreign config version 0x00001234")) << err;
+  EXPECT_TRUE(Has(err, "no valid saved settings, starting at factory values"));
 }
 
 namespace {

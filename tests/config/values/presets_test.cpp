@@ -76,7 +76,7 @@ TEST(PresetsTest, ParamVectorWithImage) {
   delete read;
 }
 
-TEST(PresetsTest, WriteThenSlurp) {
+TEST(PresetsTest, WriteThenSlurpAndTheirFailures) {
   std::string path = TempPath("preset");
   const char image[] = "settings image";
   ASSERT_TRUE(File::write_file(path, image, sizeof image));
@@ -93,10 +93,7 @@ TEST(PresetsTest, WriteThenSlurp) {
   presets.GetData(size);
   EXPECT_EQ(1u, size);
   unlink(path.c_str());
-}
 
-TEST(PresetsTest, FileFailures) {
-  PresetsParamVector presets;
   std::string err = Stderr([&] { EXPECT_FALSE(presets.Slurp("/nonexistent-dir/preset_1.bin")); });
   EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open /nonexistent-dir/preset_1.bin failed\n"))
       << err;
@@ -113,11 +110,11 @@ TEST(PresetsTest, FileFailures) {
   ASSERT_EQ(0, symlink(target.c_str(), link.c_str()));
   std::string fifo = folder.path + "/preset_3.bin";
   ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-  for (const std::string& path : {link, fifo}) {
-    err = Stderr([&] { EXPECT_FALSE(File::write_file(path, "x", 1)) << path; });
-    EXPECT_TRUE(Has(err, "File::write_file - open " + path + " failed\n")) << err;
-    err = Stderr([&] { EXPECT_FALSE(presets.Slurp(path)) << path; });
-    EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open " + path + " failed"));
+  for (const std::string& planted : {link, fifo}) {
+    err = Stderr([&] { EXPECT_FALSE(File::write_file(planted, "x", 1)) << planted; });
+    EXPECT_TRUE(Has(err, "File::write_file - open " + planted + " failed\n")) << err;
+    err = Stderr([&] { EXPECT_FALSE(presets.Slurp(planted)) << planted; });
+    EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open " + planted + " failed"));
   }
   std::string kept;
   std::ifstream(target) >> kept;
