@@ -213,8 +213,10 @@ TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
 }
 
 // A writer pipelining Sets as fast as configd takes them: every stream ends
-// on the last value, and none is told configd was lost.
-TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
+// on the last value, and none is told configd was lost. Open streams have
+// their own limit: at it, a request is still served and only another stream
+// is refused.
+TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndAtTheirLimitDoNotKeepRequestsOut) {
   std::vector<std::unique_ptr<EventStream>> streams(3);
   for (auto& stream : streams) ASSERT_TRUE(OpenStream(*(stream = std::make_unique<EventStream>())));
   zyn::config::access::SocketFactory factory;
@@ -229,6 +231,18 @@ TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndEndOnTheLastValue) {
     EXPECT_EQ(0, streams[i]->lostFrames) << "stream " << i << " was told configd was lost";
   }
   factory.Disconnect(writer);
+
+  configweb::EventHub otherHub;
+  configweb::HttpServer limited(
+      *api, otherHub, [this] { return session->StatusFrame(); },
+      configweb::HttpServer::kMaxConnections);
+  ASSERT_TRUE(limited.Start("127.0.0.1", 0));
+  std::vector<std::unique_ptr<EventStream>> atLimit(configweb::HttpServer::kMaxConnections);
+  for (auto& stream : atLimit)
+    ASSERT_TRUE(OpenStream(*(stream = std::make_unique<EventStream>()), limited.GetPort()));
+  EXPECT_EQ(200, Request(limited.GetPort(), "GET", "/api/params/SystemName").status);
+  EXPECT_EQ(503, Request(limited.GetPort(), "GET", "/api/events").status);
+  limited.Stop();
 }
 
 TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
@@ -246,23 +260,7 @@ TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
   EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
 }
 
-// Open streams have their own limit: at it, a request is still served and
-// only another stream is refused.
-TEST_F(WebTest, StreamsAtTheirLimitDoNotKeepRequestsOut) {
-  configweb::EventHub otherHub;
-  configweb::HttpServer limited(
-      *api, otherHub, [this] { return session->StatusFrame(); },
-      configweb::HttpServer::kMaxConnections);
-  ASSERT_TRUE(limited.Start("127.0.0.1", 0));
-  std::vector<std::unique_ptr<EventStream>> streams(configweb::HttpServer::kMaxConnections);
-  for (auto& stream : streams)
-    ASSERT_TRUE(OpenStream(*(stream = std::make_unique<EventStream>()), limited.GetPort()));
-  EXPECT_EQ(200, Request(limited.GetPort(), "GET", "/api/params/SystemName").status);
-  EXPECT_EQ(503, Request(limited.GetPort(), "GET", "/api/events").status);
-  limited.Stop();
-}
-
-TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorClosed) {
+TEST(EventHubTest, ASubscriberFallenBehindIsResynchronisedAndDirectWritesKeepTheBytesInOrder) {
   configweb::EventHub hub;
   hub.SetResyncSource([] { return std::string("R"); });
   auto slow = hub.Subscribe();
@@ -287,14 +285,12 @@ TEST(EventHubTest, ASubscriberThatFallsTooFarBehindIsResynchronisedNotGrownNorCl
   hub.Close();
   EXPECT_TRUE(other->Closed());
   EXPECT_EQ(nullptr, hub.Subscribe()) << "a closed hub takes no subscribers";
-}
 
-// Frames written straight to an idle stream's peer: what the socket did not
-// take goes out first, and nothing is written directly while the stream
-// thread writes.
-TEST(EventHubTest, DirectWritesKeepTheStreamsBytesInOrder) {
-  configweb::EventHub hub;
-  auto subscriber = hub.Subscribe();
+  // Frames written straight to an idle stream's peer: what the socket did not
+  // take goes out first, and nothing is written directly while the stream
+  // thread writes.
+  configweb::EventHub direct;
+  auto subscriber = direct.Subscribe();
   std::string wire;
   long room = 3;
   subscriber->SetDirectWriter([&](const char* bytes, size_t length) {
@@ -303,20 +299,19 @@ TEST(EventHubTest, DirectWritesKeepTheStreamsBytesInOrder) {
     room -= n;
     return n > 0 ? n : -1;
   });
-  hub.Publish("abcde");
-  hub.Publish("fg");
-  std::string frames;
+  direct.Publish("abcde");
+  direct.Publish("fg");
   ASSERT_TRUE(subscriber->Next(frames, 0));
   EXPECT_EQ("abc", wire);
   EXPECT_EQ("defg", frames) << "the rest of a cut frame comes first";
   room = 100;
-  hub.Publish("h");
+  direct.Publish("h");
   EXPECT_EQ("abc", wire) << "written directly while the stream thread writes";
   subscriber->Written();
   ASSERT_TRUE(subscriber->Next(frames, 0));
   EXPECT_EQ("h", frames);
   subscriber->Written();
-  hub.Publish("i");
+  direct.Publish("i");
   EXPECT_EQ("abci", wire);
 }
 

@@ -41,7 +41,7 @@ Config* Open(const std::string& uri) {
 
 }  // namespace
 
-TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
+TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCachedAndCreateFailures) {
   for (bool cached : {false, true}) {
     SCOPED_TRACE(cached ? "cached" : "direct");
     const std::string uri = "local:configid=" + std::to_string(47 + cached);
@@ -84,9 +84,8 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCached) {
     EXPECT_EQ(1, static_cast<ConfigManager*>(store)->GetUseCount()) << "connections released";
     ConfigFactoryImpl::GetInstance()->Disconnect(store);
   }
-}
 
-TEST(MappingConfigTest, CreateFailuresAndNoMapper) {
+  // Create's failures, and a mapping without a mapper.
   EXPECT_EQ("MappingConfig::Create: pConfig failed\n",
             Stderr([] { EXPECT_EQ(nullptr, MappingConfig::Create("nowhere:", nullptr, 0, 0)); }));
   Config* store = Open("local:configid=49");
@@ -106,3 +105,4 @@ TEST(MappingConfigTest, CreateFailuresAndNoMapper) {
   delete plain;
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
 }
+

@@ -164,7 +164,7 @@ TEST_F(NetworkClientTest, FactoryRefusalsAndAMulticastUriThatOnlyBinds) {
   EXPECT_TRUE(factory.Disconnect(client.release())) << "no goodbye to say";
 }
 
-TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
+TEST_F(NetworkClientTest, TcpListenersKeptAndRegisteredOnceWhileRequestsAreAnswered) {
   // A fake server counts what the client sends on the event connection.
   Socket listening(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(listening.create() && listening.bind("127.0.0.1", 0) && listening.listen());
@@ -211,34 +211,33 @@ TEST_F(NetworkClientTest, ListenerKeptOnceAndRegisteredOnce) {
   EXPECT_TRUE(Heard(second, "FEEDC001=8"));
   EXPECT_TRUE(client.RemoveConfigEventListener(&first));
   EXPECT_FALSE(client.RemoveConfigEventListener(&first)) << "a listener is removed once";
-}
 
-TEST_F(NetworkClientTest, TcpClientAnswersRequestsWhileListening) {
-  auto client = Open<NetworkTCPClient>("tcp", tcp.port);
+  // Against the real server: requests on the listening connection.
+  auto real = Open<NetworkTCPClient>("tcp", tcp.port);
   auto writer = Open<NetworkTCPClient>("tcp", tcp.port);
-  ASSERT_TRUE(client && writer);
-  RecordingListener recorder;
-  ASSERT_TRUE(client->AddConfigEventListener(&recorder));
+  ASSERT_TRUE(real && writer);
+  RecordingListener heard;
+  ASSERT_TRUE(real->AddConfigEventListener(&heard));
   // Answered after the Add Listener Request on the same connection: the
-  // server has registered the client.
-  EXPECT_EQ(50u, client->Get(kPercent));
+  // server has registered the real.
+  EXPECT_EQ(50u, real->Get(kPercent));
   for (unsigned int value : {61u, 62u, 63u}) {
     EXPECT_TRUE(writer->Set(kPercent, value));
-    ASSERT_TRUE(Heard(recorder, "FEEDC001=" + std::to_string(value)));
-    EXPECT_EQ(value, client->Get(kPercent)) << "a Get on the event connection";
+    ASSERT_TRUE(Heard(heard, "FEEDC001=" + std::to_string(value)));
+    EXPECT_EQ(value, real->Get(kPercent)) << "a Get on the event connection";
   }
-  EXPECT_TRUE(client->Set(kName, std::string("reel")));
-  ASSERT_TRUE(Heard(recorder, "FEEDC004='reel'"));
+  EXPECT_TRUE(real->Set(kName, std::string("reel")));
+  ASSERT_TRUE(Heard(heard, "FEEDC004='reel'"));
   std::string text;
-  EXPECT_TRUE(client->Get(kName, text));
+  EXPECT_TRUE(real->Get(kName, text));
   EXPECT_EQ("reel", text);
 
   // The last listener leaves through the Remove Listener exchange; the
   // connection still serves requests afterwards.
-  EXPECT_TRUE(Quietly([&] { return client->RemoveConfigEventListener(&recorder); }));
+  EXPECT_TRUE(Quietly([&] { return real->RemoveConfigEventListener(&heard); }));
   EXPECT_TRUE(writer->Set(kPercent, 64));
   EXPECT_EQ(64u, writer->Get(kPercent));
-  EXPECT_EQ(64u, client->Get(kPercent));
+  EXPECT_EQ(64u, real->Get(kPercent));
 }
 
 TEST_F(NetworkClientTest, UdpEventsReachListeners) {

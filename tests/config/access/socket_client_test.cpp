@@ -89,7 +89,7 @@ class SocketClientTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(SocketClientTest, RequestsInOrder) {
+TEST_F(SocketClientTest, RequestsInOrderAndConnectMessages) {
   SocketClient* client = Open();
   ASSERT_NE(nullptr, client);
   EXPECT_EQ(50u, client->Get(kPercent));
@@ -116,19 +116,17 @@ TEST_F(SocketClientTest, RequestsInOrder) {
   EXPECT_EQ(50u + 20u, client->Get(kPercent)) << "the connection is still in step";
   EXPECT_EQ(0u, client->Get(kUnknown));
   factory.Disconnect(client);
-}
 
-TEST_F(SocketClientTest, ConnectMessages) {
   VerboseDiagnostics verbose;
-  Config* client = nullptr;
-  std::string err = Stderr(
-      [&] { client = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port)); });
-  ASSERT_NE(nullptr, client);
-  EXPECT_EQ(0, client->GetConfigID());
+  Config* plain = nullptr;
+  err = Stderr(
+      [&] { plain = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port)); });
+  ASSERT_NE(nullptr, plain);
+  EXPECT_EQ(0, plain->GetConfigID());
   EXPECT_TRUE(Has(err,
                   "SocketFactory::Connect - unable to read configid, "
                   "matches = 0, uri = socket://127.0.0.1:"));
-  factory.Disconnect(client);
+  factory.Disconnect(plain);
 
   // Nobody listens on the port of a socket that was bound and closed.
   const int free = LoopbackServer().port;

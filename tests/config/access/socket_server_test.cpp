@@ -201,7 +201,7 @@ TEST_F(SocketServerTest, BadInputEndsOnlyThatConnection) {
   EXPECT_EQ(50u, response.value) << "no cut-off Set reached the store";
 }
 
-TEST_F(SocketServerTest, ManyConnectionsAndCycles) {
+TEST_F(SocketServerTest, ManyConnectionsAndCyclesAndClientsPastTheDescriptorLimit) {
   zyn::config::access::SendLoop::Shared();  // the process's descriptors, not a connection's
   const int before = OpenDescriptors();
   {
@@ -225,6 +225,35 @@ TEST_F(SocketServerTest, ManyConnectionsAndCycles) {
   for (int i = 0; i < 500 && SocketConnection::LiveCount() > 0; ++i) usleep(10000);
   EXPECT_EQ(0, SocketConnection::LiveCount());
   EXPECT_EQ(before, OpenDescriptors());
+
+  RawPeer first(server.port);
+  ASSERT_EQ(0u, first.Connect(kConnection));
+  testing::internal::CaptureStderr();
+  rlimit saved{};
+  ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &saved));
+  rlimit low{static_cast<rlim_t>(OpenDescriptors()) + 16, saved.rlim_max};
+  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &low));
+  // Every descriptor is taken but the one handed back for each client.
+  std::vector<int> fillers;
+  for (int fd; (fd = dup(0)) >= 0;) fillers.push_back(fd);
+  std::vector<std::unique_ptr<RawPeer>> refused;
+  for (size_t i = 0; i < 3; ++i) {
+    close(fillers[i]);
+    refused.emplace_back(new RawPeer(server.port));
+    EXPECT_TRUE(refused.back()->ClosedByPeer(kRefusalMs)) << "client " << i << " left waiting";
+  }
+  first.Sync();  // the client already served goes on
+  for (size_t i = 3; i < fillers.size(); ++i) close(fillers[i]);
+  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &saved));
+  RawPeer later(server.port);
+  EXPECT_EQ(0u, later.Connect(kConnection)) << "served again once descriptors are free";
+  std::string err = testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(Has(err,
+                  "SocketServer::WaitForConnection - out of descriptors, 1 clients refused so "
+                  "far\n"))
+      << err;
+  EXPECT_EQ(err.find("Socket::accept"), err.rfind("Socket::accept"))
+      << "only the first refusal tries to accept: " << err;
 }
 
 TEST_F(SocketServerTest, ReadingListenerKeepsUpWithAPipeliningWriter) {
@@ -269,37 +298,6 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
       << err;
   EXPECT_LE(Count(err, "connection limit"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
       << "ten refusals are one line a second at most";
-}
-
-TEST_F(SocketServerTest, ClientsPastTheDescriptorLimitAreClosedAtOnce) {
-  RawPeer first(server.port);
-  ASSERT_EQ(0u, first.Connect(kConnection));
-  testing::internal::CaptureStderr();
-  rlimit saved{};
-  ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &saved));
-  rlimit low{static_cast<rlim_t>(OpenDescriptors()) + 16, saved.rlim_max};
-  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &low));
-  // Every descriptor is taken but the one handed back for each client.
-  std::vector<int> fillers;
-  for (int fd; (fd = dup(0)) >= 0;) fillers.push_back(fd);
-  std::vector<std::unique_ptr<RawPeer>> refused;
-  for (size_t i = 0; i < 3; ++i) {
-    close(fillers[i]);
-    refused.emplace_back(new RawPeer(server.port));
-    EXPECT_TRUE(refused.back()->ClosedByPeer(kRefusalMs)) << "client " << i << " left waiting";
-  }
-  first.Sync();  // the client already served goes on
-  for (size_t i = 3; i < fillers.size(); ++i) close(fillers[i]);
-  ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &saved));
-  RawPeer later(server.port);
-  EXPECT_EQ(0u, later.Connect(kConnection)) << "served again once descriptors are free";
-  std::string err = testing::internal::GetCapturedStderr();
-  EXPECT_TRUE(Has(err,
-                  "SocketServer::WaitForConnection - out of descriptors, 1 clients refused so "
-                  "far\n"))
-      << err;
-  EXPECT_EQ(err.find("Socket::accept"), err.rfind("Socket::accept"))
-      << "only the first refusal tries to accept: " << err;
 }
 
 // Both stream servers trace a string set once, with its payload, and trace a
