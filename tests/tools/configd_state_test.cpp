@@ -58,7 +58,7 @@ TEST(ConfigdStateTest, CreatesItsStateFolderKeepsSettingsAcrossAStopAndSaysWhenO
   }
 }
 
-TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {
+TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctlAndConcurrentClientsEachGetTheirOwnOutcome) {
   std::string image = daemon.state.path + "/p21.bin";
   EXPECT_EQ("preset 21 saved\n", Ctl({"preset", "save", "21", "--name", "studio A"}).out);
   std::string list = Ctl({"preset", "list"}).out;
@@ -85,11 +85,9 @@ TEST_F(ConfigctlDaemonTest, PresetCommandsOfConfigctl) {
   EXPECT_TRUE(Has(Ctl({"preset", "list"}).out, "21  studio A              saved"));
   EXPECT_EQ("HARD FACTORY done\n", Ctl({"factory-reset", "--hard"}).out);
   EXPECT_TRUE(Has(Ctl({"preset", "list"}).out, "21  Preset 21             empty"));
-}
 
-// Two clients at once, one recalling a saved preset and one an empty one:
-// each must be told its own outcome, never the other's.
-TEST_F(ConfigctlDaemonTest, ConcurrentPresetClientsEachGetTheirOwnOutcome) {
+  // Two clients at once, one recalling a saved preset and one an empty one:
+  // each must be told its own outcome, never the other's.
   ASSERT_EQ(0, Ctl({"preset", "save", "7"}).exitCode);
   int wrong = 0;
   for (int round = 0; round < 8; ++round) {

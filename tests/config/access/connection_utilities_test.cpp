@@ -16,7 +16,7 @@ XCONFIGMGR_HEADER_T Header(uint32_t msgtype, uint32_t connectionID, uint32_t req
   return zyn::config::access::MakeHeader(msgtype, connectionID, requestID, 0);
 }
 
-TEST(ConnectionUtilitiesTest, ConnectionIDsCarryThePidAndACounter) {
+TEST(ConnectionUtilitiesTest, ConnectionIDsCarryThePidAndACounterAndTraceLines) {
   uint32_t first = ConnectionUtilities::GetConnectionID();
   uint32_t second = ConnectionUtilities::GetConnectionID();
   EXPECT_EQ(static_cast<uint32_t>(getpid()) & 0xFFFF, first & 0xFFFF);
@@ -32,9 +32,7 @@ TEST(ConnectionUtilitiesTest, ConnectionIDsCarryThePidAndACounter) {
   other.join();
   EXPECT_EQ(ids.size(), std::set<uint32_t>(ids.begin(), ids.end()).size())
       << "concurrent clients must never share an ID";
-}
 
-TEST(ConnectionUtilitiesTest, TraceLines) {
   using Lines = ConnectionUtilities;
   const uint32_t pid = static_cast<uint32_t>(getpid()) & 0xFFFF, id = (3u << 16) | pid;
   const std::string me = Lines::name_from_pid(static_cast<int>(pid)), cid = std::to_string(id);

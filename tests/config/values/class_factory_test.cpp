@@ -57,7 +57,7 @@ TEST_F(ClassFactoryTest, SharedScratchObjectsAndNewOnesOwnedByTheCaller) {
   delete presets;
 }
 
-TEST_F(ClassFactoryTest, UnknownIdLeavesAnEmptyEntryThatRegisterFills) {
+TEST_F(ClassFactoryTest, UnknownIdLeavesAnEmptyEntryThatRegisterFillsAndHandRegisteredFactories) {
   Serializable* none = nullptr;
   std::string err = Stderr([&] { none = ClassFactory::Create(static_cast<eClassID_t>(2)); });
   EXPECT_EQ(nullptr, none);
@@ -73,13 +73,11 @@ TEST_F(ClassFactoryTest, UnknownIdLeavesAnEmptyEntryThatRegisterFills) {
   ASSERT_NE(nullptr, made);
   EXPECT_EQ(2, made->GetClassID());
   delete made;
-}
 
-TEST_F(ClassFactoryTest, HandRegisteredFactories) {
   ClassFactory::DestroyFactories();
   new zyn::config::values::VectorFactory();
   ClassFactory::InitFactories();
-  std::string err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_IntegerValue)); });
+  err = Stderr([] { EXPECT_EQ(nullptr, ClassFactory::Create(eClassID_IntegerValue)); });
   EXPECT_EQ("Unable to find class factory for classID = 0\n", err);
 
   // A presets factory with a policy it does not know makes nothing.
