@@ -56,9 +56,7 @@ TEST(ConfigctlTest, ExportMappingWritesTheTablesWithoutADaemon) {
   nlohmann::json tables = nlohmann::json::parse(std::ifstream(path), nullptr, false);
   unlink(path);
   EXPECT_EQ("0||", Summary(written));
-  EXPECT_EQ(24u, tables["forward_maps"].size());
-  EXPECT_EQ("eParamID_Vid1YUVProcAmpGain_HDMI",
-            tables["forward_maps"]["0x883AD0D9"]["param_maps"][6]["param"]);
+  EXPECT_EQ(24u, tables["forward_maps"].size()) << "the mapper's own export, checked there";
   EXPECT_EQ("1||configctl: cannot write the mapping tables to /nonexistent/m.json\n",
             Summary(RunToEnd({CONFIGCTL_PATH, "export-mapping", "/nonexistent/m.json"})));
 }

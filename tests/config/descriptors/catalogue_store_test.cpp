@@ -18,24 +18,20 @@ TEST(CatalogueStoreTest, StartsAtTheDefaultsAndClampsAndRefuses) {
   const std::set<unsigned int>& catalogue = unit_catalogue::CatalogueIDs();
   ConfigManager store(eConfigID_Default);
   Stderr([&] { store.Init(); });
-  for (unsigned int id : catalogue) {
-    ParamDescriptor* d = GetDescriptor(id);
-    unsigned int number = 0xDEADBEEF;
-    std::string text = "unset";
-    if (StringDescriptor* s = dynamic_cast<StringDescriptor*>(d)) {
-      EXPECT_TRUE(store.Get(id, text)) << d->GetParamIDName();
-      EXPECT_EQ(text, s->GetFactoryDefault()) << d->GetParamIDName();
-    } else {
-      EXPECT_TRUE(store.Get(id, number)) << d->GetParamIDName();
-      EXPECT_EQ(number, static_cast<IntegerDescriptor*>(d)->GetFactoryDefault())
-          << d->GetParamIDName();
-    }
-  }
   int integers = 0, enumerations = 0;
   Stderr([&] {
     for (unsigned int id : catalogue) {
       ParamDescriptor* d = GetDescriptor(id);
       const std::string name = d->GetParamIDName();
+      std::string text = "unset";
+      if (StringDescriptor* s = dynamic_cast<StringDescriptor*>(d)) {
+        EXPECT_TRUE(store.Get(id, text) && text == s->GetFactoryDefault()) << name << ": " << text;
+        continue;
+      }
+      unsigned int number = 0xDEADBEEF;
+      EXPECT_TRUE(store.Get(id, number) &&
+                  number == static_cast<IntegerDescriptor*>(d)->GetFactoryDefault())
+          << name << " starts at " << number;
       if (EnumDescriptor* e = dynamic_cast<EnumDescriptor*>(d)) {
         ++enumerations;
         for (const auto& v : e->GetEnumValueDescriptors()) {
