@@ -23,10 +23,8 @@
 namespace {
 
 using unit_catalogue::CatalogueIDs;
-using unit_catalogue::ClassesOf;
 using unit_catalogue::Find;
 using unit_catalogue::IntAttributeOf;
-using unit_catalogue::ValuesOf;
 
 std::string DefaultTextOf(ParamDescriptor* d) {
   StringDescriptor* s = dynamic_cast<StringDescriptor*>(d);
@@ -67,14 +65,6 @@ TEST_F(SystemCatalogueTest, WholeCatalogueIsConsistent) {
   }
 }
 
-// What the parameter mapper reads here (the generics' storage and their
-// specifics are checked by its own clean build): the IP-configuration
-// selector, and one frame-rate mode value per frame-rate family.
-TEST_F(SystemCatalogueTest, MappedParametersFitTheMapper) {
-  EXPECT_EQ(IntAttributeOf(Find("eParamID_IPConfig"), "useAsReverseMapID"), 1u);
-  EXPECT_EQ(ValuesOf(Find("eParamID_FrameRateMode")), "0 59.94/23.98/5994, 1 50/25/50, 2 60/24/60");
-}
-
 // A unit whose MAC address is the eleventh of the manufacturing range.
 SerialNumber_KR9::eMacRead_t FakeUnit(const std::string&, unsigned char mac[6]) {
   const unsigned char bytes[6] = {0x0A, 0x5E, 0x9C, 0x36, 0x00, 0x0A};
@@ -89,9 +79,6 @@ TEST_F(SystemCatalogueTest, IdentityParametersComeFromTheUnit) {
   EXPECT_EQ(DefaultTextOf(Find("eParamID_MACAddress")), "0A:5E:9C:36:00:0A");
   EXPECT_EQ(DefaultTextOf(Find("eParamID_FormattedSerialNumber")), "21F000510  ");
   EXPECT_EQ(DefaultTextOf(Find("eParamID_SoftwareVersion")), kSoftwareVersion);
-  for (const char* name :
-       {"eParamID_MACAddress", "eParamID_FormattedSerialNumber", "eParamID_SoftwareVersion"})
-    EXPECT_EQ(ClassesOf(Find(name)), "readonly network_config") << name;
   const char* product = CProductID().getProductID();
   EXPECT_EQ(DefaultTextOf(Find("eParamID_ProductID")), product != nullptr ? product : "");
 }

@@ -69,12 +69,6 @@ inline std::string ValuesOf(ParamDescriptor* d) {
   return text;
 }
 
-inline std::string ClassesOf(ParamDescriptor* d) {
-  std::string text;
-  for (const std::string& name : d->GetClassNames()) text += (text.empty() ? "" : " ") + name;
-  return text;
-}
-
 // "group:menu number", or "" outside the menus.
 inline std::string MenuPlaceOf(ParamDescriptor* d) {
   unsigned int group = 0;

@@ -58,7 +58,8 @@ TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
   CatalogueIDs();
   InitializeSuffixes();
   EXPECT_EQ(InputName[10], "Universal") << "the one input name no family uses";
-  EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1VideoInput"), "useAsReverseMapID"), 1u);
+  for (const char* selector : {"eParamID_Vid1VideoInput", "eParamID_IPConfig"})
+    EXPECT_EQ(IntAttributeOf(Find(selector), "useAsReverseMapID"), 1u) << selector;
   EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid1AFDOutMode"), "proc_no"), 1u);
   ParamDescriptor* clip = Find("eParamID_Vid1LegalizerBlackClip");
   ASSERT_NE(dynamic_cast<DecimalDescriptor*>(clip), nullptr);
