@@ -51,6 +51,7 @@ TEST_F(WebTest, GroupsListTheMenusInMenuOrderWithoutHiddenParameters) {
     EXPECT_GT(group.second.get<int>("count"), 0) << group.second.get<std::string>("name");
   }
   EXPECT_EQ("System", names[2]);
+  EXPECT_EQ("Debug", names[11]) << "the one group the button list does not name";
 
   for (int group : {2, 4}) {
     HttpReply one = Get("/api/groups/" + std::to_string(group));
