@@ -5,12 +5,13 @@
 #include <unistd.h>
 
 #include <cctype>
-#include <cstdio>
+#include <fstream>
 #include <sstream>
 #include <thread>
 
 #include "test_catalogue.h"
 #include "test_stderr.h"
+#include "test_temp_folder.h"
 
 using zyn::logging::Logger;
 
@@ -36,16 +37,11 @@ std::vector<std::string> WithoutClock(const std::string& text) {
 // A logger configured from a switch file with text (none if text is null)
 // in a directory of its own; err receives what the configuration printed.
 std::unique_ptr<Logger> CreateWith(const char* text, std::string* err) {
-  char dir[] = "/tmp/logger_test_XXXXXX";
-  if (mkdtemp(dir) == nullptr) return nullptr;
-  std::string file = std::string(dir) + "/" + program_invocation_short_name + ".log";
-  FILE* f = text != nullptr ? fopen(file.c_str(), "w") : nullptr;
-  if (f != nullptr) fputs(text, f), fclose(f);
-  testing::internal::CaptureStderr();
-  std::unique_ptr<Logger> logger = Logger::Create(dir);
-  *err = testing::internal::GetCapturedStderr();
-  unlink(file.c_str());
-  rmdir(dir);
+  TempFolder folder;
+  if (text != nullptr)
+    std::ofstream(folder.path + "/" + program_invocation_short_name + ".log") << text;
+  std::unique_ptr<Logger> logger;
+  *err = Stderr([&] { logger = Logger::Create(folder.path); });
   return logger;
 }
 

@@ -19,14 +19,6 @@
 using zyn::config::values::PresetsParamVector;
 using zyn::config::values::Vector;
 
-namespace {
-
-std::string TempPath(const char* tag) {
-  return testing::TempDir() + "libconfig_" + tag + "_" + std::to_string(getpid());
-}
-
-}  // namespace
-
 TEST(PresetsTest, VectorEncodingAndOwnedElements) {
   Vector vector;
   vector.Add(new IntegerValue(eConfigID_Default, 1, eCParam_IntegerValue, 2));
@@ -77,7 +69,8 @@ TEST(PresetsTest, ParamVectorWithImage) {
 }
 
 TEST(PresetsTest, WriteThenSlurpAndTheirFailures) {
-  std::string path = TempPath("preset");
+  TempFolder folder;
+  std::string path = folder.path + "/preset";
   const char image[] = "settings image";
   ASSERT_TRUE(File::write_file(path, image, sizeof image));
   PresetsParamVector presets;
@@ -92,7 +85,6 @@ TEST(PresetsTest, WriteThenSlurpAndTheirFailures) {
   ASSERT_TRUE(presets.Slurp(path));
   presets.GetData(size);
   EXPECT_EQ(1u, size);
-  unlink(path.c_str());
 
   std::string err = Stderr([&] { EXPECT_FALSE(presets.Slurp("/nonexistent-dir/preset_1.bin")); });
   EXPECT_TRUE(Has(err, "PresetsParamVector::Slurp - open /nonexistent-dir/preset_1.bin failed\n"))
@@ -104,7 +96,6 @@ TEST(PresetsTest, WriteThenSlurpAndTheirFailures) {
 
   // A symlink or a FIFO planted as the preset file is refused as a failed
   // open: the link's target stays untouched, and nothing blocks.
-  TempFolder folder;
   std::string target = folder.path + "/target", link = folder.path + "/preset_2.bin";
   std::ofstream(target) << "keep";
   ASSERT_EQ(0, symlink(target.c_str(), link.c_str()));
@@ -124,7 +115,8 @@ TEST(PresetsTest, WriteThenSlurpAndTheirFailures) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // A preset too large to allocate still reports success, with no image held.
 TEST(PresetsDeathTest, SlurpFailedAllocationReportsSuccess) {
-  std::string path = TempPath("huge");
+  TempFolder folder;
+  std::string path = folder.path + "/huge";
   { std::ofstream create(path); }
   ASSERT_EQ(0, truncate(path.c_str(), 0xF0000000LL));  // sparse
   auto slurpUnderLimit = [&path] {
