@@ -1,12 +1,9 @@
 // configd as a process: the ready line, serving, a clean stop on SIGTERM and
 // SIGINT with clients still connected, and its start-up failures.
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
+#include "config/access/loopback_server.h"
 #include "config/access/socket_factory.h"
 #include "config/config_factory_impl.h"
 #include "test_stderr.h"
@@ -57,15 +54,9 @@ TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
 }
 
 TEST(ConfigdTest, CommandLineAndAPortInUseAreClearErrors) {
-  int holder = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_ANY);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(0, bind(holder, reinterpret_cast<sockaddr*>(&address), sizeof address));
-  ASSERT_EQ(0, listen(holder, 1));
-  ASSERT_EQ(0, getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length));
-  std::string port = std::to_string(ntohs(address.sin_port));
+  Socket holder(Socket::kInternetDomain, Socket::kStream);
+  ASSERT_TRUE(holder.create() && holder.bind(0) && holder.listen());
+  std::string port = std::to_string(PortOf(holder));
 
   Outcome outcome = RunToEnd({CONFIGD_PATH, "--port", port});
   EXPECT_EQ(1, outcome.exitCode);
@@ -81,7 +72,7 @@ TEST(ConfigdTest, CommandLineAndAPortInUseAreClearErrors) {
                                "--max-connections 100 needs; clients past it are closed\n"))
         << limit << ": " << outcome.err;
   }
-  close(holder);
+  holder.close();
 
   // The command line: help, version and each malformed option.
   EXPECT_EQ(0u, Summary(RunToEnd({CONFIGD_PATH, "--help"})).find("0|Usage: configd [OPTION]..."));
@@ -140,18 +131,10 @@ TEST(ConfigdTest, StalledClientsAndIdleUdpStoresAreReleased) {
   Daemon daemon;
   ASSERT_TRUE(daemon.Start({"--max-connections", "1", "--read-timeout-ms", "200", "--max-stores",
                             "2", "--udp-store-idle-s", "1"}));
-  int stalled = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(daemon.port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  ASSERT_EQ(0, connect(stalled, reinterpret_cast<sockaddr*>(&address), sizeof address));
-  ASSERT_EQ(2, send(stalled, "\x03\x00", 2, MSG_NOSIGNAL));  // half a message type
-  pollfd closed{stalled, POLLIN, 0};
-  char byte;
-  EXPECT_TRUE(poll(&closed, 1, 10000) == 1 && recv(stalled, &byte, 1, 0) == 0)
-      << "the stalled client was kept";
-  close(stalled);
+  RawPeer stalled(daemon.port);
+  stalled.SendBytes("\x03\x00", 2);  // half a message type
+  EXPECT_TRUE(stalled.ClosedByPeer(10000)) << "the stalled client was kept";
+  stalled.Close();
   EXPECT_EQ(0, RunToEnd(CtlArgs(daemon.Uri(), {"get", "FrontPanelLock"})).exitCode)
       << "the freed slot serves the next client";
 
