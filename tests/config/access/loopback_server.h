@@ -145,23 +145,16 @@ class RawPeer {
     zyn::config::access::Unpack(bytes.data(), record);
     return true;
   }
-  // True when the server closed the connection.
-  bool ClosedByPeer(int timeoutMs = 3000) {
-    pollfd p{fd, POLLIN, 0};
-    if (poll(&p, 1, timeoutMs) <= 0) return false;
-    char c;
-    return ::recv(fd, &c, 1, 0) == 0;
-  }
-  // True when the server closed the connection, after whatever it sent
-  // before.
-  bool ReadUntilClosed(int timeoutMs = 10000) {
+  // True when the server closes (or resets) the connection in time; with
+  // `afterData`, after whatever it sent before, else before sending anything.
+  bool ClosedByPeer(int timeoutMs = 3000, bool afterData = false) {
     char chunk[4096];
-    for (;;) {
-      pollfd p{fd, POLLIN, 0};
-      if (poll(&p, 1, timeoutMs) <= 0) return false;
-      ssize_t n = ::recv(fd, chunk, sizeof chunk, 0);
+    for (pollfd p{fd, POLLIN, 0}; poll(&p, 1, timeoutMs) > 0;) {
+      ssize_t n = ::recv(fd, chunk, afterData ? sizeof chunk : 1, 0);
       if (n <= 0) return n == 0 || errno == ECONNRESET;
+      if (!afterData) return false;
     }
+    return false;
   }
   // Connects the peer to store `configID`; the Connect Response's error.
   uint32_t Connect(uint32_t connectionID, uint32_t configID = 0) {
@@ -282,7 +275,8 @@ inline void CheckReaderKeepsUpWithPipelinedSets(int port, int (*liveCount)()) {
   EXPECT_EQ(kSets, heard.load()) << "the reading listener was cut off or missed events:\n" << err;
   // Cut off while it still does not read; only then is its end read.
   for (int waited = 0; liveCount() > 2 && waited < 1000; ++waited) usleep(10000);
-  EXPECT_TRUE(stalled.ReadUntilClosed()) << "the listener that never reads was kept:\n" << err;
+  EXPECT_TRUE(stalled.ClosedByPeer(10000, true)) << "the listener that never reads was kept:\n"
+                                                 << err;
   zyn::config::access::Outbox::SetDrainLimitMs(0);
 }
 

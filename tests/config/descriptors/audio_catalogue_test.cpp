@@ -23,7 +23,7 @@ struct Sample {
   const char* units;
 };
 
-TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatterns) {
+TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatternsAndTheDolbyFramerDisablesItsPairs) {
   // clang-format off
   const Sample samples[] = {
       {"eParamID_AudioLevelCh3_SDI1", "SDI1 Level Ch 3", "Lvl ch3", "9:15.3", "dB"},
@@ -47,6 +47,33 @@ TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatterns) {
     EXPECT_EQ(d->GetName() + "|" + d->GetShortName() + "|" + MenuPlaceOf(d) + "|" + d->GetUnits(),
               std::string(s.name) + "|" + s.shortName + "|" + s.menu + "|" + s.units);
   }
+
+  typedef std::vector<ParamDescriptor::Relation> Relations;
+  const struct {
+    const char* idName;
+    Relations disabledBy;
+  } cases[] = {
+      {"eParamID_AudioLevelCh3_SDI2", {{0xF107D3C5, 4}, {0xF107D3C5, 12}}},
+      {"eParamID_AudioPhaseCh8_Fiber1", {{0xF107D3C5, 6}, {0xF107D3C5, 14}}},
+      {"eParamID_AudioDelayCh1and2_AES", {{0xF107D3C5, 3}, {0xF107D3C5, 11}}},
+      {"eParamID_AudioLevelCh9_SDI1", {}},
+      {"eParamID_AudioLevelCh1_MADIBNC", {}},
+      {"eParamID_AudioOutputCh1_SDI1", {}},
+  };
+  for (const auto& c : cases) {
+    ParamDescriptor* d = Find(c.idName);
+    if (d == nullptr) continue;
+    const auto& relations = d->GetRelations();
+    auto it = relations.find("disabled_by");
+    EXPECT_EQ(it == relations.end() ? Relations() : it->second, c.disabledBy) << c.idName;
+  }
+  EXPECT_EQ(Find("eParamID_AudioLevelCh3_SDI2")->GetRelation("enabled_by"),
+            (Relations{{Find("eParamID_AudioLevelAdjustEnable_SDI2")->GetParamID(), 1}}));
+  // The framer states those relations name.
+  const std::string states = ValuesOf(Find("eParamID_Audio1DolbyFramerActive"));
+  for (const char* state :
+       {"3 Framing Ch 1/2", "6 Framing Ch 7/8", "11 Locking Ch 1/2", "14 Locking Ch 7/8"})
+    EXPECT_TRUE(Has(states, state)) << states;
 }
 
 TEST(AudioCatalogueTest, MixDownReportsAMissingIDAndOutputMapMembersTakeTheGlobalDefault) {
@@ -81,35 +108,6 @@ TEST(AudioCatalogueTest, MixDownReportsAMissingIDAndOutputMapMembersTakeTheGloba
   EXPECT_EQ(
       static_cast<IntegerDescriptor*>(Find("eParamID_AudioOutputCh5_SDI2"))->GetFactoryDefault(),
       5u);
-}
-
-TEST(AudioCatalogueTest, DolbyFramerDisablesTheChannelPairsItCanOwn) {
-  typedef std::vector<ParamDescriptor::Relation> Relations;
-  const struct {
-    const char* idName;
-    Relations disabledBy;
-  } cases[] = {
-      {"eParamID_AudioLevelCh3_SDI2", {{0xF107D3C5, 4}, {0xF107D3C5, 12}}},
-      {"eParamID_AudioPhaseCh8_Fiber1", {{0xF107D3C5, 6}, {0xF107D3C5, 14}}},
-      {"eParamID_AudioDelayCh1and2_AES", {{0xF107D3C5, 3}, {0xF107D3C5, 11}}},
-      {"eParamID_AudioLevelCh9_SDI1", {}},
-      {"eParamID_AudioLevelCh1_MADIBNC", {}},
-      {"eParamID_AudioOutputCh1_SDI1", {}},
-  };
-  for (const auto& c : cases) {
-    ParamDescriptor* d = Find(c.idName);
-    if (d == nullptr) continue;
-    const auto& relations = d->GetRelations();
-    auto it = relations.find("disabled_by");
-    EXPECT_EQ(it == relations.end() ? Relations() : it->second, c.disabledBy) << c.idName;
-  }
-  EXPECT_EQ(Find("eParamID_AudioLevelCh3_SDI2")->GetRelation("enabled_by"),
-            (Relations{{Find("eParamID_AudioLevelAdjustEnable_SDI2")->GetParamID(), 1}}));
-  // The framer states those relations name.
-  const std::string states = ValuesOf(Find("eParamID_Audio1DolbyFramerActive"));
-  for (const char* state :
-       {"3 Framing Ch 1/2", "6 Framing Ch 7/8", "11 Locking Ch 1/2", "14 Locking Ch 7/8"})
-    EXPECT_TRUE(Has(states, state)) << states;
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ using namespace unit_catalogue;
 // Members are copies of their template under their own ID and name: the
 // generic differs from them only in being neither kept nor in presets nor
 // reset, and the processor's members carry its number.
-TEST(VideoCatalogueTest, FamiliesAreCopiesOfTheirTemplates) {
+TEST(VideoCatalogueTest, FamiliesAreCopiesOfTheirTemplatesAndFitTheMapper) {
   const struct {
     const char* generic;
     const char* member;
@@ -49,12 +49,10 @@ TEST(VideoCatalogueTest, FamiliesAreCopiesOfTheirTemplates) {
   }
   EXPECT_EQ(IntAttributeOf(Find("eParamID_Vid2CustomAspect"), "proc_no"), 2u);
   EXPECT_EQ(MenuPlaceOf(Find("eParamID_Vid2CustomAspect")), "7:24.5");
-}
 
-// The mapper's per-input and per-format video generics: the specifics carry
-// their processor's number (that every specific exists, under every
-// selector value, is checked by the mapper's own tests).
-TEST(VideoCatalogueTest, MappedParametersFitTheMapper) {
+  // The mapper's per-input and per-format video generics: the specifics carry
+  // their processor's number (that every specific exists, under every
+  // selector value, is checked by the mapper's own tests).
   CatalogueIDs();
   InitializeSuffixes();
   EXPECT_EQ(InputName[10], "Universal") << "the one input name no family uses";

@@ -50,7 +50,7 @@ TEST(EncodingTest, ValuesFramedAsSerializableRoundTripAndTruncated) {
   }
 }
 
-TEST(EncodingTest, ScalarWritesSizesAndTheBufferEnd) {
+TEST(EncodingTest, ScalarWritesSizesTheBufferEndAndReads) {
   char buffer[64];
   MemorySerializer out(eSerializationFormat_Binary, buffer, buffer + sizeof buffer, false);
   MemorySerializerSizer sizer(eSerializationFormat_Binary);
@@ -80,9 +80,7 @@ TEST(EncodingTest, ScalarWritesSizesAndTheBufferEnd) {
   EXPECT_TRUE(bounded.Overflowed());
   EXPECT_EQ(0x55, small[5]);
   EXPECT_EQ(4u, bounded.GetBytesWritten());
-}
 
-TEST(EncodingTest, ScalarReads) {
   auto read = [](std::vector<char> bytes) {
     MemoryDeSerializer in = ReaderOf(bytes);
     bool v = true;
