@@ -39,14 +39,6 @@ std::set<std::string> FailedCases(const std::string& uri, int& passed, int& stat
   return failed;
 }
 
-sockaddr_in Loopback(int port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
 // One kind of answer corrupted: word `word` of every record of `msgtype`
 // from the server becomes `value`.
 struct Fault {
@@ -62,19 +54,18 @@ struct Fault {
 class FaultyProxy {
  public:
   FaultyProxy(const Fault& fault, int serverPort) : _fault(fault), _server(serverPort) {
-    _listen = socket(AF_INET, fault.udp ? SOCK_DGRAM : SOCK_STREAM, 0);
-    sockaddr_in address = Loopback(0);
-    socklen_t length = sizeof address;
-    bind(_listen, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    _listen = Loopback(0);
     if (!fault.udp) listen(_listen, 16);
-    getsockname(_listen, reinterpret_cast<sockaddr*>(&address), &length);
-    port = ntohs(address.sin_port);
+    sockaddr_in bound{};
+    socklen_t length = sizeof bound;
+    getsockname(_listen, reinterpret_cast<sockaddr*>(&bound), &length);
+    port = ntohs(bound.sin_port);
     _thread = std::thread([this] { Run(); });
   }
   ~FaultyProxy() {
     _stop = true;
     _thread.join();
-    for (auto& pair : _pairs) close(pair.first), close(pair.second.upstream);
+    for (auto& [key, pair] : _pairs) close(pair.upstream), _fault.udp || close(key);
     close(_listen);
   }
   int port = 0;
@@ -86,10 +77,13 @@ class FaultyProxy {
     std::vector<char> fromServer;  // stream bytes not yet a whole record
   };
 
-  int Upstream() {
+  // A socket of the fault's transport on 127.0.0.1: bound to a port of the
+  // system's choice (0), or connected to `to`.
+  int Loopback(int to) {
     int fd = socket(AF_INET, _fault.udp ? SOCK_DGRAM : SOCK_STREAM, 0);
-    sockaddr_in address = Loopback(_server);
-    connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    sockaddr_in address{AF_INET, htons(static_cast<uint16_t>(to)), {htonl(INADDR_LOOPBACK)}, {}};
+    auto* at = reinterpret_cast<sockaddr*>(&address);
+    to == 0 ? bind(fd, at, sizeof address) : connect(fd, at, sizeof address);
     return fd;
   }
   void Corrupt(char* record, size_t size) {
@@ -128,7 +122,7 @@ class FaultyProxy {
         if (ready.revents == 0) continue;
         if (ready.fd == _listen && !_fault.udp) {
           int client = accept(_listen, nullptr, nullptr);
-          _pairs[client] = Pair{Upstream(), {}, {}};
+          _pairs[client] = Pair{Loopback(_server), {}, {}};
           continue;
         }
         if (ready.fd == _listen) {  // a datagram from a client
@@ -137,7 +131,7 @@ class FaultyProxy {
           ssize_t n = recvfrom(_listen, buffer.data(), buffer.size(), 0,
                                reinterpret_cast<sockaddr*>(&from), &length);
           int key = ntohs(from.sin_port);
-          if (_pairs.count(key) == 0) _pairs[key] = Pair{Upstream(), from, {}};
+          if (_pairs.count(key) == 0) _pairs[key] = Pair{Loopback(_server), from, {}};
           if (n >= 0) send(_pairs[key].upstream, buffer.data(), static_cast<size_t>(n), 0);
           continue;
         }
