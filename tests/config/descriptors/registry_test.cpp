@@ -24,7 +24,33 @@ bool Contains(const std::vector<T>& items, const T& item) {
   return std::find(items.begin(), items.end(), item) != items.end();
 }
 
-TEST(DescriptorRegistryTest, LooksUpByIdAndExactNameAndIsBuiltOnce) {
+class DestructionFlag : public IntegerDescriptor {
+ public:
+  explicit DestructionFlag(bool* destroyed) : destroyed_(destroyed) { SetParamID(0xFEED0002); }
+  ~DestructionFlag() override { *destroyed_ = true; }
+
+ private:
+  bool* destroyed_;
+};
+
+TEST(DescriptorRegistryTest, AddDescriptorReplacesLooksUpByIdAndExactNameAndIsBuiltOnce) {
+  bool first_destroyed = false;
+  bool second_destroyed = false;
+  ParamDescriptor* first = new DestructionFlag(&first_destroyed);
+  ParamDescriptor* second = new DestructionFlag(&second_destroyed);
+  AddDescriptor(first);
+  AddDescriptor(first);
+  EXPECT_FALSE(first_destroyed) << "re-adding the same descriptor must keep it";
+  AddDescriptor(second);
+  EXPECT_TRUE(first_destroyed);
+  EXPECT_EQ(GetDescriptor(0xFEED0002u), second);
+  AddDescriptor(nullptr);
+  EXPECT_EQ(GetDescriptor(0xFEED0002u), second);
+
+  // Leave a descriptor that outlives the flags on this test's stack.
+  AddDescriptor(MakeDescriptor(0xFEED0002, "eParamID_RegistryReplaced"));
+  EXPECT_TRUE(second_destroyed);
+
   ParamDescriptor* d = MakeDescriptor(0xFEED0001, "eParamID_RegistryLookup");
   AddDescriptor(d);
   EXPECT_EQ(GetDescriptor(0xFEED0001u), d);
@@ -43,34 +69,6 @@ TEST(DescriptorRegistryTest, LooksUpByIdAndExactNameAndIsBuiltOnce) {
   const std::unordered_map<unsigned int, ParamDescriptor*> built = g_paramDescriptors;
   CreateDescriptors();
   EXPECT_EQ(g_paramDescriptors, built) << "a second build must neither add nor replace";
-}
-
-class DestructionFlag : public IntegerDescriptor {
- public:
-  explicit DestructionFlag(bool* destroyed) : destroyed_(destroyed) { SetParamID(0xFEED0002); }
-  ~DestructionFlag() override { *destroyed_ = true; }
-
- private:
-  bool* destroyed_;
-};
-
-TEST(DescriptorRegistryTest, AddDescriptorReplacesAndDestroysTheOldOne) {
-  bool first_destroyed = false;
-  bool second_destroyed = false;
-  ParamDescriptor* first = new DestructionFlag(&first_destroyed);
-  ParamDescriptor* second = new DestructionFlag(&second_destroyed);
-  AddDescriptor(first);
-  AddDescriptor(first);
-  EXPECT_FALSE(first_destroyed) << "re-adding the same descriptor must keep it";
-  AddDescriptor(second);
-  EXPECT_TRUE(first_destroyed);
-  EXPECT_EQ(GetDescriptor(0xFEED0002u), second);
-  AddDescriptor(nullptr);
-  EXPECT_EQ(GetDescriptor(0xFEED0002u), second);
-
-  // Leave a descriptor that outlives the flags on this test's stack.
-  AddDescriptor(MakeDescriptor(0xFEED0002, "eParamID_RegistryReplaced"));
-  EXPECT_TRUE(second_destroyed);
 }
 
 }  // namespace

@@ -235,7 +235,7 @@ TEST_F(RegisterHandlerTest, HandOverChecksTheWholeImage) {
   EXPECT_FALSE(presets.Get(7, values));
 }
 
-TEST_F(RegisterHandlerTest, FactoryResetKeepsIdentityAndHardResetClearsAll) {
+TEST_F(RegisterHandlerTest, FactoryResetKeepsIdentityHardResetClearsAllAndTextsKeepTheirLimits) {
   store.Set(range, Range()->GetMinValue() + 1);
   store.Set(kFrontPanelLock, 1);
   store.Set(kSystemName, std::string("rack-7"));
@@ -254,9 +254,7 @@ TEST_F(RegisterHandlerTest, FactoryResetKeepsIdentityAndHardResetClearsAll) {
   EXPECT_EQ(0u, store.Get(kFrontPanelLock));
   EXPECT_FALSE(presets.Get(3, name));
   EXPECT_EQ(0u, PresetStore(FileSystem::Default(), folder.path).Load());
-}
 
-TEST_F(RegisterHandlerTest, OwnerRefusesTextsOutsideTheirLimits) {
   store.AddUpdatePrecondition(new StringLengthPrecondition());
   std::string err = Stderr([&] { EXPECT_FALSE(store.Set(kSystemName, std::string(3000, 'x'))); });
   EXPECT_TRUE(Has(err,
