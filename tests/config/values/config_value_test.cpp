@@ -90,32 +90,27 @@ TEST(ConfigValueTest, CopyTakesStoreAndValueOnlyAndACloneIsClean) {
 }
 
 TEST(ConfigValueTest, ResetToFactoryUsesDescriptor) {
-  test_catalogue::Integer(0xFEEDA001, "eParamID_ValueTestNumber", 0, 100, 77);
-  StringDescriptor* text = new StringDescriptor();
-  text->SetParamID(0xFEEDA002);
-  text->SetParamIDName("eParamID_ValueTestText");
-  text->SetFactoryDefault("factory");
-  AddDescriptor(text);
-
-  IntegerValue a(eConfigID_Default, 0xFEEDA001, eCParam_IntegerValue, 1);
+  using namespace test_catalogue;
+  Register();
+  IntegerValue a(eConfigID_Default, kPercent, eCParam_IntegerValue, 1);
   a.ResetToFactory();
   unsigned int v;
   a.Get(v);
-  EXPECT_EQ(77u, v);
+  EXPECT_EQ(50u, v);
   EXPECT_TRUE(a.IsDirty());
 
-  StringValue b(eConfigID_Default, 0xFEEDA002, eCParam_StringValue, "user");
+  StringValue b(eConfigID_Default, kName, eCParam_StringValue, "user");
   b.ResetToFactory();
   std::string s;
   b.Get(s);
-  EXPECT_EQ("factory", s);
+  EXPECT_EQ("unit", s);
 
   // No descriptor, or one of the other class: nothing changes.
-  IntegerValue orphan(eConfigID_Default, 0xFEEDA0FF, eCParam_IntegerValue, 3);
+  IntegerValue orphan(eConfigID_Default, kUnknown, eCParam_IntegerValue, 3);
   orphan.ResetToFactory();
   orphan.Get(v);
   EXPECT_EQ(3u, v);
-  IntegerValue mismatched(eConfigID_Default, 0xFEEDA002, eCParam_IntegerValue, 4);
+  IntegerValue mismatched(eConfigID_Default, kName, eCParam_IntegerValue, 4);
   mismatched.ResetToFactory();
   mismatched.Get(v);
   EXPECT_EQ(4u, v);
