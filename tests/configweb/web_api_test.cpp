@@ -42,43 +42,6 @@ int CutConnectionsTo(int port) {
 
 }  // namespace
 
-TEST_F(WebTest, GroupsListTheMenusInMenuOrderWithoutHiddenParameters) {
-  HttpReply groups = Get("/api/groups");
-  ASSERT_EQ(200, groups.status) << groups.body;
-  std::map<int, std::string> names;
-  for (const auto& group : groups.json) {
-    names[group.second.get<int>("group")] = group.second.get<std::string>("name");
-    EXPECT_GT(group.second.get<int>("count"), 0) << group.second.get<std::string>("name");
-  }
-  EXPECT_EQ("System", names[2]);
-  EXPECT_EQ("Debug", names[11]) << "the one group the button list does not name";
-
-  for (int group : {2, 4}) {
-    HttpReply one = Get("/api/groups/" + std::to_string(group));
-    ASSERT_EQ(200, one.status) << one.body;
-    unsigned int previous = 0;
-    size_t count = 0;
-    for (const auto& param : one.json.get_child("params")) {
-      unsigned int id = param.second.get<unsigned int>("id");
-      ParamDescriptor* descriptor = GetDescriptor(id);
-      ASSERT_NE(nullptr, descriptor) << id;
-      std::string name = descriptor->GetParamIDName();
-      EXPECT_FALSE(descriptor->HasClassName("panel_hidden") ||
-                   descriptor->HasClassName("hidden_param") ||
-                   descriptor->HasClassName("rest_hidden"))
-          << name;
-      EXPECT_TRUE(previous == 0 || MenuNumberCompare(previous, id)) << name << " out of order";
-      EXPECT_TRUE(param.second.get_child_optional("current.value")) << name << " has no value";
-      previous = id;
-      ++count;
-    }
-    EXPECT_GT(count, 10u) << "group " << group;
-  }
-  EXPECT_FALSE(Has(Get("/api/groups/4").body, "\"Factory Preset\"")) << "a hidden preset shown";
-  for (const char* bad : {"0", "12", "x", "2x"})
-    EXPECT_EQ(404, Get(std::string("/api/groups/") + bad).status) << bad;
-}
-
 TEST_F(WebTest, GetAndSetGoThroughTheStoreSayWhatItKeptAndRefuseBeforeStoring) {
   // A name in any form configctl takes; here one %-escaped.
   EXPECT_EQ("200 Unlocked", Get("/api/params/eParamID%5FFrontPanelLock").With("value_name"));
@@ -367,7 +330,7 @@ TEST_F(WebTest, PresetsAreSavedAndRecalledThroughTheRegisters) {
 // A generic parameter stands for the specific one its selector picks: the
 // group says which, a set lands there, and a change of that specific one
 // reaches the stream as a change of the generic.
-TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
+TEST_F(WebTest, GroupsListTheMenusInOrderWithoutHiddenParametersAndGenericsGoThroughTheMapper) {
   auto mapsTo = [this] {
     HttpReply group = Get("/api/groups/7");
     auto params = group.json.get_child_optional("params");
@@ -397,6 +360,41 @@ TEST_F(WebTest, GenericParametersGoThroughTheMapper) {
   EXPECT_TRUE(SetUntilHeard(stream, {"--raw", "Vid1YUVProcAmpGain_HDMI", ""},
                             "\"param\":\"eParamID_Vid1YUVProcAmpGain\""))
       << "the generic's change never arrived";
+
+  HttpReply groups = Get("/api/groups");
+  ASSERT_EQ(200, groups.status) << groups.body;
+  std::map<int, std::string> names;
+  for (const auto& group : groups.json) {
+    names[group.second.get<int>("group")] = group.second.get<std::string>("name");
+    EXPECT_GT(group.second.get<int>("count"), 0) << group.second.get<std::string>("name");
+  }
+  EXPECT_EQ("System", names[2]);
+  EXPECT_EQ("Debug", names[11]) << "the one group the button list does not name";
+
+  for (int group : {2, 4}) {
+    HttpReply one = Get("/api/groups/" + std::to_string(group));
+    ASSERT_EQ(200, one.status) << one.body;
+    unsigned int previous = 0;
+    size_t count = 0;
+    for (const auto& param : one.json.get_child("params")) {
+      unsigned int id = param.second.get<unsigned int>("id");
+      ParamDescriptor* descriptor = GetDescriptor(id);
+      ASSERT_NE(nullptr, descriptor) << id;
+      std::string name = descriptor->GetParamIDName();
+      EXPECT_FALSE(descriptor->HasClassName("panel_hidden") ||
+                   descriptor->HasClassName("hidden_param") ||
+                   descriptor->HasClassName("rest_hidden"))
+          << name;
+      EXPECT_TRUE(previous == 0 || MenuNumberCompare(previous, id)) << name << " out of order";
+      EXPECT_TRUE(param.second.get_child_optional("current.value")) << name << " has no value";
+      previous = id;
+      ++count;
+    }
+    EXPECT_GT(count, 10u) << "group " << group;
+  }
+  EXPECT_FALSE(Has(Get("/api/groups/4").body, "\"Factory Preset\"")) << "a hidden preset shown";
+  for (const char* bad : {"0", "12", "x", "2x"})
+    EXPECT_EQ(404, Get(std::string("/api/groups/") + bad).status) << bad;
 }
 
 // A value read from configd before a change of it arrived is not kept: the

@@ -219,7 +219,6 @@ TEST_F(ConfigctlDaemonTest, ConformanceFailsExactlyTheCasesAFaultyServerBreaks) 
        {"events.remove-reply", "events.after-remove"}},
       {false, XCFG_PARAM_CHANGED_EVENT, 2, 0, {"events.param-changed"}},
       {false, XCFG_DISCONNECT_RESPONSE, 2, 12345, {"disconnect.reply"}},
-      {true, XCFG_CONNECT_RESPONSE, 5, 2048, {"connect.reply", "connect.again"}},
       {true, XCFG_SET_PARAM_RESPONSE, 7, 0, {"set.refused"}},
       {true,
        XCFG_GET_PARAM_RESPONSE,

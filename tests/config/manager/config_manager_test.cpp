@@ -50,7 +50,7 @@ class ScriptedPrecondition : public zyn::config::UpdatePrecondition {
 
 // (That every parameter starts at its factory default is checked over the
 // unit's whole catalogue, as are the clamps and refusals at its ranges' ends.)
-TEST_F(ConfigManagerTest, ValuesStartCleanOnlyInStoreZero) {
+TEST_F(ConfigManagerTest, InitMakesCleanValuesInStoreZeroAndParametersMayComeAfterIt) {
   ConfigValue* value = dynamic_cast<ConfigValue*>(manager.GetSerializable(kPercent));
   ASSERT_NE(nullptr, value);
   EXPECT_FALSE(value->IsDirty()) << "store 0 values start clean";
@@ -61,6 +61,36 @@ TEST_F(ConfigManagerTest, ValuesStartCleanOnlyInStoreZero) {
   ASSERT_NE(nullptr, value);
   EXPECT_EQ(2, value->GetConfigID());
   EXPECT_TRUE(value->IsDirty()) << "moving a value to another store marks it";
+
+  // Not part of the shared catalogue: registered here, after the store was
+  // made, under IDs no other test uses.
+  constexpr unsigned int kLateNumber = 0xFEEDC0A1, kLateText = 0xFEEDC0A2;
+  static bool registered = false;
+  if (!registered) {
+    registered = true;
+    Integer(kLateNumber, "eParamID_TestLateNumber", 0, 10, 3);
+    StringDescriptor* text = new StringDescriptor();
+    text->SetParamID(kLateText);
+    text->SetParamIDName("eParamID_TestLateText");
+    text->SetParamType(eCParam_StringValue);
+    text->SetFactoryDefault("late");
+    AddDescriptor(text);
+  }
+  // As before: an integer write does not create its value, a string one does.
+  Stderr([&] { EXPECT_FALSE(manager.Set(kLateNumber, 4)); });
+  EXPECT_EQ(0u, manager.Get(kLateNumber));
+  EXPECT_TRUE(manager.Set(kLateText, std::string("x")));
+  Serializable* made = nullptr;
+  ASSERT_TRUE(manager.GetConfigValue(kLateNumber, made));
+  EXPECT_EQ(3u, manager.Get(kLateNumber));
+  EXPECT_TRUE(manager.Set(kLateNumber, 40));
+  EXPECT_EQ(10u, manager.Get(kLateNumber)) << "clamped like any parameter";
+  std::string text;
+  EXPECT_TRUE(manager.Get(kLateText, text));
+  EXPECT_EQ("x", text);
+  EXPECT_EQ(made, manager.GetSerializable(kLateNumber));
+  EXPECT_TRUE(manager.Set(kPercent, 42));
+  EXPECT_EQ(42u, manager.Get(kPercent)) << "older parameters keep their values";
 }
 
 TEST_F(ConfigManagerTest, WrappedRangesAndDependentMinimums) {
@@ -253,38 +283,6 @@ TEST_F(ConfigManagerTest, WhoChecksAnUpdate) {
   delete refuseAll;
 }
 
-TEST_F(ConfigManagerTest, ParametersRegisteredAfterInit) {
-  // Not part of the shared catalogue: registered here, after the store was
-  // made, under IDs no other test uses.
-  constexpr unsigned int kLateNumber = 0xFEEDC0A1, kLateText = 0xFEEDC0A2;
-  static bool registered = false;
-  if (!registered) {
-    registered = true;
-    Integer(kLateNumber, "eParamID_TestLateNumber", 0, 10, 3);
-    StringDescriptor* text = new StringDescriptor();
-    text->SetParamID(kLateText);
-    text->SetParamIDName("eParamID_TestLateText");
-    text->SetParamType(eCParam_StringValue);
-    text->SetFactoryDefault("late");
-    AddDescriptor(text);
-  }
-  // As before: an integer write does not create its value, a string one does.
-  Stderr([&] { EXPECT_FALSE(manager.Set(kLateNumber, 4)); });
-  EXPECT_EQ(0u, manager.Get(kLateNumber));
-  EXPECT_TRUE(manager.Set(kLateText, std::string("x")));
-  Serializable* made = nullptr;
-  ASSERT_TRUE(manager.GetConfigValue(kLateNumber, made));
-  EXPECT_EQ(3u, manager.Get(kLateNumber));
-  EXPECT_TRUE(manager.Set(kLateNumber, 40));
-  EXPECT_EQ(10u, manager.Get(kLateNumber)) << "clamped like any parameter";
-  std::string text;
-  EXPECT_TRUE(manager.Get(kLateText, text));
-  EXPECT_EQ("x", text);
-  EXPECT_EQ(made, manager.GetSerializable(kLateNumber));
-  EXPECT_TRUE(manager.Set(kPercent, 42));
-  EXPECT_EQ(42u, manager.Get(kPercent)) << "older parameters keep their values";
-}
-
 TEST_F(ConfigManagerTest, NestedSetsFromAPrecondition) {
   // A precondition that writes to another store: each Set on the thread has
   // a queue of its own.
@@ -307,4 +305,3 @@ TEST_F(ConfigManagerTest, NestedSetsFromAPrecondition) {
   EXPECT_EQ(30u, other.Get(kPercent));
   EXPECT_EQ(60u, other.Get(kTenToHundred));
 }
-
