@@ -54,7 +54,7 @@ std::string Answers(const CProductID& p) {
   return answers;
 }
 
-TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraUnsetIsNoneAndAllAreCached) {
+TEST_F(ProductIDTest, ProductStringsMatchExactlyAreCachedAndReleaseComesFromTheVariableOrMarker) {
   const struct {
     const char* product;
     const char* answers;
@@ -91,9 +91,7 @@ TEST_F(ProductIDTest, ProductStringsMatchExactlySiblingsAreTundraUnsetIsNoneAndA
   EXPECT_STREQ(product.getProductID(), "KR21");
   CProductID::ForgetCachedAnswers();
   EXPECT_TRUE(product.isKR9());
-}
 
-TEST_F(ProductIDTest, ReleaseFromTheVariableOrFromThePolluxMarkerFile) {
   Start("KR-9", "1");
   EXPECT_TRUE(product.isRelease());
 

@@ -157,8 +157,16 @@ TEST_F(NetworkTCPServerTest, BadRecordEndsOnlyThatConnectionAndSetsCheckTheValue
       err);
 }
 
-TEST_F(NetworkTCPServerTest, ReadingListenerKeepsUpWithAPipeliningWriter) {
+TEST_F(NetworkTCPServerTest, ReadingListenerKeepsUpWithAPipeliningWriterAndStopEndsBlockedAccept) {
   CheckReaderKeepsUpWithPipelinedSets(server.port, &NetworkTCPConnection::LiveCount);
+
+  RawPeer peer(server.port);
+  ASSERT_EQ(0u, peer.Connect(kClient));
+  VerboseDiagnostics verbose;
+  std::string err = Stderr([&] { server.Stop(); });
+  EXPECT_TRUE(Has(err, "NetworkServer::Run - exiting\n"));
+  EXPECT_EQ(0, NetworkTCPConnection::LiveCount());
+  EXPECT_TRUE(peer.ClosedByPeer()) << "StopAll left a client connected";
 }
 
 TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeOut) {
@@ -171,18 +179,8 @@ TEST(NetworkTCPServerLimitsTest, PeersStalledMidRecordAreClosedAfterTheReadTimeO
                               "incomplete after the read time-out of 300 ms, connection closed");
 }
 
-TEST_F(NetworkTCPServerTest, StopEndsBlockedAccept) {
-  RawPeer peer(server.port);
-  ASSERT_EQ(0u, peer.Connect(kClient));
-  VerboseDiagnostics verbose;
-  std::string err = Stderr([&] { server.Stop(); });
-  EXPECT_TRUE(Has(err, "NetworkServer::Run - exiting\n"));
-  EXPECT_EQ(0, NetworkTCPConnection::LiveCount());
-  EXPECT_TRUE(peer.ClosedByPeer()) << "StopAll left a client connected";
-}
-
 // Data travels as a string value; its event carries the request's header.
-TEST_F(NetworkUDPServerTest, DataSetIsMulticastAndReadBack) {
+TEST_F(NetworkUDPServerTest, DataSetIsMulticastAndReadBackAndStopEndsBlockedReceive) {
   std::vector<char> payload, text = StringPayload(kName, "blob");
   peer.Send(udp.port, Request(XCFG_SET_DATA_REQUEST, 5, kName, 0, text.size()), text);
   EXPECT_EQ((Words{146, kClient, 5, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
@@ -191,6 +189,14 @@ TEST_F(NetworkUDPServerTest, DataSetIsMulticastAndReadBack) {
   EXPECT_EQ((Words{257, kClient, 6, 0, 0, 4096, kName, 0, 0, uint32_t(text.size()), 3072}),
             peer.ReceiveWords<XCONFIGMGR_RESPONSE_T>(&payload));
   EXPECT_EQ(text, payload);
+
+  ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
+  VerboseDiagnostics verbose;
+  std::string err = Stderr([&] { udp.Stop(); });
+  EXPECT_TRUE(Has(err,
+                  "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
+                  "NetworkServer::Run - exiting\n"))
+      << err;
 }
 
 TEST_F(NetworkUDPServerTest, SetAnsweredThenMulticastWithDependants) {
@@ -332,14 +338,4 @@ TEST(NetworkUDPStoreTest, IdleStoresAreGivenBackUnlessHeldElsewhere) {
   });
   EXPECT_TRUE(Has(err, "store limit of")) << "the limit never bound:\n" << err;
   EXPECT_TRUE(Has(err, "idle stores released")) << err;
-}
-
-TEST_F(NetworkUDPServerTest, StopEndsBlockedReceive) {
-  ASSERT_TRUE(SomeThreadBlockedIn(SYS_recvfrom)) << "the server never waited for a datagram";
-  VerboseDiagnostics verbose;
-  std::string err = Stderr([&] { udp.Stop(); });
-  EXPECT_TRUE(Has(err,
-                  "NetworkServer::WaitForDatagram - recvfrom shutting down normally\n"
-                  "NetworkServer::Run - exiting\n"))
-      << err;
 }

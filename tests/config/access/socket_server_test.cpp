@@ -63,7 +63,7 @@ class SocketServerTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(SocketServerTest, StringRequestsAreTakenByTheValuesClass) {
+TEST_F(SocketServerTest, StringRequestsAreTakenByTheValuesClassAndTracedWhenWatched) {
   RawPeer peer(server.port);
   ASSERT_EQ(0u, peer.Connect(kConnection));
   // A string for an integer parameter is refused with error 15.
@@ -83,6 +83,32 @@ TEST_F(SocketServerTest, StringRequestsAreTakenByTheValuesClass) {
   peer.SendBytes(set.data(), set.size());
   EXPECT_TRUE(peer.Read(1, 200).empty());
   EXPECT_EQ(33u, server.store->Get(kPercent));
+
+  // Both stream servers trace a string set once, with its payload, and trace a
+  // listener request for one parameter only when that parameter is watched.
+  TempFolder folder;
+  std::ofstream(folder.path + "/" + program_invocation_short_name + ".log")
+      << "watch eParamID_TestName\n";
+  std::unique_ptr<Logger> logger = Logger::Create(folder.path);
+  NetworkLoopbackServer tcp(SOCK_STREAM, 0);
+  Logger::Install(logger.get());
+  for (int port : {server.port, tcp.port}) {
+    StringValue text(eConfigID_Default, kName, eCParam_StringValue, "traced");
+    std::vector<char> payload = EncodePayload(&text);
+    std::string err = Stderr([&] {
+      RawPeer traced(port);
+      traced.Connect(kConnection);
+      traced.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 2, kName, 0, payload.size()));
+      traced.SendBytes(payload.data(), payload.size());
+      traced.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
+      traced.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
+      traced.Sync();
+    });
+    EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
+    EXPECT_TRUE(Has(err, " [2] {0x")) << "traced with its payload";
+    EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
+  }
+  Logger::Install(nullptr);  // the servers' threads have ended their traces
 }
 
 TEST_F(SocketServerTest, StreamLengthBounds) {
@@ -293,32 +319,4 @@ TEST(SocketServerLimitsTest, ConnectionLimitAndListeningAddress) {
       << err;
   EXPECT_LE(Count(err, "connection limit"), static_cast<size_t>(refusalsEnd - refusalsBegin) + 1)
       << "ten refusals are one line a second at most";
-}
-
-// Both stream servers trace a string set once, with its payload, and trace a
-// listener request for one parameter only when that parameter is watched.
-TEST_F(SocketServerTest, TracesFollowTheWatchList) {
-  TempFolder folder;
-  std::ofstream(folder.path + "/" + program_invocation_short_name + ".log")
-      << "watch eParamID_TestName\n";
-  std::unique_ptr<Logger> logger = Logger::Create(folder.path);
-  NetworkLoopbackServer tcp(SOCK_STREAM, 0);
-  Logger::Install(logger.get());
-  for (int port : {server.port, tcp.port}) {
-    StringValue text(eConfigID_Default, kName, eCParam_StringValue, "traced");
-    std::vector<char> payload = EncodePayload(&text);
-    std::string err = Stderr([&] {
-      RawPeer peer(port);
-      peer.Connect(kConnection);
-      peer.Send(Request(XCFG_SET_STREAM_PARAM_REQUEST, 2, kName, 0, payload.size()));
-      peer.SendBytes(payload.data(), payload.size());
-      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kPercent));
-      peer.Send(Listener(XCFG_ADD_CONFIG_EVENT_LISTENER_REQUEST, kName));
-      peer.Sync();
-    });
-    EXPECT_EQ(1u, Count(err, "(->) Set String Request")) << port << ":\n" << err;
-    EXPECT_TRUE(Has(err, " [2] {0x")) << "traced with its payload";
-    EXPECT_EQ(1u, Count(err, "(->) Add Listener Request")) << "only the watched parameter's";
-  }
-  Logger::Install(nullptr);  // the servers' threads have ended their traces
 }

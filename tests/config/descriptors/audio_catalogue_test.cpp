@@ -23,7 +23,7 @@ struct Sample {
   const char* units;
 };
 
-TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatternsAndTheDolbyFramerDisablesItsPairs) {
+TEST(AudioCatalogueTest, GeneratedFamiliesNamesDolbyRelationsMixDownReportsAndOutputDefaults) {
   // clang-format off
   const Sample samples[] = {
       {"eParamID_AudioLevelCh3_SDI1", "SDI1 Level Ch 3", "Lvl ch3", "9:15.3", "dB"},
@@ -74,9 +74,7 @@ TEST(AudioCatalogueTest, GeneratedNamesFollowTheirPatternsAndTheDolbyFramerDisab
   for (const char* state :
        {"3 Framing Ch 1/2", "6 Framing Ch 7/8", "11 Locking Ch 1/2", "14 Locking Ch 7/8"})
     EXPECT_TRUE(Has(states, state)) << states;
-}
 
-TEST(AudioCatalogueTest, MixDownReportsAMissingIDAndOutputMapMembersTakeTheGlobalDefault) {
   std::map<unsigned int, std::string> made;
   const std::string report = Stderr([&] {
     made = BuildAlone([] {
