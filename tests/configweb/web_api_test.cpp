@@ -133,7 +133,7 @@ TEST_F(WebTest, BadRequestsGetClearErrorsAndTheServerKeepsServing) {
       << "the server stopped serving";
 }
 
-TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
+TEST_F(WebTest, TheEventStreamCarriesChangesAndACutLinkIsMadeAgainWithAResyncFrame) {
   EventStream stream;
   ASSERT_TRUE(OpenStream(stream));
   std::string data;
@@ -152,6 +152,17 @@ TEST_F(WebTest, TheEventStreamCarriesChangesMadeByOtherClients) {
   EXPECT_EQ(200, Put("/api/params/FrontPanelLock", "{\"value\":1}").status);
   EXPECT_TRUE(stream.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "first stream";
   EXPECT_TRUE(second.WaitFor("\"value_name\":\"Locked\"", kEventMs, &data)) << "second stream";
+
+  // A link to a running configd that is cut is made again with a resync frame.
+  ASSERT_EQ(200, Put("/api/params/SystemName", "{\"value\":\"before-cut\"}").status);
+  ASSERT_TRUE(stream.WaitFor("before-cut", kEventMs));
+  ASSERT_GT(CutConnectionsTo(daemon.port), 0);
+  ASSERT_TRUE(stream.WaitFor("\"values\":", kEventMs, &data)) << "no resync frame";
+  EXPECT_TRUE(Has(data, "\"connected\":true")) << data;
+  EXPECT_TRUE(Has(data, "\"value\":\"before-cut\"")) << "values the page was sent: " << data;
+  EXPECT_TRUE(SetUntilHeard(stream, {"SystemName", "after-cut-"}, "after-cut-"))
+      << "changes after the cut did not arrive";
+  EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
 }
 
 TEST_F(WebTest, ALostDaemonIsShownAndTheLinkComesBackWithIt) {
@@ -207,21 +218,6 @@ TEST_F(WebTest, StreamsKeepUpWithAPipeliningWriterAndAtTheirLimitDoNotKeepReques
   EXPECT_EQ(200, Request(limited.GetPort(), "GET", "/api/params/SystemName").status);
   EXPECT_EQ(503, Request(limited.GetPort(), "GET", "/api/events").status);
   limited.Stop();
-}
-
-TEST_F(WebTest, ACutLinkToARunningConfigdIsMadeAgainWithAResyncFrame) {
-  EventStream stream;
-  ASSERT_TRUE(OpenStream(stream));
-  ASSERT_EQ(200, Put("/api/params/SystemName", "{\"value\":\"before-cut\"}").status);
-  ASSERT_TRUE(stream.WaitFor("before-cut", kEventMs));
-  ASSERT_GT(CutConnectionsTo(daemon.port), 0);
-  std::string data;
-  ASSERT_TRUE(stream.WaitFor("\"values\":", kEventMs, &data)) << "no resync frame";
-  EXPECT_TRUE(Has(data, "\"connected\":true")) << data;
-  EXPECT_TRUE(Has(data, "\"value\":\"before-cut\"")) << "values the page was sent: " << data;
-  EXPECT_TRUE(SetUntilHeard(stream, {"SystemName", "after-cut-"}, "after-cut-"))
-      << "changes after the cut did not arrive";
-  EXPECT_EQ(0, stream.lostFrames) << "configd was up all along";
 }
 
 TEST(EventHubTest, ASubscriberFallenBehindIsResynchronisedAndDirectWritesKeepTheBytesInOrder) {

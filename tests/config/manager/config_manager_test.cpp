@@ -182,7 +182,7 @@ TEST_F(ConfigManagerTest, PreconditionsAddOrDropUpdatesAndFailureKeepsEarlierRou
   EXPECT_EQ(heard, listener.Rendered());
 }
 
-TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
+TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThreadAndWhoChecksAnUpdate) {
   RecordingListener filtered, twice;
   manager.AddConfigEventListener(kPercent, &filtered);  // the ID is not a filter
   manager.AddConfigEventListener(&twice);
@@ -206,6 +206,35 @@ TEST_F(ConfigManagerTest, ListenersSeeEveryParameterOnTheWritersThread) {
   manager.Set(kTenToHundred, 30);
   EXPECT_EQ(2u, filtered.Events().size());
   EXPECT_EQ(0, manager.GetLastConfigUpdate().tv_sec);
+
+  // A subclass of the default precondition keeps its overrides.
+  class LenientEnums : public zyn::config::UpdatePreconditionValues {
+   public:
+    bool IsValidEnum(EnumDescriptor*, unsigned int&) override { return true; }
+  };
+  manager.DeleteAllUpdatePreconditions();
+  manager.AddUpdatePrecondition(new LenientEnums());
+  EXPECT_TRUE(manager.Set(kMode, 7));
+  EXPECT_EQ(7u, manager.Get(kMode));
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(100u, manager.Get(kPercent)) << "the inherited range check still applies";
+  // No precondition at all: nothing is checked.
+  manager.DeleteAllUpdatePreconditions();
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(150u, manager.Get(kPercent));
+  // The default one back: refuses and clamps again.
+  manager.AddDefaultPreconditions();
+  Stderr([&] { EXPECT_FALSE(manager.Set(kMode, 3)); });
+  EXPECT_TRUE(manager.Set(kPercent, 150));
+  EXPECT_EQ(100u, manager.Get(kPercent));
+  // A removed precondition is handed back to its caller and no longer asked.
+  auto* refuseAll = new ScriptedPrecondition([](zyn::config::IntegerUpdates&) { return false; });
+  manager.AddUpdatePrecondition(refuseAll);
+  Stderr([&] { EXPECT_FALSE(manager.Set(kPercent, 1)); });
+  EXPECT_TRUE(manager.RemoveUpdatePrecondition(refuseAll));
+  EXPECT_FALSE(manager.RemoveUpdatePrecondition(refuseAll));
+  EXPECT_TRUE(manager.Set(kPercent, 1));
+  delete refuseAll;
 }
 
 TEST_F(ConfigManagerTest, ConcurrentWritersAndReadersAndTheLastEventCarriesTheValue) {
@@ -250,37 +279,6 @@ TEST_F(ConfigManagerTest, ConcurrentWritersAndReadersAndTheLastEventCarriesTheVa
     ASSERT_EQ(before + 400, events.size());
     ASSERT_EQ(manager.Get(kPercent), events.back().value) << "round " << round;
   }
-}
-
-TEST_F(ConfigManagerTest, WhoChecksAnUpdate) {
-  // A subclass of the default precondition keeps its overrides.
-  class LenientEnums : public zyn::config::UpdatePreconditionValues {
-   public:
-    bool IsValidEnum(EnumDescriptor*, unsigned int&) override { return true; }
-  };
-  manager.DeleteAllUpdatePreconditions();
-  manager.AddUpdatePrecondition(new LenientEnums());
-  EXPECT_TRUE(manager.Set(kMode, 7));
-  EXPECT_EQ(7u, manager.Get(kMode));
-  EXPECT_TRUE(manager.Set(kPercent, 150));
-  EXPECT_EQ(100u, manager.Get(kPercent)) << "the inherited range check still applies";
-  // No precondition at all: nothing is checked.
-  manager.DeleteAllUpdatePreconditions();
-  EXPECT_TRUE(manager.Set(kPercent, 150));
-  EXPECT_EQ(150u, manager.Get(kPercent));
-  // The default one back: refuses and clamps again.
-  manager.AddDefaultPreconditions();
-  Stderr([&] { EXPECT_FALSE(manager.Set(kMode, 3)); });
-  EXPECT_TRUE(manager.Set(kPercent, 150));
-  EXPECT_EQ(100u, manager.Get(kPercent));
-  // A removed precondition is handed back to its caller and no longer asked.
-  auto* refuseAll = new ScriptedPrecondition([](zyn::config::IntegerUpdates&) { return false; });
-  manager.AddUpdatePrecondition(refuseAll);
-  Stderr([&] { EXPECT_FALSE(manager.Set(kPercent, 1)); });
-  EXPECT_TRUE(manager.RemoveUpdatePrecondition(refuseAll));
-  EXPECT_FALSE(manager.RemoveUpdatePrecondition(refuseAll));
-  EXPECT_TRUE(manager.Set(kPercent, 1));
-  delete refuseAll;
 }
 
 TEST_F(ConfigManagerTest, NestedSetsFromAPrecondition) {

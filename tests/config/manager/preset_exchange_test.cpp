@@ -90,7 +90,7 @@ class PresetExchangeTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(PresetExchangeTest, LoadTakesTheOwnersFile) {
+TEST_F(PresetExchangeTest, LoadTakesTheOwnersFileAndFailsForAnEmptyOrUnansweredPreset) {
   bool loaded;
   std::string err;
   {
@@ -107,11 +107,8 @@ TEST_F(PresetExchangeTest, LoadTakesTheOwnersFile) {
   EXPECT_EQ(static_cast<unsigned int>(preset), store.Get(kRegisterLoadParamID));
   EXPECT_TRUE(Has(err, "normal return state = 2\n")) << err;
   EXPECT_TRUE(Has(err, "PresetsParamVector::Load - slurping " + path)) << err;
-}
 
-TEST_F(PresetExchangeTest, LoadOfAnEmptyPresetOrOfOneNeverAnsweredFails) {
   presets.SetData("old", 3);
-  std::string err;
   {
     Owner owner(store, kRegisterLoadResultParamID, kRegisterLoadParamID, Owner::kNothing,
                 kRegisterEmpty);
