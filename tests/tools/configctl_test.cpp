@@ -70,7 +70,7 @@ TEST_F(ConfigctlDaemonTest, GetAndSetTakeEveryFormOfNameAndValueAndPrintTextOrJs
       Summary(Ctl({"set", "--json", "SystemName", "tab\there"})));
 }
 
-TEST_F(ConfigctlDaemonTest, ScaledAndClampedValuesAreShownAndTakenInTheirUnits) {
+TEST_F(ConfigctlDaemonTest, ValuesAreTakenInTheirUnitsOrRefusedBeforeAnythingIsPrinted) {
   // A level: tenths of a dB held 600 above the shown value.
   const char* level = "AudioLevelCh10_SDI1";
   EXPECT_EQ("eParamID_AudioLevelCh10_SDI1 = 0.0 dB\n", Ctl({"get", level}).out);
@@ -114,9 +114,7 @@ TEST_F(ConfigctlDaemonTest, ScaledAndClampedValuesAreShownAndTakenInTheirUnits) 
       "\"display\":\"25 %\",\"units\":\"%\",\"requested\":10,\"result\":\"clamped\"}\n|",
       Summary(Ctl({"--json", "set", kClampedParam, "0x0A"})));
   EXPECT_EQ("eParamID_DisplayIntensity = 25 %\n", Ctl({"get", kClampedParam}).out);
-}
 
-TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPrinted) {
   struct Case {
     std::vector<std::string> args;
     std::string err;
@@ -155,40 +153,6 @@ TEST_F(ConfigctlDaemonTest, UnknownParametersAndValuesExitOneBeforeAnythingIsPri
             Ctl({"get", "FrontPanelLock", "SystemName"}).out);
 }
 
-TEST(ConfigctlTest, UsageErrorsExitTwoAndAnUnreachableDaemonOne) {
-  for (const char* line :
-       {"", "frobnicate", "get", "set FrontPanelLock", "set a b c", "describe", "describe a b",
-        "list extra", "watch --count 0", "watch --count", "list --group x", "get a --count 2",
-        "watch --group 1", "--json=yes list", "--bogus list", "--uri http://127.0.0.1:43110 list",
-        "get SystemName --force", "health extra"}) {
-    std::vector<std::string> argv = Words(line);
-    argv.insert(argv.begin(), CONFIGCTL_PATH);
-    Outcome outcome = RunToEnd(argv);
-    EXPECT_EQ(2, outcome.exitCode) << line;
-    EXPECT_EQ("", outcome.out) << line;
-    EXPECT_EQ(0u, outcome.err.find("configctl: ")) << outcome.err;
-  }
-  EXPECT_EQ(0u, Summary(RunToEnd({CONFIGCTL_PATH, "--help"})).find("0|Usage: configctl"));
-
-  // An unreachable configd is one line and status 1.
-  CreateDescriptors();
-  std::string uri = "socket://127.0.0.1:" + std::to_string(FreePort());
-  for (const std::vector<std::string>& args :
-       std::vector<std::vector<std::string>>{{"get", "FrontPanelLock"},
-                                             {"set", "SystemName", "x"},
-                                             {"watch", "--json"},
-                                             {"health"}}) {
-    EXPECT_EQ("1||configctl: cannot reach configd at " + uri + "\n",
-              Summary(RunToEnd(CtlArgs(uri, args))));
-  }
-  // --verbose lets the library's own diagnostics through as well.
-  Outcome verbose = RunToEnd(CtlArgs(uri, {"--verbose", "get", "FrontPanelLock"}));
-  EXPECT_EQ(1, verbose.exitCode);
-  EXPECT_LT(1u, Lines(verbose.err).size());
-  // describe and list need no daemon.
-  EXPECT_EQ(0, RunToEnd(CtlArgs(uri, {"describe", "SystemName"})).exitCode);
-}
-
 TEST_F(ConfigctlDaemonTest, WatchPrintsOneLinePerChangeUntilCountOrSignal) {
   ChildProcess counted;
   ASSERT_TRUE(counted.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock", "--count", "2"})));
@@ -220,7 +184,7 @@ TEST_F(ConfigctlDaemonTest, WatchPrintsOneLinePerChangeUntilCountOrSignal) {
   EXPECT_EQ(0, interrupted.exitCode) << interrupted.err;
 }
 
-TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
+TEST(ConfigctlTest, DescribeAndListReadTheCatalogueUsageErrorsExitTwoAndNoDaemonOne) {
   CreateDescriptors();
   std::string menu;
   ASSERT_TRUE(GetDescriptor(kFrontPanelLock)->GetAttribute("menu_number", menu));
@@ -258,6 +222,38 @@ TEST(ConfigctlTest, DescribeAndListReadTheCatalogue) {
     EXPECT_EQ(std::stoul(row.substr(row.find("0x"), 10), nullptr, 16), *id++) << row;
   }
   EXPECT_EQ(1, RunToEnd({CONFIGCTL_PATH, "list", "--group", "99999"}).exitCode);
+
+  for (const char* line :
+       {"", "frobnicate", "get", "set FrontPanelLock", "set a b c", "describe", "describe a b",
+        "list extra", "watch --count 0", "watch --count", "list --group x", "get a --count 2",
+        "watch --group 1", "--json=yes list", "--bogus list", "--uri http://127.0.0.1:43110 list",
+        "get SystemName --force", "health extra"}) {
+    std::vector<std::string> argv = Words(line);
+    argv.insert(argv.begin(), CONFIGCTL_PATH);
+    Outcome outcome = RunToEnd(argv);
+    EXPECT_EQ(2, outcome.exitCode) << line;
+    EXPECT_EQ("", outcome.out) << line;
+    EXPECT_EQ(0u, outcome.err.find("configctl: ")) << outcome.err;
+  }
+  EXPECT_EQ(0u, Summary(RunToEnd({CONFIGCTL_PATH, "--help"})).find("0|Usage: configctl"));
+
+  // An unreachable configd is one line and status 1.
+  CreateDescriptors();
+  std::string uri = "socket://127.0.0.1:" + std::to_string(FreePort());
+  for (const std::vector<std::string>& args :
+       std::vector<std::vector<std::string>>{{"get", "FrontPanelLock"},
+                                             {"set", "SystemName", "x"},
+                                             {"watch", "--json"},
+                                             {"health"}}) {
+    EXPECT_EQ("1||configctl: cannot reach configd at " + uri + "\n",
+              Summary(RunToEnd(CtlArgs(uri, args))));
+  }
+  // --verbose lets the library's own diagnostics through as well.
+  Outcome verbose = RunToEnd(CtlArgs(uri, {"--verbose", "get", "FrontPanelLock"}));
+  EXPECT_EQ(1, verbose.exitCode);
+  EXPECT_LT(1u, Lines(verbose.err).size());
+  // describe and list need no daemon.
+  EXPECT_EQ(0, RunToEnd(CtlArgs(uri, {"describe", "SystemName"})).exitCode);
 }
 
 TEST_F(ConfigctlDaemonTest, ValuesReadOnlyToUsersAreRefusedUnlessForcedAndHealthReadsOne) {

@@ -11,49 +11,7 @@
 
 using namespace tools_test;
 
-TEST(ConfigdTest, ServesUntilSigtermOrSigintThenExitsZeroWithClientsConnected) {
-  CreateDescriptors();
-  for (int signal : {SIGTERM, SIGINT}) {
-    SCOPED_TRACE(signal == SIGTERM ? "SIGTERM" : "SIGINT");
-    // SIGTERM's run is verbose; SIGINT's prints nothing on standard error.
-    const bool verbose = signal == SIGTERM;
-    Daemon daemon;
-    ASSERT_TRUE(
-        daemon.Start(verbose ? std::vector<std::string>{"--verbose"} : std::vector<std::string>{}));
-    EXPECT_EQ("configd: ready on port " + std::to_string(daemon.port), daemon.readyLine);
-    EXPECT_NE(0, daemon.tcpPort) << "a tcp ready line with its port";
-    EXPECT_NE(0, daemon.udpPort) << "a udp ready line with its port";
-    daemon.process->Signal(SIGHUP);  // a closed terminal does not stop the unit
-    // A watching client keeps two connections open through the stop.
-    ChildProcess watch;
-    ASSERT_TRUE(watch.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock"})));
-    std::string line;
-    ASSERT_TRUE(NextWatchLine(
-        watch,
-        [&] {
-          RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
-        },
-        line));
-
-    Outcome stopped = daemon.Stop(signal);
-    EXPECT_EQ(0u, Summary(stopped).find("0||")) << stopped.err;
-    if (!verbose) {
-      EXPECT_EQ("", stopped.err) << "nothing was wrong";
-    } else {
-      EXPECT_TRUE(Has(stopped.err, "configd: SIGHUP ignored\n")) << stopped.err;
-      EXPECT_TRUE(Has(stopped.err, "configd: stopped")) << stopped.err;
-      for (const char* alarming : {"failed", "rror", "Invalid argument"})
-        EXPECT_FALSE(Has(stopped.err.substr(stopped.err.find("received, stopping")), alarming))
-            << "a clean stop says nothing alarming: " << stopped.err;
-    }
-    // The watcher notices that the daemon has gone.
-    Outcome watched = watch.Wait(kStopMs);
-    EXPECT_EQ(1, watched.exitCode);
-    EXPECT_TRUE(Has(watched.err, "configctl: lost the connection to configd")) << watched.err;
-  }
-}
-
-TEST(ConfigdTest, CommandLineAndAPortInUseAreClearErrors) {
+TEST(ConfigdTest, ServesUntilSignalledAndSaysWhyItCannotStart) {
   Socket holder(Socket::kInternetDomain, Socket::kStream);
   ASSERT_TRUE(holder.create() && holder.bind(0) && holder.listen());
   std::string port = std::to_string(PortOf(holder));
@@ -95,6 +53,46 @@ TEST(ConfigdTest, CommandLineAndAPortInUseAreClearErrors) {
     args.insert(args.begin(), CONFIGD_PATH);
     outcome = RunToEnd(args);
     EXPECT_EQ(0u, Summary(outcome).find("2||configd: ")) << args.back() << ": " << outcome.err;
+  }
+
+  CreateDescriptors();
+  for (int signal : {SIGTERM, SIGINT}) {
+    SCOPED_TRACE(signal == SIGTERM ? "SIGTERM" : "SIGINT");
+    // SIGTERM's run is verbose; SIGINT's prints nothing on standard error.
+    const bool verbose = signal == SIGTERM;
+    Daemon daemon;
+    ASSERT_TRUE(
+        daemon.Start(verbose ? std::vector<std::string>{"--verbose"} : std::vector<std::string>{}));
+    EXPECT_EQ("configd: ready on port " + std::to_string(daemon.port), daemon.readyLine);
+    EXPECT_NE(0, daemon.tcpPort) << "a tcp ready line with its port";
+    EXPECT_NE(0, daemon.udpPort) << "a udp ready line with its port";
+    daemon.process->Signal(SIGHUP);  // a closed terminal does not stop the unit
+    // A watching client keeps two connections open through the stop.
+    ChildProcess watch;
+    ASSERT_TRUE(watch.Start(CtlArgs(daemon.Uri(), {"watch", "FrontPanelLock"})));
+    std::string line;
+    ASSERT_TRUE(NextWatchLine(
+        watch,
+        [&] {
+          RunToEnd(CtlArgs(daemon.Uri(), {"set", "FrontPanelLock", "1"}));
+        },
+        line));
+
+    Outcome stopped = daemon.Stop(signal);
+    EXPECT_EQ(0u, Summary(stopped).find("0||")) << stopped.err;
+    if (!verbose) {
+      EXPECT_EQ("", stopped.err) << "nothing was wrong";
+    } else {
+      EXPECT_TRUE(Has(stopped.err, "configd: SIGHUP ignored\n")) << stopped.err;
+      EXPECT_TRUE(Has(stopped.err, "configd: stopped")) << stopped.err;
+      for (const char* alarming : {"failed", "rror", "Invalid argument"})
+        EXPECT_FALSE(Has(stopped.err.substr(stopped.err.find("received, stopping")), alarming))
+            << "a clean stop says nothing alarming: " << stopped.err;
+    }
+    // The watcher notices that the daemon has gone.
+    Outcome watched = watch.Wait(kStopMs);
+    EXPECT_EQ(1, watched.exitCode);
+    EXPECT_TRUE(Has(watched.err, "configctl: lost the connection to configd")) << watched.err;
   }
 }
 

@@ -119,8 +119,8 @@ TEST_F(SocketClientTest, RequestsInOrderAndConnectMessages) {
 
   VerboseDiagnostics verbose;
   Config* plain = nullptr;
-  err = Stderr(
-      [&] { plain = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port)); });
+  err =
+      Stderr([&] { plain = factory.Connect("socket://127.0.0.1:" + std::to_string(server.port)); });
   ASSERT_NE(nullptr, plain);
   EXPECT_EQ(0, plain->GetConfigID());
   EXPECT_TRUE(Has(err,
@@ -193,38 +193,11 @@ TEST_F(SocketClientTest, GlobalAndFilteredListenersOnEventConnections) {
   factory.Disconnect(requests);
 }
 
-TEST_F(SocketClientTest, WaitForConfigEvent) {
-  SocketClient* events = Open();
-  SocketClient* requests = Open();
-  // The wait registers first; writes repeat until one is seen after it.
-  std::atomic<bool> seen{false};
-  std::thread writer([&] {
-    while (!seen) {
-      requests->Set(kPercent, 44);
-      usleep(5000);
-    }
-  });
-  ConfigEvent event;
-  EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
-  seen = true;
-  writer.join();
-  EXPECT_EQ(kPercent, event.paramID);
-  EXPECT_EQ(44u, event.intValue);
-  EXPECT_EQ(4u, event.paramType);
-  requests->Set(kName, std::string("W"));
-  for (int i = 0; i < 1000 && event.paramID != kName; ++i)
-    EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));  // skips the writer's late repeats
-  EXPECT_EQ(12u, event.paramType);
-  EXPECT_EQ("W", event.stringValue);
-  factory.Disconnect(events);
-  factory.Disconnect(requests);
-}
-
 // A client whose events ended has closed its socket; the descriptor number
 // may already be another connection's, which its Disconnect must not touch.
 // An event connection that the owner closes counts as losing events, so a
 // client that keeps copies knows to read again and reconnect.
-TEST_F(SocketClientTest, EndedEventConnections) {
+TEST_F(SocketClientTest, WaitForConfigEventAndEndedEventConnections) {
   SocketClient* writer = Open();
   WaitingListener gone;
   SocketClient* first = OpenListening(gone, writer);
@@ -245,6 +218,31 @@ TEST_F(SocketClientTest, EndedEventConnections) {
   EXPECT_EQ(0u, writer->LostEvents()) << "a request connection has no events to lose";
   delete second;
   delete writer;
+
+  SocketClient* events = Open();
+  SocketClient* requests = Open();
+  // The wait registers first; writes repeat until one is seen after it.
+  std::atomic<bool> seen{false};
+  std::thread repeater([&] {
+    while (!seen) {
+      requests->Set(kPercent, 44);
+      usleep(5000);
+    }
+  });
+  ConfigEvent event;
+  EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));
+  seen = true;
+  repeater.join();
+  EXPECT_EQ(kPercent, event.paramID);
+  EXPECT_EQ(44u, event.intValue);
+  EXPECT_EQ(4u, event.paramType);
+  requests->Set(kName, std::string("W"));
+  for (int i = 0; i < 1000 && event.paramID != kName; ++i)
+    EXPECT_TRUE(events->WaitForConfigEvent(event, 0, 0));  // skips the writer's late repeats
+  EXPECT_EQ(12u, event.paramType);
+  EXPECT_EQ("W", event.stringValue);
+  factory.Disconnect(events);
+  factory.Disconnect(requests);
 }
 
 // An owner that leaves a request unanswered (as a string Get of an unknown

@@ -33,16 +33,6 @@ struct StreamPair {
   }
 };
 
-TEST(SocketTest, SetNonBlockingHasInvertedSense) {
-  Socket socket(Socket::kInternetDomain, Socket::kStream);
-  EXPECT_EQ(-1, socket.set_non_blocking(false)) << "no descriptor: the failed fcntl's result";
-  ASSERT_TRUE(socket.create());
-  EXPECT_EQ(0, socket.set_non_blocking(false));
-  EXPECT_NE(0, fcntl(socket.get_fd(), F_GETFL) & O_NONBLOCK) << "false makes it non-blocking";
-  EXPECT_EQ(0, socket.set_non_blocking(true));
-  EXPECT_EQ(0, fcntl(socket.get_fd(), F_GETFL) & O_NONBLOCK) << "true makes it blocking";
-}
-
 TEST(SocketTest, RecvReturnsWhatArrivedBeforeThePeerClosedOrOneDatagram) {
   StreamPair pair, silent;
   ASSERT_TRUE(pair.Open() && silent.Open());
@@ -101,7 +91,7 @@ TEST(SocketTest, SendallDeliversEverythingAndASendTimeoutBoundsIt) {
   EXPECT_LT(length, static_cast<int>(data.size())) << "*len holds what was sent";
 }
 
-TEST(SocketTest, LocalBindReplacesAStaleFile) {
+TEST(SocketTest, LocalBindReplacesAStaleFileAndSetNonBlockingHasInvertedSense) {
   const int port = 30000 + static_cast<int>(getpid() % 30000);
   const std::string path = "/tmp/zyn_" + std::to_string(port);
   FILE* stale = fopen(path.c_str(), "w");
@@ -128,6 +118,14 @@ TEST(SocketTest, LocalBindReplacesAStaleFile) {
   char buffer[5];
   ASSERT_TRUE(client.send("local", 5));
   EXPECT_EQ(5, server.recv(buffer, 5));
+
+  Socket socket(Socket::kInternetDomain, Socket::kStream);
+  EXPECT_EQ(-1, socket.set_non_blocking(false)) << "no descriptor: the failed fcntl's result";
+  ASSERT_TRUE(socket.create());
+  EXPECT_EQ(0, socket.set_non_blocking(false));
+  EXPECT_NE(0, fcntl(socket.get_fd(), F_GETFL) & O_NONBLOCK) << "false makes it non-blocking";
+  EXPECT_EQ(0, socket.set_non_blocking(true));
+  EXPECT_EQ(0, fcntl(socket.get_fd(), F_GETFL) & O_NONBLOCK) << "true makes it blocking";
 }
 
 TEST(SocketTest, ReadSelectWaitsForData) {

@@ -21,7 +21,7 @@ class ClassFactoryTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(ClassFactoryTest, SharedScratchObjectsAndNewOnesOwnedByTheCaller) {
+TEST_F(ClassFactoryTest, WhatCreateHandsOutAndHandRegisteredFactories) {
   for (eClassID_t id :
        {eClassID_IntegerValue, eClassID_StringValue, eClassID_SectorHeader, eClassID_Checkpoint}) {
     Serializable* first = ClassFactory::Create(id);
@@ -55,11 +55,9 @@ TEST_F(ClassFactoryTest, SharedScratchObjectsAndNewOnesOwnedByTheCaller) {
   EXPECT_NE(nullptr, dynamic_cast<zyn::config::values::PresetsParamVector*>(presets));
   EXPECT_EQ(eClassID_Presets, presets->GetClassID());
   delete presets;
-}
 
-TEST_F(ClassFactoryTest, UnknownIdLeavesAnEmptyEntryThatRegisterFillsAndHandRegisteredFactories) {
   Serializable* none = nullptr;
-  std::string err = Stderr([&] { none = ClassFactory::Create(static_cast<eClassID_t>(2)); });
+  err = Stderr([&] { none = ClassFactory::Create(static_cast<eClassID_t>(2)); });
   EXPECT_EQ(nullptr, none);
   EXPECT_EQ("Unable to find class factory for classID = 2\n", err);
 
