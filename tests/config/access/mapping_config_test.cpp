@@ -105,4 +105,3 @@ TEST(MappingConfigTest, GenericsFollowTheirSelectorDirectAndCachedAndCreateFailu
   delete plain;
   ConfigFactoryImpl::GetInstance()->Disconnect(store);
 }
-
