@@ -238,8 +238,10 @@ WebReply WebApi::Handle(const std::string& method, const std::string& target,
   std::vector<std::string> path = PathSegments(target, valid);
   if (!valid) return Error(400, "malformed %-escape in the path");
   bool get = method == "GET";
+  size_t mark = target.find('?');
+  std::string query = mark == std::string::npos ? std::string() : target.substr(mark + 1);
   if (path.empty() || path[0] != "api") {
-    const PageFile* file = FindPageFile(target.substr(0, target.find('?')));
+    const PageFile* file = FindPageFile(target.substr(0, mark));
     if (file == nullptr) return Error(404, "no such page");
     if (!get) return Error(405, "the page is only read");
     WebReply page;
@@ -256,10 +258,7 @@ WebReply WebApi::Handle(const std::string& method, const std::string& target,
   if (what == "unit" && n == 2 && get) return Unit();
   if (what == "index" && n == 2 && get) return Index();
   if (what == "groups" && n == 2 && get) return Groups();
-  if (what == "groups" && n == 3 && get)
-    return Group(path[2], target.find('?') == std::string::npos
-                              ? std::string()
-                              : target.substr(target.find('?') + 1));
+  if (what == "groups" && n == 3 && get) return Group(path[2], query);
   if (what == "groups" && n == 4 && get && path[3] == "mapping") return Mapping(path[2]);
   if (what == "params" && n == 3) {
     if (get) return GetParam(path[2]);
